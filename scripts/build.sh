@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# Configures and builds one build tree: scripts/build.sh [plain|sanitize]
+set -euo pipefail
+here="$(cd "$(dirname "$0")/.." && pwd)"
+kind="${1:-plain}"
+case "$kind" in
+  plain) dir="$here/build"; extra=() ;;
+  sanitize) dir="$here/build-sanitize"; extra=(-DQX_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug -DQX_BENCH=OFF) ;;
+  *) echo "usage: scripts/build.sh [plain|sanitize]" >&2; exit 2 ;;
+esac
+bash "$here/scripts/install-deps.sh"
+cmake -S "$here" -B "$dir" -G Ninja -DQX_WERROR=ON "${extra[@]}" >/dev/null
+cmake --build "$dir" -j"$(nproc)"
