@@ -1,0 +1,101 @@
+#include "automation/object.h"
+
+#include <algorithm>
+#include <map>
+
+#include "automation/error.h"
+#include "automation/process.h"
+
+namespace automation {
+namespace {
+
+std::string Lower(std::string_view s) {
+  std::string out(s);
+  for (char& c : out) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return out;
+}
+
+std::map<std::string, Factory>& Classes() {
+  static std::map<std::string, Factory> classes;
+  return classes;
+}
+
+}  // namespace
+
+void Interface::Index() {
+  byName_.clear();
+  for (size_t i = 0; i < members.size(); ++i)
+    byName_[Lower(members[i].name)].push_back(i);
+}
+
+const Member* Interface::Find(std::string_view memberName, MemberKind kind) const {
+  auto it = byName_.find(Lower(memberName));
+  if (it == byName_.end()) return nullptr;
+  for (size_t i : it->second) {
+    if (members[i].kind == kind) return &members[i];
+  }
+  return nullptr;
+}
+
+bool Interface::Has(std::string_view memberName) const {
+  return byName_.count(Lower(memberName)) != 0;
+}
+
+const Interface* ClassInfo::FindInterface(std::string_view interfaceName) const {
+  if (interfaceName.empty()) return &defaultInterface;
+  for (const auto& i : implemented) {
+    if (Lower(i.name) == Lower(interfaceName)) return &i;
+  }
+  return nullptr;
+}
+
+Object::Object() : owner_(Process::CurrentRef()) {}
+Object::~Object() = default;
+
+Variant Object::Invoke(std::string_view interfaceName, std::string_view memberName, MemberKind kind,
+                       Args& args) {
+  const ClassInfo& info = Class();
+  const Interface* iface = info.FindInterface(interfaceName);
+  if (!iface) Raise(430);
+  const Member* member = iface->Find(memberName, kind);
+  if (!member) {
+    // A property that exists but not in the direction asked is a read-only or write-only one.
+    if (kind == MemberKind::Put && iface->Find(memberName, MemberKind::Get)) {
+      Raise(err::kReadOnlyProperty, memberName);
+    }
+    if (kind == MemberKind::Get && iface->Find(memberName, MemberKind::Put)) {
+      Raise(err::kWriteOnlyProperty, memberName);
+    }
+    Raise(err::kNoSuchMember, info.name + "." + std::string(memberName));
+  }
+  if (args.size() > member->params.size()) Raise(err::kWrongArgumentCount, member->name);
+  for (size_t i = args.size(); i < member->params.size(); ++i) {
+    if (!member->params[i].optional) Raise(err::kArgumentNotOptional, member->params[i].name);
+    args.push_back(member->params[i].defaultValue);
+  }
+  return member->invoke(*this, args);
+}
+
+Variant Invoke(const ObjectRef& object, std::string_view interfaceName, std::string_view memberName,
+               MemberKind kind, Args& args) {
+  if (!object) Raise(err::kObjectNotSet);
+  return object->Invoke(interfaceName, memberName, kind, args);
+}
+
+void RegisterClass(std::string progId, Factory factory) {
+  Classes()[Lower(progId)] = std::move(factory);
+}
+
+bool IsClassRegistered(std::string_view progId) {
+  return Classes().count(Lower(progId)) != 0;
+}
+
+ObjectRef CreateObject(std::string_view progId) {
+  auto it = Classes().find(Lower(progId));
+  if (it == Classes().end()) Raise(err::kCantCreateObject, progId);
+  return it->second();
+}
+
+}  // namespace automation

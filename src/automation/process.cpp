@@ -1,0 +1,39 @@
+#include "automation/process.h"
+
+#include <utility>
+
+namespace automation {
+namespace {
+thread_local std::shared_ptr<Process> current;
+}
+
+std::shared_ptr<Process> Process::Create(std::string name) {
+  return std::shared_ptr<Process>(new Process(std::move(name)));
+}
+
+Process& Process::Current() {
+  return *CurrentRef();
+}
+
+std::shared_ptr<Process> Process::CurrentRef() {
+  if (!current) current = Create("main");
+  return current;
+}
+
+Process::Scope::Scope(std::shared_ptr<Process> process) : previous_(CurrentRef()) {
+  current = std::move(process);
+}
+
+Process::Scope::~Scope() {
+  current = std::move(previous_);
+}
+
+void Process::End() {
+  ended_ = true;
+  // Move the values out first: their destructors may look at this process.
+  auto values = std::move(values_);
+  values_.clear();
+  values.clear();
+}
+
+}  // namespace automation

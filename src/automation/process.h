@@ -1,0 +1,58 @@
+#pragma once
+// The process context: what one (simulated) process holds for itself. The host and the IDE are
+// two processes; today both live in one OS process and only the proxy knows that. Each layer
+// keeps its process-wide values (current problem log, trace flag, caches) in a struct of its own
+// that the context creates on first use, so the runtime needs to know nothing about them.
+
+#include <any>
+#include <memory>
+#include <string>
+#include <typeindex>
+#include <unordered_map>
+
+namespace automation {
+
+class Process : public std::enable_shared_from_this<Process> {
+ public:
+  static std::shared_ptr<Process> Create(std::string name);
+
+  // The process whose code is running now. The first call makes a process named "main".
+  static Process& Current();
+  static std::shared_ptr<Process> CurrentRef();
+
+  // Makes another process current for the life of the scope (used by proxies and tests).
+  class Scope {
+   public:
+    explicit Scope(std::shared_ptr<Process> process);
+    ~Scope();
+    Scope(const Scope&) = delete;
+    Scope& operator=(const Scope&) = delete;
+
+   private:
+    std::shared_ptr<Process> previous_;
+  };
+
+  const std::string& Name() const { return name_; }
+
+  // The process-wide values of type T, default-constructed on first use.
+  template <class T>
+  T& Values() {
+    auto& slot = values_[std::type_index(typeid(T))];
+    if (!slot.has_value()) slot = std::make_shared<T>();
+    return *std::any_cast<std::shared_ptr<T>&>(slot);
+  }
+
+  // Ends the process: its values are released (breaking their references) and every later call
+  // into one of its objects through a proxy fails with 462.
+  void End();
+  bool Ended() const { return ended_; }
+
+ private:
+  explicit Process(std::string name) : name_(std::move(name)) {}
+
+  std::string name_;
+  bool ended_ = false;
+  std::unordered_map<std::type_index, std::any> values_;
+};
+
+}  // namespace automation
