@@ -1,0 +1,78 @@
+#include "platform/casefold.h"
+
+#include <locale.h>
+#include <wctype.h>
+
+#include "platform/utf8.h"
+
+namespace platform {
+namespace {
+
+// glibc's UTF-8 locale knows the case pairs of every script; without it (a stripped-down
+// system) only ASCII letters fold.
+locale_t Utf8Locale() {
+  static const locale_t locale = [] {
+    for (const char* name : {"C.UTF-8", "C.utf8", "en_US.UTF-8"}) {
+      if (locale_t l = newlocale(LC_CTYPE_MASK, name, static_cast<locale_t>(0))) return l;
+    }
+    return static_cast<locale_t>(0);
+  }();
+  return locale;
+}
+
+char32_t Fold(std::string_view text, std::size_t& pos) {
+  const std::size_t start = pos;
+  const char32_t cp = utf8::Next(text, pos);
+  if (cp == utf8::kInvalid) return 0x80000000u | static_cast<unsigned char>(text[start]);
+  return FoldChar(cp);
+}
+
+}  // namespace
+
+char32_t FoldChar(char32_t cp) {
+  if (cp < 0x80) return (cp >= 'A' && cp <= 'Z') ? cp + 32 : cp;
+  const locale_t locale = Utf8Locale();
+  if (locale == static_cast<locale_t>(0)) return cp;
+  return static_cast<char32_t>(towlower_l(static_cast<wint_t>(cp), locale));
+}
+
+std::string FoldCase(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  std::size_t pos = 0;
+  while (pos < text.size()) {
+    const unsigned char c = static_cast<unsigned char>(text[pos]);
+    if (c < 0x80) {
+      out += static_cast<char>((c >= 'A' && c <= 'Z') ? c + 32 : c);
+      ++pos;
+      continue;
+    }
+    const std::size_t start = pos;
+    const char32_t cp = utf8::Next(text, pos);
+    if (cp == utf8::kInvalid) {
+      out += text[start];
+    } else {
+      utf8::Append(out, FoldChar(cp));
+    }
+  }
+  return out;
+}
+
+int CompareNoCase(std::string_view a, std::string_view b) {
+  std::size_t i = 0;
+  std::size_t j = 0;
+  while (i < a.size() && j < b.size()) {
+    const char32_t x = Fold(a, i);
+    const char32_t y = Fold(b, j);
+    if (x != y) return x < y ? -1 : 1;
+  }
+  if (i < a.size()) return 1;
+  if (j < b.size()) return -1;
+  return 0;
+}
+
+bool EqualsNoCase(std::string_view a, std::string_view b) {
+  return CompareNoCase(a, b) == 0;
+}
+
+}  // namespace platform

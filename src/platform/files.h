@@ -1,0 +1,61 @@
+#pragma once
+// File-system calls with Windows-style paths (see paths.h) and VB's error numbers: 53 file not
+// found, 76 path not found, 70 permission denied, 75 path/file access error, 57 device I/O
+// error, 61 disk full.
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform {
+
+// VB's attribute bits as GetAttr returns them.
+inline constexpr uint32_t kAttrNormal = 0;
+inline constexpr uint32_t kAttrReadOnly = 1;
+inline constexpr uint32_t kAttrDirectory = 16;
+
+// A regular file (symbolic links followed).
+bool FileExists(std::string_view path);
+// A folder (symbolic links followed).
+bool FolderExists(std::string_view path);
+bool IsFolder(std::string_view path);
+
+// kAttrDirectory for a folder; for a file kAttrReadOnly when nobody has write permission on it
+// or we may not write it, else kAttrNormal. Raises 53 when the path does not exist.
+uint32_t GetAttr(std::string_view path);
+
+struct LocalTime {
+  int year, month, day, hour, minute, second;
+};
+
+// Last-modified time in local time. Raises 53 when the path does not exist.
+LocalTime FileDateTime(std::string_view path);
+
+// The whole file as bytes. Raises 53 when missing, 70 when not readable, 75 for a folder.
+std::string ReadFile(std::string_view path);
+
+// Replaces the file so that readers see either the old or the new contents, never a part:
+// writes a temporary file beside the target, flushes it to disk, renames it over the target.
+// The target keeps its permission bits (a new file gets the usual ones). A symbolic link is
+// followed and the file it names is replaced. Raises 70 for a read-only target, 75 for a
+// folder, 76 when the folder is missing; on any failure the target is as it was.
+void WriteFileAtomic(std::string_view path, std::string_view bytes);
+
+// Replaces the file's contents in place (creating it when missing); for small files that the
+// driver rewrites, such as the window-state file. Raises as WriteFileAtomic does.
+void WriteFile(std::string_view path, std::string_view bytes);
+
+// VB's Dir listing. pattern is folder & "\" & name, where name may hold the Windows wildcards
+// "*" and "?" (matched case-insensitively; "*.*" matches every name, with or without a dot;
+// "x.*" also matches "x"; "*." matches names without a dot); an empty name lists everything.
+// Returns entry names (not paths): regular files, and also folders when includeFolders, with
+// "." and ".." when the pattern matches them, as Windows lists them. Names beginning with a dot
+// are hidden files, as Wine shows them, and are left out. A missing folder gives an empty list.
+// Sorted case-insensitively.
+std::vector<std::string> Dir(std::string_view pattern, bool includeFolders);
+
+// Whether name matches a Windows wildcard pattern (the matching rule of Dir).
+bool WildcardMatch(std::string_view pattern, std::string_view name);
+
+}  // namespace platform

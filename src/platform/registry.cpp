@@ -1,0 +1,212 @@
+#include "platform/registry.h"
+
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <system_error>
+
+#include "automation/error.h"
+#include "platform/casefold.h"
+#include "platform/files.h"
+#include "platform/home.h"
+#include "platform/paths.h"
+#include "platform/registry_seed.h"
+
+namespace fs = std::filesystem;
+
+namespace platform {
+namespace {
+
+constexpr std::string_view kIdeSettings =
+    "HKEY_CURRENT_USER\\Software\\Microsoft\\Visual Basic\\6.0";
+constexpr std::string_view kOpenCommand =
+    "HKEY_CLASSES_ROOT\\VisualBasic.Project\\shell\\open\\command";
+constexpr std::string_view kTypeLibRoot = "HKEY_CLASSES_ROOT\\TypeLib\\";
+
+std::string NormalizeOrRaise(std::string_view keyPath) {
+  std::string path = NormalizeKeyPath(keyPath);
+  if (path.empty()) {
+    automation::Raise(automation::err::kInvalidCall,
+                      "registry key " + std::string(keyPath) + " does not begin with a known hive");
+  }
+  return path;
+}
+
+RegistryValue* FindValue(RegistryKeyEntry& key, std::string_view name) {
+  for (auto& value : key.values) {
+    if (EqualsNoCase(value.name, name)) return &value;
+  }
+  return nullptr;
+}
+
+bool HasDriveLetter(std::string_view path) {
+  return path.size() >= 2 && path[1] == ':' &&
+         ((path[0] >= 'a' && path[0] <= 'z') || (path[0] >= 'A' && path[0] <= 'Z'));
+}
+
+}  // namespace
+
+Registry& Registry::Instance() {
+  static Registry registry;
+  return registry;
+}
+
+fs::path Registry::FilePath() {
+  return QxHome() / "registry.reg";
+}
+
+std::string Registry::OpenCommand() {
+  std::string ide;
+  if (const char* env = std::getenv("QX_VB6_EXE"); env != nullptr && *env != '\0') {
+    ide = HasDriveLetter(env) ? std::string(env) : ToWindows(env);
+  } else {
+    std::error_code ec;
+    const fs::path self = fs::read_symlink("/proc/self/exe", ec);
+    ide = ToWindows((ec ? fs::current_path() : self.parent_path()) / "qxvb6.exe");
+  }
+  return "\"" + ide + "\" \"%1\"";
+}
+
+Registry::Stamp Registry::StampOf(const fs::path& file) {
+  struct stat st;
+  if (::stat(file.c_str(), &st) != 0) return {};
+  return {static_cast<long long>(st.st_mtim.tv_sec), static_cast<long long>(st.st_mtim.tv_nsec),
+          static_cast<long long>(st.st_size), static_cast<unsigned long long>(st.st_ino)};
+}
+
+RegistryFile Registry::Seed() {
+  RegistryFile seed;
+  const auto add = [&seed](std::string_view path, std::string_view name, std::string text) {
+    RegistryValue value;
+    value.name = name;
+    value.data = std::move(text);
+    seed.keys.push_back({std::string(path), {std::move(value)}, {}});
+  };
+  add(kIdeSettings, "BackgroundProjectLoad", "0");
+  add(kOpenCommand, "", OpenCommand());
+  for (const TypeLibrarySeed& library : SeedTypeLibraries()) {
+    add(std::string(kTypeLibRoot) + std::string(library.guid), "",
+        std::string(library.description));
+  }
+  return seed;
+}
+
+void Registry::Refresh() {
+  const fs::path home = QxHome();
+  const fs::path file = home / "registry.reg";
+  std::error_code ec;
+  if (!fs::exists(file, ec)) {
+    fs::create_directories(home / "drive_c" / "windows", ec);
+    data_ = Seed();
+    file_ = file;
+    Save();
+    return;
+  }
+  const Stamp stamp = StampOf(file);
+  if (file == file_ && stamp == stamp_) return;
+  // Forget the old contents first: if the new file does not parse, every call reports it
+  // until it is fixed, rather than answering from another home's registry.
+  file_.clear();
+  data_ = {};
+  const std::string text = ReadFile(file.string());
+  data_ = ParseRegistryFile(text, file.string());
+  file_ = file;
+  stamp_ = stamp;
+}
+
+void Registry::Save() {
+  try {
+    WriteFileAtomic(file_.string(), FormatRegistryFile(data_));
+  } catch (...) {
+    // What is held no longer matches the disk: read the file again on the next call.
+    file_.clear();
+    throw;
+  }
+  stamp_ = StampOf(file_);
+}
+
+RegistryKeyEntry* Registry::Find(const std::string& normalizedPath) {
+  for (auto& key : data_.keys) {
+    if (EqualsNoCase(key.path, normalizedPath)) return &key;
+  }
+  return nullptr;
+}
+
+RegistryKeyEntry& Registry::FindOrAdd(const std::string& normalizedPath) {
+  if (RegistryKeyEntry* key = Find(normalizedPath)) return *key;
+  data_.keys.push_back({normalizedPath, {}, {}});
+  return data_.keys.back();
+}
+
+bool Registry::KeyExists(std::string_view keyPath) {
+  std::lock_guard lock(mutex_);
+  Refresh();
+  const std::string path = NormalizeKeyPath(keyPath);
+  if (path.empty()) return false;
+  const std::string folded = FoldCase(path);
+  for (const auto& key : data_.keys) {
+    const std::string candidate = FoldCase(key.path);
+    if (candidate == folded) return true;
+    if (candidate.size() > folded.size() && candidate.compare(0, folded.size(), folded) == 0 &&
+        candidate[folded.size()] == '\\') {
+      return true;
+    }
+  }
+  return false;
+}
+
+std::optional<std::string> Registry::ReadValue(std::string_view keyPath,
+                                               std::string_view valueName) {
+  std::lock_guard lock(mutex_);
+  Refresh();
+  const std::string path = NormalizeKeyPath(keyPath);
+  if (path.empty()) return std::nullopt;
+  RegistryKeyEntry* key = Find(path);
+  if (key == nullptr) return std::nullopt;
+  const RegistryValue* value = FindValue(*key, valueName);
+  if (value == nullptr) return std::nullopt;
+  switch (value->kind) {
+    case RegistryValue::Kind::kString:
+      return value->data;
+    case RegistryValue::Kind::kDword:
+      return DwordText(value->data);
+    case RegistryValue::Kind::kOther:
+      return std::nullopt;
+  }
+  return std::nullopt;
+}
+
+void Registry::WriteValue(std::string_view keyPath, std::string_view valueName,
+                          std::string_view text) {
+  if (text.find_first_of("\r\n") != std::string_view::npos ||
+      valueName.find_first_of("\r\n") != std::string_view::npos) {
+    automation::Raise(automation::err::kInvalidCall,
+                      "a registry value cannot hold a line break (" + std::string(keyPath) + ")");
+  }
+  const std::string path = NormalizeOrRaise(keyPath);
+  std::lock_guard lock(mutex_);
+  Refresh();
+  RegistryKeyEntry& key = FindOrAdd(path);
+  if (RegistryValue* value = FindValue(key, valueName)) {
+    if (value->kind == RegistryValue::Kind::kString && value->data == text) return;
+    value->kind = RegistryValue::Kind::kString;
+    value->data = text;
+  } else {
+    RegistryValue added;
+    added.name = valueName;
+    added.data = text;
+    key.values.push_back(std::move(added));
+  }
+  Save();
+}
+
+void Registry::CreateKey(std::string_view keyPath) {
+  const std::string path = NormalizeOrRaise(keyPath);
+  std::lock_guard lock(mutex_);
+  Refresh();
+  if (Find(path) != nullptr) return;
+  data_.keys.push_back({path, {}, {}});
+  Save();
+}
+
+}  // namespace platform

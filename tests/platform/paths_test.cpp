@@ -1,0 +1,75 @@
+#include "platform/paths.h"
+
+#include <gtest/gtest.h>
+
+#include "support/temp_home.h"
+#include "test_files.h"
+
+namespace fs = std::filesystem;
+using platform::ToNative;
+
+namespace {
+
+class CurrentFolder {
+ public:
+  explicit CurrentFolder(const fs::path& folder) : previous_(fs::current_path()) {
+    fs::current_path(folder);
+  }
+  ~CurrentFolder() { fs::current_path(previous_); }
+
+ private:
+  fs::path previous_;
+};
+
+TEST(Paths, SeparatorsDrivesAndRelativePaths) {
+  qxtest::TempHome home;
+  EXPECT_EQ(ToNative("z:\\usr\\bin"), fs::path("/usr/bin"));
+  EXPECT_EQ(ToNative("Z:/usr//bin\\"), fs::path("/usr/bin"));
+  EXPECT_EQ(ToNative("c:\\windows\\vbaddin.ini"), home.path() / "drive_c/windows/vbaddin.ini");
+  EXPECT_EQ(ToNative("D:/Src/x.vbp"), home.path() / "drive_d/Src/x.vbp");
+  EXPECT_EQ(ToNative("\\etc\\hostname"), fs::path("/etc/hostname"));
+  {
+    CurrentFolder cd(home.path());
+    EXPECT_EQ(ToNative("proj\\a.frm"), fs::current_path() / "proj/a.frm");
+  }
+  EXPECT_EQ(ToNative(""), fs::path());
+}
+
+TEST(Paths, EachPartResolvesIgnoringCase) {
+  qxtest::TempHome home;
+  const fs::path root = home.path();
+  platformtest::WriteBytes(root / "Proj/Forms/Main.frm", "x");
+  const std::string windows = root.string() + "\\PROJ\\forms\\MAIN.FRM";
+  EXPECT_EQ(ToNative(windows), root / "Proj/Forms/Main.frm");
+
+  // Several spellings on disk: an exact match wins, else the first in byte order.
+  platformtest::WriteBytes(root / "Proj/Readme", "1");
+  platformtest::WriteBytes(root / "Proj/README", "2");
+  EXPECT_EQ(ToNative(root.string() + "/proj/Readme"), root / "Proj/Readme");
+  EXPECT_EQ(ToNative(root.string() + "/proj/readme"), root / "Proj/README");
+
+  // Letters beyond ASCII fold too (Cyrillic file names are common in real projects).
+  platformtest::WriteBytes(root / "Проект/Форма.frm", "x");
+  EXPECT_EQ(ToNative(root.string() + "\\пРОЕКТ\\форма.FRM"), root / "Проект/Форма.frm");
+}
+
+TEST(Paths, MissingPartsAreKeptAsWritten) {
+  qxtest::TempHome home;
+  const fs::path root = home.path();
+  fs::create_directories(root / "Proj");
+  EXPECT_EQ(ToNative(root.string() + "\\PROJ\\New\\File.txt"), root / "Proj/New/File.txt");
+  EXPECT_EQ(ToNative(root.string() + "\\Nowhere\\proj"), root / "Nowhere/proj");
+}
+
+TEST(Paths, SeparatorsAndWindowsForm) {
+  EXPECT_EQ(platform::LastSeparator("a\\b/c"), 3u);
+  EXPECT_EQ(platform::LastSeparator("c:\\x\\y.frm"), 4u);
+  EXPECT_EQ(platform::LastSeparator("abc"), std::string::npos);
+  EXPECT_EQ(platform::ToWindows("/opt/qx/bin/qxvb6.exe"), "z:\\opt\\qx\\bin\\qxvb6.exe");
+  EXPECT_EQ(platform::ToWindows("/opt/qx/"), "z:\\opt\\qx");
+  EXPECT_EQ(platform::ToWindows("/"), "z:\\");
+  // The two directions agree.
+  EXPECT_EQ(ToNative(platform::ToWindows("/usr/bin")), fs::path("/usr/bin"));
+}
+
+}  // namespace
