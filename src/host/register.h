@@ -1,0 +1,9 @@
+#pragma once
+// Makes the host library's classes creatable by programmatic identifier ("qxlib41.KeyedList"),
+// as the driver creates them. Calling it again changes nothing.
+
+namespace host {
+
+void RegisterClasses();
+
+}  // namespace host
