@@ -1,0 +1,148 @@
+#include "foundation/vxhandler.h"
+
+#include <gtest/gtest.h>
+
+#include "automation/object.h"
+#include "foundation/globals.h"
+#include "foundation/operation.h"
+#include "support/driver_env.h"
+
+namespace {
+
+using foundation::Operation;
+using qxtest::ErrorOf;
+
+constexpr const char* kHeading = "\r\n\r\nPROGRAM CONTEXT:\r\n";
+
+class VxHandler : public ::testing::Test {
+ protected:
+  // The problems the current problem log has received, as "number|description|class|proc".
+  std::vector<std::string> Logged() const {
+    std::vector<std::string> out;
+    const automation::Dispatch log(foundation::GetGlobals().problemLog);
+    for (int32_t i = 1; i <= log.Get("Count").ToLong(); ++i) {
+      const automation::Dispatch p(log.Call("Item", i).ToObject());
+      out.push_back(p.Get("Number").ToString() + "|" + p.Get("Description").ToString() + "|" +
+                    p.Get("ClassName").ToString() + "|" + p.Get("ProcName").ToString());
+    }
+    return out;
+  }
+
+  qxtest::DriverEnv env_;
+};
+
+TEST_F(VxHandler, TrailGrowsOneLinePerOperationInnermostFirst) {
+  auto inner = [] {
+    Operation("Forms", "Plain", [] { throw automation::Error(53, "src", "File not found"); });
+  };
+  auto middle = [&] { Operation("Project", "EnumObjects", inner); };
+  const auto e = ErrorOf([&] { Operation("Forms", "ICollection_EnumObjects", middle); });
+  EXPECT_EQ(e.Number(), 53);
+  EXPECT_EQ(e.Description(), std::string("File not found") + kHeading +
+                                 "qxvb60.Forms.Plain.1  (4.1.475)\r\n"
+                                 "qxvb60.Project.EnumObjects.1  (4.1.475)\r\n"
+                                 "qxvb60.Forms.ICollection_EnumObjects.1  (4.1.475)");
+  EXPECT_EQ(e.Source(), "");
+}
+
+TEST_F(VxHandler, HeadingRulesAndLineNumbers) {
+  // A heading from elsewhere is not repeated; an empty description still gets one.
+  EXPECT_EQ(foundation::AddTrailLine("x PROGRAM CONTEXT: y", "C", "P", 0),
+            "x PROGRAM CONTEXT: y\r\nqxvb60.C.P.1  (4.1.475)");
+  EXPECT_EQ(foundation::AddTrailLine("", "C", "P", 7),
+            std::string(kHeading) + "qxvb60.C.P.7  (4.1.475)");
+  const auto e = ErrorOf([] {
+    Operation("Utility", "UpdateKey",
+              [] { throw automation::Error(9, "s", "Subscript out of range", "h.chm", 42, 12); });
+  });
+  EXPECT_NE(e.Description().find("qxvb60.Utility.UpdateKey.12  (4.1.475)"), std::string::npos);
+  EXPECT_EQ(e.HelpFile(), "");  // Promote drops source and help data
+  EXPECT_EQ(e.HelpContext(), 0);
+}
+
+TEST_F(VxHandler, EntryPointRule) {
+  EXPECT_TRUE(foundation::IsEntryPoint("ProjectEvents_ItemRemoved"));
+  EXPECT_TRUE(foundation::IsEntryPoint("Ix_Y"));
+  EXPECT_TRUE(foundation::IsEntryPoint("I_"));
+  EXPECT_FALSE(foundation::IsEntryPoint("IObject_SetMode"));
+  EXPECT_FALSE(foundation::IsEntryPoint("IDTExtensibility_OnConnection"));
+  EXPECT_FALSE(foundation::IsEntryPoint("Main"));
+  EXPECT_FALSE(foundation::IsEntryPoint("X"));
+  EXPECT_FALSE(foundation::IsEntryPoint("_"));
+}
+
+TEST_F(VxHandler, EntryPointsLogAndReturnNormally) {
+  bool after = false;
+  const int result = Operation("Connection", "ProjectEvents_ItemAdded",
+                               [&]() -> int { throw automation::Error(-32767, "", "Refused."); });
+  after = true;
+  EXPECT_TRUE(after);
+  EXPECT_EQ(result, 0);
+  const auto logged = Logged();
+  ASSERT_EQ(logged.size(), 1u);
+  EXPECT_EQ(logged[0], std::string("-32767|Refused.") + kHeading +
+                           "qxvb60.Connection.ProjectEvents_ItemAdded.1  (4.1.475)|Connection|"
+                           "ProjectEvents_ItemAdded");
+  // Main raises through Promote.
+  EXPECT_EQ(ErrorOf([] { Operation("vxhandler", "Main", [] { automation::Raise(5); }); }).Number(),
+            5);
+}
+
+TEST_F(VxHandler, SaveErrorKeepsEveryFieldAndRunsUndoSteps) {
+  int undone = 0;
+  const auto e = ErrorOf([&] {
+    foundation::OperationWithUndo(
+        "Form", "IObject_SetMode",
+        [] { throw automation::Error(70, "VBIDE", "Permission denied", "vb.chm", 7); },
+        [&] {
+          ++undone;
+          automation::Raise(5);  // ignored: the saved error stays the first one
+        });
+  });
+  EXPECT_EQ(undone, 1);
+  EXPECT_EQ(e.Number(), 70);
+  EXPECT_EQ(e.Source(), "VBIDE");
+  EXPECT_EQ(e.HelpFile(), "vb.chm");
+  EXPECT_EQ(e.HelpContext(), 7);
+  EXPECT_EQ(e.Description(), std::string("Permission denied") + kHeading +
+                                 "qxvb60.Form.IObject_SetMode.1  (4.1.475)");
+
+  // "Main" counts as an entry point for SaveError, and a name is cut at "(".
+  foundation::SavedError main;
+  foundation::SaveError(main, automation::Error(5, "", "x"), "M", "Main");
+  EXPECT_TRUE(main.isEntryPoint);
+  foundation::SavedError cut;
+  foundation::SaveError(cut, automation::Error(5, "", "x"), "M", "Events_Fire(1)");
+  EXPECT_TRUE(cut.isEntryPoint);
+  cut.rollbackFailed = true;
+  foundation::ReportSavedError(cut);  // logged, not raised
+  const auto logged = Logged();
+  ASSERT_EQ(logged.size(), 1u);
+  EXPECT_NE(logged[0].find("qxvb60.M.Events_Fire(1).1  (4.1.475)\r\nOne or more additional "
+                           "problems were encountered while attempting to roll back the "
+                           "operation.|M|Events_Fire(1)"),
+            std::string::npos);
+}
+
+TEST_F(VxHandler, FixedErrors) {
+  auto e = ErrorOf([] { foundation::RaiseInvalidCaseSelector(automation::Variant("abc")); });
+  EXPECT_EQ(e.Number(), -32753);
+  EXPECT_EQ(e.Description(), "Invalid case selector (\"abc\").");
+  e = ErrorOf([] { foundation::RaiseInvalidCaseSelector(automation::Variant(12)); });
+  EXPECT_EQ(e.Description(), "Invalid case selector (12).");
+  e = ErrorOf([] { foundation::RaiseUndefinedProperty(); });
+  EXPECT_EQ(e.Number(), -32749);
+  EXPECT_EQ(e.Description(), "Undefined property.");
+}
+
+TEST_F(VxHandler, ContextsOpenInTheCurrentLog) {
+  automation::ObjectRef context =
+      foundation::CreateContext("qxvb60", "Connection", "ProjectEvents_ItemAdded", true, true);
+  EXPECT_NE(context, nullptr);
+  // A broken log costs the report, never the caller.
+  foundation::GetGlobals().problemLog = nullptr;
+  EXPECT_EQ(foundation::CreateContext("qxvb60", "C", "P", true, true) != nullptr, true);
+  foundation::LogRuntimeError(5, "x", "", 0, "qxvb60", "C", "P", 1);
+}
+
+}  // namespace
