@@ -1,0 +1,271 @@
+#include "ide/model/component_file.h"
+
+#include <utility>
+
+#include "automation/error.h"
+#include "ide/text/source_text.h"
+#include "platform/codepage.h"
+
+namespace ide {
+namespace {
+
+// VB's run-time error for a file whose contents are not what its kind requires.
+constexpr int32_t kInvalidFileFormat = 321;
+
+[[noreturn]] void Invalid(std::string_view fileName, std::string_view problem) {
+  std::string text = "Invalid file format: ";
+  text += fileName;
+  text += ": ";
+  text += problem;
+  automation::RaiseMessage(kInvalidFileFormat, std::move(text));
+}
+
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t';
+}
+
+std::string_view Trim(std::string_view s) {
+  while (!s.empty() && IsBlank(s.front()))
+    s.remove_prefix(1);
+  while (!s.empty() && IsBlank(s.back()))
+    s.remove_suffix(1);
+  return s;
+}
+
+char Lower(char c) {
+  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool EqualsNoCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (Lower(a[i]) != Lower(b[i])) return false;
+  }
+  return true;
+}
+
+// The first word of a line (after blanks), up to a blank or "=".
+std::string_view FirstWord(std::string_view line) {
+  line = Trim(line);
+  std::size_t end = 0;
+  while (end < line.size() && !IsBlank(line[end]) && line[end] != '=')
+    ++end;
+  return line.substr(0, end);
+}
+
+// The words after the first one: "Begin VB.Form frmMain " gives "VB.Form" and "frmMain".
+void BeginWords(std::string_view line, std::string& type, std::string& name) {
+  line = Trim(line);
+  std::size_t pos = line.find_first_of(" \t");
+  line = pos == std::string_view::npos ? std::string_view{} : Trim(line.substr(pos));
+  pos = line.find_first_of(" \t");
+  type.assign(line.substr(0, pos));
+  name.assign(pos == std::string_view::npos ? std::string_view{} : Trim(line.substr(pos)));
+}
+
+bool IsFormLike(FileKind kind) {
+  return kind != FileKind::kModule && kind != FileKind::kClass;
+}
+
+// The quoted value of `Attribute VB_Name = "X"`; npos positions when the line is not one.
+bool NameAttribute(std::string_view line, std::size_t& open, std::size_t& close) {
+  if (!IsAttributeLine(line)) return false;
+  std::size_t pos = line.find_first_not_of(" \t");
+  pos = line.find_first_not_of(" \t", pos + 9);
+  std::size_t eq = line.find('=', pos);
+  if (!EqualsNoCase(Trim(line.substr(pos, eq - pos)), "VB_Name")) return false;
+  open = line.find('"', eq);
+  if (open == std::string_view::npos) return false;
+  close = line.find('"', open + 1);
+  if (close == std::string_view::npos) close = line.size();
+  return true;
+}
+
+}  // namespace
+
+ComponentFile::~ComponentFile() = default;
+
+std::unique_ptr<ComponentFile> ComponentFile::Parse(std::string bytes, FileKind kind,
+                                                    const platform::CodePage& codePage,
+                                                    std::string_view fileName) {
+  std::unique_ptr<ComponentFile> file(new ComponentFile());
+  file->kind_ = kind;
+  file->codePage_ = &codePage;
+  file->original_ = std::move(bytes);
+  file->code_ = std::make_unique<CodeModule>();
+  SourceText text = SplitText(file->original_, codePage);
+  if (file->original_.find('\0') < text.tailOffset) {
+    Invalid(fileName, "it holds binary data (NUL bytes), not VB source text");
+  }
+  file->dominant_ = text.dominant;
+  file->finalBreak_ = text.finalBreak;
+  file->tailOffset_ = text.tailOffset;
+  file->ParseHeader(text.lines, fileName);
+  return file;
+}
+
+void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view fileName) {
+  const std::size_t n = lines.size();
+  std::size_t i = 0;
+  auto startsWith = [&](std::size_t at, std::string_view word) {
+    return at < n && EqualsNoCase(FirstWord(lines[at].text), word);
+  };
+
+  if (IsFormLike(kind_)) {
+    if (!startsWith(0, "VERSION")) {
+      Invalid(fileName, n == 0 ? "the file is empty" : "it does not start with a VERSION line");
+    }
+    i = 1;
+    while (i < n && (startsWith(i, "Object") || Trim(lines[i].text).empty()))
+      ++i;
+    if (!startsWith(i, "Begin"))
+      Invalid(fileName, "the form description (Begin ... End) is missing");
+    std::vector<int32_t> open;
+    for (; i < n; ++i) {
+      std::string_view word = FirstWord(lines[i].text);
+      if (EqualsNoCase(word, "Begin") || EqualsNoCase(word, "BeginProperty")) {
+        DescriptionBlock block;
+        block.isProperty = word.size() > 5;
+        BeginWords(lines[i].text, block.type, block.name);
+        block.firstLine = static_cast<int32_t>(i);
+        block.parent = open.empty() ? -1 : open.back();
+        open.push_back(static_cast<int32_t>(description_.size()));
+        description_.push_back(std::move(block));
+      } else if (EqualsNoCase(Trim(lines[i].text), "End") ||
+                 EqualsNoCase(Trim(lines[i].text), "EndProperty")) {
+        if (open.empty()) break;
+        description_[open.back()].lastLine = static_cast<int32_t>(i);
+        open.pop_back();
+        if (open.empty()) {
+          ++i;
+          break;
+        }
+      }
+    }
+    if (!open.empty()) {
+      Invalid(fileName, "the form description ends before its End line (the file is cut short)");
+    }
+  } else if (kind_ == FileKind::kClass && startsWith(0, "VERSION")) {
+    i = 1;
+    if (i < n && EqualsNoCase(Trim(lines[i].text), "BEGIN")) {
+      while (i < n && !EqualsNoCase(Trim(lines[i].text), "END"))
+        ++i;
+      if (i == n) Invalid(fileName, "the class header BEGIN has no END (the file is cut short)");
+      ++i;
+    }
+  }
+
+  attributesStart_ = static_cast<int32_t>(i);
+  while (i < n && IsAttributeLine(lines[i].text)) {
+    std::size_t open = 0;
+    std::size_t close = 0;
+    if (nameLine_ < 0 && NameAttribute(lines[i].text, open, close)) {
+      nameLine_ = static_cast<int32_t>(i);
+      name_ = lines[i].text.substr(open + 1, close - open - 1);
+    }
+    ++i;
+  }
+  header_.reserve(i);
+  for (std::size_t k = 0; k < i; ++k)
+    header_.push_back(std::move(lines[k]));
+  for (std::size_t k = i; k < n; ++k) {
+    if (IsAttributeLine(lines[k].text) && code_->AppendHiddenLine(lines[k])) continue;
+    code_->AppendLoadedLine(std::move(lines[k]));
+  }
+}
+
+ComponentType ComponentFile::Type() const {
+  switch (kind_) {
+    case FileKind::kModule:
+      return ComponentType::kStdModule;
+    case FileKind::kClass:
+      return ComponentType::kClassModule;
+    case FileKind::kForm:
+      return !description_.empty() && EqualsNoCase(description_.front().type, "VB.MDIForm")
+                 ? ComponentType::kVBMDIForm
+                 : ComponentType::kVBForm;
+    case FileKind::kUserControl:
+      return ComponentType::kUserControl;
+    case FileKind::kPropertyPage:
+      return ComponentType::kPropPage;
+    case FileKind::kUserDocument:
+      return ComponentType::kDocObject;
+    case FileKind::kDesigner:
+      return ComponentType::kActiveXDesigner;
+  }
+  return ComponentType::kStdModule;
+}
+
+std::string ComponentFile::DesignerClsid() const {
+  if (kind_ != FileKind::kDesigner || description_.empty()) return {};
+  const std::string& type = description_.front().type;
+  return !type.empty() && type.front() == '{' ? type : std::string{};
+}
+
+void ComponentFile::SetName(std::string_view name) {
+  if (nameLine_ >= 0) {
+    SourceLine& line = header_[nameLine_];
+    std::size_t open = 0;
+    std::size_t close = 0;
+    NameAttribute(line.text, open, close);
+    line.text = line.text.substr(0, open + 1) + std::string(name) + "\"" +
+                (close < line.text.size() ? line.text.substr(close + 1) : std::string{});
+    line.original = false;
+  } else {
+    // A file without the attribute gets one where VB6 writes it: first of the module's
+    // attributes.
+    SourceLine line = SourceLine::New("Attribute VB_Name = \"" + std::string(name) + "\"");
+    header_.insert(header_.begin() + attributesStart_, std::move(line));
+    for (DescriptionBlock& block : description_) {
+      if (block.firstLine >= attributesStart_) ++block.firstLine;
+      if (block.lastLine >= attributesStart_) ++block.lastLine;
+    }
+    nameLine_ = attributesStart_;
+  }
+  if (!description_.empty() && !description_.front().isProperty) {
+    DescriptionBlock& root = description_.front();
+    SourceLine& line = header_[root.firstLine];
+    // Keep the indentation, the type and whatever follows the old name (VB6 leaves one blank).
+    std::size_t typeAt = line.text.find(root.type);
+    std::size_t nameAt = typeAt == std::string::npos
+                             ? std::string::npos
+                             : line.text.find(root.name, typeAt + root.type.size());
+    if (nameAt != std::string::npos && !root.name.empty()) {
+      line.text.replace(nameAt, root.name.size(), name);
+    } else {
+      line.text = "Begin " + root.type + " " + std::string(name) + " ";
+    }
+    line.original = false;
+    root.name.assign(name);
+  }
+  name_.assign(name);
+  headerDirty_ = true;
+}
+
+std::string ComponentFile::Render() const {
+  if (!IsDirty()) return DiskBytes();
+  TextWriter writer(original_, *codePage_, dominant_);
+  for (const SourceLine& line : header_)
+    writer.Add(line);
+  for (const CodeLine& code : code_->RawLines()) {
+    writer.Add(code.line);
+    if (code.hidden) {
+      for (const SourceLine& hidden : *code.hidden)
+        writer.Add(hidden);
+    }
+  }
+  return writer.Finish(finalBreak_, std::string_view(original_).substr(tailOffset_));
+}
+
+void ComponentFile::MarkSaved(std::string written) {
+  if (written == DiskBytes()) {
+    // Nothing to remember beyond the bytes already held.
+  } else {
+    saved_ = std::move(written);
+    savedIsOriginal_ = false;
+  }
+  headerDirty_ = false;
+  code_->ClearDirty();
+}
+
+}  // namespace ide

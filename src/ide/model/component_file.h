@@ -1,0 +1,118 @@
+#pragma once
+// A component's source file (.bas, .cls, .frm, .ctl, .pag, .dob, .dsr) as VB6 reads it: the
+// hidden part at the top (the VERSION line, `Object = ` lines, the form description
+// `Begin ... End` block, the class header `BEGIN ... END`, the module's `Attribute` lines) and
+// the code after it, which becomes the CodeModule. Member `Attribute X.VB_...` lines among the
+// code are hidden too and stay with the line they follow.
+//
+// The file keeps its bytes: saving an unchanged file gives them back exactly; saving a changed
+// one writes the unchanged lines as they were read and encodes only the new or edited ones.
+// Binary companions (.frx and the like) are not part of this model.
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ide/code/code_module.h"
+#include "ide/text/source_line.h"
+
+namespace platform {
+class CodePage;
+}
+
+namespace ide {
+
+// The project-file key that named the component, which decides how its file is read.
+enum class FileKind : uint8_t {
+  kModule,        // Module=
+  kClass,         // Class=
+  kForm,          // Form= (forms and MDI forms)
+  kUserControl,   // UserControl=
+  kPropertyPage,  // PropertyPage=
+  kUserDocument,  // UserDocument=
+  kDesigner,      // Designer=
+};
+
+// VBComponent.Type.
+enum class ComponentType : int32_t {
+  kStdModule = 1,
+  kClassModule = 2,
+  kVBForm = 5,
+  kVBMDIForm = 6,
+  kPropPage = 7,
+  kUserControl = 8,
+  kDocObject = 9,
+  kActiveXDesigner = 11,
+};
+
+// One `Begin ... End` or `BeginProperty ... EndProperty` block of the form description, so that
+// the properties and controls can be read from the header lines without parsing them again.
+// The lines of a block that are not inside a child block are its property lines.
+struct DescriptionBlock {
+  bool isProperty = false;  // BeginProperty (else Begin)
+  std::string type;         // "VB.Form", "{CLSID}", "MSComctlLib.ListView"; a property's name
+  std::string name;         // the object's name; for a property block, what follows its name
+  int32_t firstLine = 0;    // header-line index of the Begin line
+  int32_t lastLine = 0;     // header-line index of its End line
+  int32_t parent = -1;      // enclosing block, -1 for the root object
+};
+
+class ComponentFile {
+ public:
+  // Reads the bytes of a component file. A file that is not a VB component of that kind (a
+  // database table with the .frm extension, binary data, a header cut short) raises 321
+  // "Invalid file format" naming the file and what is wrong.
+  static std::unique_ptr<ComponentFile> Parse(std::string bytes, FileKind kind,
+                                              const platform::CodePage& codePage,
+                                              std::string_view fileName);
+  ~ComponentFile();
+
+  FileKind Kind() const { return kind_; }
+  ComponentType Type() const;
+  // The name in `Attribute VB_Name = "..."`; empty when the file has none.
+  const std::string& Name() const { return name_; }
+  // Renames: the VB_Name attribute and, for files with a form description, the root object's
+  // `Begin` line (VB6 writes the new name in both).
+  void SetName(std::string_view name);
+  // `Begin {CLSID} Name` of a designer: the CLSID with its braces; empty for other files.
+  std::string DesignerClsid() const;
+
+  CodeModule& Code() { return *code_; }
+  const CodeModule& Code() const { return *code_; }
+
+  const std::vector<SourceLine>& HeaderLines() const { return header_; }
+  const std::vector<DescriptionBlock>& Description() const { return description_; }
+
+  bool IsDirty() const { return headerDirty_ || code_->IsDirty(); }
+
+  // The bytes to save: the bytes last read or saved when nothing changed.
+  std::string Render() const;
+  // The bytes as last read or saved, for telling whether the file changed on disk since.
+  const std::string& DiskBytes() const { return savedIsOriginal_ ? original_ : saved_; }
+  // After a successful save: the written bytes are what the disk holds now.
+  void MarkSaved(std::string written);
+
+ private:
+  ComponentFile() = default;
+  void ParseHeader(std::vector<SourceLine>& lines, std::string_view fileName);
+
+  FileKind kind_ = FileKind::kModule;
+  const platform::CodePage* codePage_ = nullptr;
+  std::string original_;  // the bytes as read; unchanged lines point into them
+  std::string saved_;     // the bytes last saved, once they differ from the bytes read
+  bool savedIsOriginal_ = true;
+  std::vector<SourceLine> header_;
+  std::vector<DescriptionBlock> description_;
+  std::unique_ptr<CodeModule> code_;
+  std::string name_;
+  int32_t nameLine_ = -1;        // header index of the VB_Name line
+  int32_t attributesStart_ = 0;  // header index where the module's Attribute lines begin
+  LineEnd dominant_ = LineEnd::kCrLf;
+  bool finalBreak_ = true;
+  std::size_t tailOffset_ = 0;
+  bool headerDirty_ = false;
+};
+
+}  // namespace ide

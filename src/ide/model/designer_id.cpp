@@ -1,0 +1,107 @@
+#include "ide/model/designer_id.h"
+
+#include <array>
+#include <string_view>
+
+#include "ide/model/component_file.h"
+
+namespace ide {
+namespace {
+
+char Upper(char c) {
+  return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+bool SameClsid(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (Upper(a[i]) != Upper(b[i])) return false;
+  }
+  return true;
+}
+
+struct KnownDesigner {
+  std::string_view clsid;
+  std::string_view progId;
+};
+
+// Designer classes whose CLSID we have seen in `.dsr` files written by VB6 (VB6's own template
+// folder and public projects). The DHTML page identifier is the one the driver asks for. The
+// Data Environment, Data Report and Add-In identifiers are those of VB6's designer caches. The
+// WebClass identifier is our best reading of the designer's library name (unsure).
+constexpr std::array<KnownDesigner, 5> kKnown{{
+    {"{90290CCD-F27D-11D0-8031-00C04FB6C701}", "DHTMLPageDesigner.DHTMLPage"},
+    {"{C0E45035-5775-11D0-B388-00A0C9055D8E}", "DEDesigner.DataEnvironment"},
+    {"{78E93846-85FD-11D0-8487-00A0C90DC8A9}", "MSDataReportLib.DataReport"},
+    {"{AC0714F6-3D04-11D1-AE7D-00A0C90F26F4}", "MSAddnDr.AddInDesigner"},
+    {"{17016CEE-E118-11D0-94B8-00A0C91110ED}", "WebClassDesigner.WebClass"},
+}};
+
+constexpr std::string_view kUserConnection = "ConnectionDesigner.UserConnection";
+
+// Whether the root object of a designer carries the properties of an RDO connection, which is
+// what a UserConnection designer persists. We found no UserConnection `.dsr` anywhere, so its
+// CLSID is unknown; this recognises it by what it must store (the connect string with RDO's
+// time-outs or cursor driver). Unsure, but no other designer we know stores that combination
+// at its root.
+bool LooksLikeUserConnection(const ComponentFile& file) {
+  const auto& blocks = file.Description();
+  if (blocks.empty()) return false;
+  const DescriptionBlock& root = blocks.front();
+  const auto& lines = file.HeaderLines();
+  bool connect = false;
+  bool rdo = false;
+  std::size_t child = 1;
+  for (int32_t i = root.firstLine + 1; i < root.lastLine; ++i) {
+    // Skip nested blocks: only the root's own property lines count.
+    while (child < blocks.size() && blocks[child].parent != 0)
+      ++child;
+    if (child < blocks.size() && blocks[child].firstLine == i) {
+      i = blocks[child].lastLine;
+      ++child;
+      continue;
+    }
+    std::string_view text = lines[i].text;
+    std::size_t start = text.find_first_not_of(" \t");
+    if (start == std::string_view::npos) continue;
+    std::size_t stop = text.find_first_of(" \t=", start);
+    std::string_view key = text.substr(start, stop - start);
+    if (SameClsid(key, "Connect")) connect = true;
+    if (SameClsid(key, "QueryTimeout") || SameClsid(key, "LoginTimeout") ||
+        SameClsid(key, "CursorDriver")) {
+      rdo = true;
+    }
+  }
+  return connect && rdo;
+}
+
+}  // namespace
+
+std::string DesignerIdOf(const ComponentFile& file) {
+  switch (file.Type()) {
+    case ComponentType::kStdModule:
+    case ComponentType::kClassModule:
+      return {};
+    case ComponentType::kVBForm:
+      return "VB.Form";
+    case ComponentType::kVBMDIForm:
+      return "VB.MDIForm";
+    case ComponentType::kPropPage:
+      return "VB.PropertyPage";
+    case ComponentType::kUserControl:
+      return "VB.UserControl";
+    case ComponentType::kDocObject:
+      return "VB.UserDocument";
+    case ComponentType::kActiveXDesigner:
+      break;
+  }
+  std::string clsid = file.DesignerClsid();
+  for (const KnownDesigner& known : kKnown) {
+    if (SameClsid(clsid, known.clsid)) return std::string(known.progId);
+  }
+  if (LooksLikeUserConnection(file)) return std::string(kUserConnection);
+  // Another designer: its CLSID is the one identifier the file gives.
+  return clsid;
+}
+
+}  // namespace ide

@@ -1,0 +1,175 @@
+#include "ide/model/project.h"
+
+#include <filesystem>
+#include <utility>
+
+#include "ide/code/statement.h"
+#include "ide/model/designer_id.h"
+#include "ide/model/safe_save.h"
+#include "platform/codepage.h"
+#include "platform/files.h"
+#include "platform/paths.h"
+
+namespace ide {
+namespace {
+
+namespace fs = std::filesystem;
+namespace err = automation::err;
+
+bool IsAbsoluteWindowsPath(std::string_view path) {
+  if (!path.empty() && (path.front() == '\\' || path.front() == '/')) return true;
+  return path.size() >= 2 && path[1] == ':' &&
+         ((path[0] >= 'a' && path[0] <= 'z') || (path[0] >= 'A' && path[0] <= 'Z'));
+}
+
+// VB's rule for component names: a letter first, then letters, digits and underscores, at most
+// 40 characters. Characters of other scripts count as letters (Chinese and Cyrillic names occur).
+bool IsValidName(std::string_view name) {
+  if (name.empty()) return false;
+  auto first = static_cast<unsigned char>(name.front());
+  bool letter = (first >= 'a' && first <= 'z') || (first >= 'A' && first <= 'Z') || first >= 0x80;
+  if (!letter) return false;
+  std::size_t characters = 0;
+  for (char c : name) {
+    auto u = static_cast<unsigned char>(c);
+    if ((u & 0xC0) != 0x80) ++characters;  // count code points, not bytes
+    bool ok = (u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || (u >= '0' && u <= '9') ||
+              u == '_' || u >= 0x80;
+    if (!ok) return false;
+  }
+  return characters <= 40;
+}
+
+}  // namespace
+
+Component::Component(Project& project, std::size_t entry, std::string fileName)
+    : project_(project), entry_(entry), fileName_(std::move(fileName)) {}
+
+Component::~Component() = default;
+
+FileKind Component::Kind() const {
+  return project_.file_->Entries()[entry_].kind;
+}
+
+ComponentFile& Component::File() {
+  if (file_) return *file_;
+  if (loadError_) throw *loadError_;
+  try {
+    std::string bytes = platform::ReadFile(fileName_);
+    file_ = ComponentFile::Parse(std::move(bytes), Kind(), *project_.codePage_, fileName_);
+  } catch (...) {
+    loadError_ = automation::CurrentError();
+    throw *loadError_;
+  }
+  return *file_;
+}
+
+std::string Component::Name() {
+  try {
+    const std::string& name = File().Name();
+    if (!name.empty()) return name;
+  } catch (const automation::Error&) {
+    // Named from the project file below.
+  }
+  const ProjectEntry& entry = project_.file_->Entries()[entry_];
+  if (!entry.name.empty()) return entry.name;
+  return fs::path(fileName_).stem().string();
+}
+
+void Component::SetName(std::string_view name) {
+  if (!IsValidName(name)) {
+    automation::Raise(err::kInvalidPropertyValue,
+                      "\"" + std::string(name) + "\" is not a valid component name");
+  }
+  Component* other = project_.Find(name);
+  if (other != nullptr && other != this) {
+    automation::Raise(err::kInvalidPropertyValue,
+                      "another component is already named \"" + std::string(name) + "\"");
+  }
+  File().SetName(name);
+  project_.file_->RenameEntry(entry_, name);
+}
+
+ComponentType Component::Type() {
+  switch (Kind()) {
+    case FileKind::kModule:
+      return ComponentType::kStdModule;
+    case FileKind::kClass:
+      return ComponentType::kClassModule;
+    default:
+      return File().Type();  // a form may be an MDI form
+  }
+}
+
+std::string Component::DesignerID() {
+  if (Kind() == FileKind::kModule || Kind() == FileKind::kClass) return {};
+  return DesignerIdOf(File());
+}
+
+void Component::Save() {
+  ComponentFile& file = File();
+  std::string bytes = file.Render();
+  SaveOver(fileName_, file.DiskBytes(), bytes);
+  file.MarkSaved(std::move(bytes));
+}
+
+void Component::SaveAs(std::string_view path) {
+  ComponentFile& file = File();
+  std::string target = platform::ToNative(path).string();
+  if (target == fileName_) {
+    Save();
+    return;
+  }
+  std::string bytes = file.Render();
+  SaveTo(target, bytes);
+  file.MarkSaved(std::move(bytes));
+  fileName_ = std::move(target);
+}
+
+std::unique_ptr<Project> Project::Open(std::string_view path) {
+  return Open(path, platform::CurrentCodePage());
+}
+
+std::unique_ptr<Project> Project::Open(std::string_view path, const platform::CodePage& codePage) {
+  std::unique_ptr<Project> project(new Project());
+  project->codePage_ = &codePage;
+  fs::path native = fs::absolute(platform::ToNative(path));
+  project->fileName_ = native.string();
+  project->file_ =
+      ProjectFile::Parse(platform::ReadFile(project->fileName_), codePage, project->fileName_);
+  std::string folder = native.parent_path().string();
+  const auto& entries = project->file_->Entries();
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const std::string& relative = entries[i].path;
+    std::string joined = IsAbsoluteWindowsPath(relative) ? relative : folder + "/" + relative;
+    project->components_.push_back(
+        std::make_unique<Component>(*project, i, platform::ToNative(joined).string()));
+  }
+  return project;
+}
+
+Project::~Project() = default;
+
+Component* Project::Find(std::string_view name) {
+  for (auto& component : components_) {
+    if (SameIdentifier(component->Name(), name)) return component.get();
+  }
+  return nullptr;
+}
+
+Component& Project::Item(std::string_view name) {
+  Component* component = Find(name);
+  if (component == nullptr) {
+    automation::Raise(err::kSubscript, "no component named \"" + std::string(name) + "\"");
+  }
+  return *component;
+}
+
+void Project::Save() {
+  if (!file_->IsDirty()) return;
+  std::string bytes = file_->Render();
+  SaveOver(fileName_, file_->DiskBytes(), bytes);
+  file_->MarkSaved(std::move(bytes));
+}
+
+}  // namespace ide

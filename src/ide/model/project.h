@@ -1,0 +1,113 @@
+#pragma once
+// A VB6 project over its files: the project file and its components, in the project file's
+// order. Opening reads only the project file; a component's file is read when something first
+// needs it, and a component whose file is missing or is not a VB file reports that error for
+// itself alone.
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "automation/error.h"
+#include "ide/model/component_file.h"
+#include "ide/model/project_file.h"
+
+namespace platform {
+class CodePage;
+}
+
+namespace ide {
+
+class Project;
+
+class Component {
+ public:
+  Component(Project& project, std::size_t entry, std::string fileName);
+  ~Component();
+  Component(const Component&) = delete;
+  Component& operator=(const Component&) = delete;
+
+  Project& Parent() { return project_; }
+  FileKind Kind() const;
+
+  // FileNames(1): the full path of the component's file, found whatever its letter case.
+  const std::string& FileName() const { return fileName_; }
+
+  // The component's name: the file's VB_Name; when the file has none or cannot be read, the
+  // project file's name for modules and classes, else the file's base name. Never raises.
+  std::string Name();
+  // Renames (VB's naming rules; 380 for an invalid name or one another component has). The new
+  // name goes into the file's VB_Name (and form description) and, for modules and classes, into
+  // the project file's entry; both are written when saved.
+  void SetName(std::string_view name);
+
+  // Type and DesignerID; they read the file where the project file does not tell (forms,
+  // designers) and raise its load error when it cannot be read.
+  ComponentType Type();
+  std::string DesignerID();
+
+  bool IsLoaded() const { return file_ != nullptr; }
+  // The error that reading the file gave, if it was tried and failed.
+  const std::optional<automation::Error>& LoadError() const { return loadError_; }
+  // The file's model, read on first use. Raises the load error (53 missing, 321 not a VB file of
+  // that kind, ...) now and on every later call.
+  ComponentFile& File();
+  CodeModule& Code() { return File().Code(); }
+
+  bool IsDirty() const { return file_ && file_->IsDirty(); }
+  // Writes the file (see SaveOver for what is refused).
+  void Save();
+  // Writes the file under another name, which becomes the component's file.
+  void SaveAs(std::string_view path);
+
+ private:
+  Project& project_;
+  std::size_t entry_;
+  std::string fileName_;
+  std::unique_ptr<ComponentFile> file_;
+  std::optional<automation::Error> loadError_;
+};
+
+class Project {
+ public:
+  // Reads the project file (53 when missing). Component paths are decoded and resolved with the
+  // code page given (the run's current one by default).
+  static std::unique_ptr<Project> Open(std::string_view path);
+  static std::unique_ptr<Project> Open(std::string_view path, const platform::CodePage& codePage);
+  ~Project();
+  Project(const Project&) = delete;
+  Project& operator=(const Project&) = delete;
+
+  // The project file's full path.
+  const std::string& FileName() const { return fileName_; }
+  // The `Name=` of the project file.
+  const std::string& Name() const { return file_->Name(); }
+  const platform::CodePage& CodePage() const { return *codePage_; }
+
+  std::size_t Count() const { return components_.size(); }
+  Component& At(std::size_t index) { return *components_.at(index); }
+  // The component of that name (compared as VB compares names), or null.
+  Component* Find(std::string_view name);
+  // VBComponents.Item: raises 9 "Subscript out of range" when there is none.
+  Component& Item(std::string_view name);
+
+  const ProjectFile& File() const { return *file_; }
+  // The project file needs writing (a module or class was renamed).
+  bool IsDirty() const { return file_->IsDirty(); }
+  // Writes the project file when it needs writing; otherwise leaves it untouched.
+  void Save();
+
+ private:
+  friend class Component;
+  Project() = default;
+
+  std::string fileName_;
+  const platform::CodePage* codePage_ = nullptr;
+  std::unique_ptr<ProjectFile> file_;
+  std::vector<std::unique_ptr<Component>> components_;
+};
+
+}  // namespace ide

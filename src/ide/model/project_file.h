@@ -1,0 +1,70 @@
+#pragma once
+// The project file (.vbp) as lines. Every line is kept as read, so that a project that does not
+// change is never rewritten and one that does changes only the line concerned. The component
+// entries (`Module=`, `Class=`, `Form=`, `UserControl=`, `UserDocument=`, `PropertyPage=`,
+// `Designer=`) are read in file order; everything else (`Reference=`, `Object=`, unknown keys,
+// the sections of other tools) stays as it is.
+//
+// Each line is decoded with the project's code page before it is split at "=", ";" or "\": in
+// Shift-JIS the second byte of some characters is 0x5C, the backslash.
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ide/model/component_file.h"
+#include "ide/text/source_line.h"
+
+namespace platform {
+class CodePage;
+}
+
+namespace ide {
+
+struct ProjectEntry {
+  FileKind kind = FileKind::kModule;
+  std::string name;  // Module= and Class= entries name their component; "" for the others
+  std::string path;  // as written (decoded), blanks around it removed
+  std::size_t line = 0;
+  std::size_t nameOffset = 0;  // where the name is in the line's text
+};
+
+class ProjectFile {
+ public:
+  // Raises 321 "Invalid file format" for a file with NUL bytes in it (not a project file).
+  static std::unique_ptr<ProjectFile> Parse(std::string bytes, const platform::CodePage& codePage,
+                                            std::string_view fileName);
+
+  const std::vector<ProjectEntry>& Entries() const { return entries_; }
+  // The value of `Name=` without its quotes; empty when absent.
+  const std::string& Name() const { return name_; }
+  const std::vector<SourceLine>& Lines() const { return lines_; }
+
+  // A Module= or Class= entry takes a new component name; only its line changes, and in it only
+  // the name (the path keeps its spelling, blanks stay where they were).
+  void RenameEntry(std::size_t entry, std::string_view name);
+
+  bool IsDirty() const { return dirty_; }
+  std::string Render() const;
+  const std::string& DiskBytes() const { return disk_; }
+  void MarkSaved(std::string written);
+
+ private:
+  ProjectFile() = default;
+
+  const platform::CodePage* codePage_ = nullptr;
+  std::string original_;
+  std::string disk_;
+  std::vector<SourceLine> lines_;
+  std::vector<ProjectEntry> entries_;
+  std::string name_;
+  LineEnd dominant_ = LineEnd::kCrLf;
+  bool finalBreak_ = true;
+  std::size_t tailOffset_ = 0;
+  bool dirty_ = false;
+};
+
+}  // namespace ide

@@ -1,0 +1,139 @@
+#include "ide/text/source_text.h"
+
+#include <array>
+
+#include "platform/codepage.h"
+
+namespace ide {
+
+std::string_view LineEndBytes(LineEnd end) {
+  switch (end) {
+    case LineEnd::kCrLf:
+      return "\r\n";
+    case LineEnd::kLf:
+      return "\n";
+    case LineEnd::kCr:
+      return "\r";
+    case LineEnd::kNone:
+      break;
+  }
+  return {};
+}
+
+namespace {
+
+struct Span {
+  std::size_t offset;
+  std::size_t length;
+  LineEnd end;
+};
+
+// The lines of a buffer, without decoding.
+std::vector<Span> SplitSpans(std::string_view bytes) {
+  std::vector<Span> spans;
+  std::size_t pos = 0;
+  while (pos < bytes.size()) {
+    std::size_t stop = bytes.find_first_of("\r\n", pos);
+    if (stop == std::string_view::npos) {
+      spans.push_back({pos, bytes.size() - pos, LineEnd::kNone});
+      break;
+    }
+    LineEnd end = LineEnd::kLf;
+    std::size_t next = stop + 1;
+    if (bytes[stop] == '\r') {
+      if (next < bytes.size() && bytes[next] == '\n') {
+        end = LineEnd::kCrLf;
+        ++next;
+      } else {
+        end = LineEnd::kCr;
+      }
+    }
+    spans.push_back({pos, stop - pos, end});
+    pos = next;
+  }
+  return spans;
+}
+
+std::size_t TailStart(std::string_view bytes) {
+  std::size_t start = bytes.size();
+  while (start > 0) {
+    char c = bytes[start - 1];
+    if (c != '\0' && c != '\x1a' && c != '\r' && c != '\n') break;
+    --start;
+  }
+  // Line ends before the first NUL belong to the text; from the first NUL on it is tail.
+  std::size_t tail = bytes.find_first_of(std::string_view("\0\x1a", 2), start);
+  return tail == std::string_view::npos ? bytes.size() : tail;
+}
+
+}  // namespace
+
+SourceText SplitText(std::string_view bytes, const platform::CodePage& codePage) {
+  SourceText text;
+  text.tailOffset = TailStart(bytes);
+  std::string_view body = bytes.substr(0, text.tailOffset);
+  std::vector<Span> spans = SplitSpans(body);
+  text.finalBreak = !spans.empty() && spans.back().end != LineEnd::kNone;
+
+  std::array<std::size_t, 4> counts{};
+  for (const Span& s : spans)
+    ++counts[static_cast<std::size_t>(s.end)];
+  text.dominant = LineEnd::kCrLf;
+  if (counts[static_cast<std::size_t>(LineEnd::kLf)] > counts[1] &&
+      counts[static_cast<std::size_t>(LineEnd::kLf)] >= counts[3]) {
+    text.dominant = LineEnd::kLf;
+  } else if (counts[static_cast<std::size_t>(LineEnd::kCr)] > counts[1] &&
+             counts[static_cast<std::size_t>(LineEnd::kCr)] > counts[2]) {
+    text.dominant = LineEnd::kCr;
+  }
+
+  // Decode the whole text at once (the fast path) and cut it at the same line ends; the ASCII
+  // line-end bytes come through decoding unchanged in every code page we read. Should the cut
+  // not match the bytes' lines, decode line by line instead.
+  std::string decoded = codePage.Decode(body);
+  std::vector<Span> decodedSpans = SplitSpans(decoded);
+  bool parallel = decodedSpans.size() == spans.size();
+  for (std::size_t i = 0; parallel && i < spans.size(); ++i) {
+    parallel = decodedSpans[i].end == spans[i].end;
+  }
+  text.lines.reserve(spans.size());
+  for (std::size_t i = 0; i < spans.size(); ++i) {
+    SourceLine line;
+    line.rawOffset = spans[i].offset;
+    line.rawLength = spans[i].length;
+    line.end = spans[i].end;
+    line.original = true;
+    if (parallel) {
+      line.text.assign(decoded, decodedSpans[i].offset, decodedSpans[i].length);
+    } else {
+      line.text = codePage.Decode(body.substr(spans[i].offset, spans[i].length));
+    }
+    text.lines.push_back(std::move(line));
+  }
+  return text;
+}
+
+TextWriter::TextWriter(std::string_view original, const platform::CodePage& codePage,
+                       LineEnd dominant)
+    : original_(original), codePage_(codePage), dominant_(dominant) {
+  out_.reserve(original.size() + original.size() / 16);
+}
+
+void TextWriter::Add(const SourceLine& line) {
+  if (any_) out_ += LineEndBytes(pending_);
+  if (line.original) {
+    out_.append(original_.substr(line.rawOffset, line.rawLength));
+  } else {
+    out_ += codePage_.Encode(line.text);
+  }
+  pending_ = line.end == LineEnd::kNone ? dominant_ : line.end;
+  any_ = true;
+}
+
+std::string TextWriter::Finish(bool finalBreak, std::string_view tail) {
+  if (any_ && finalBreak) out_ += LineEndBytes(pending_);
+  out_.append(tail);
+  return std::move(out_);
+}
+
+}  // namespace ide

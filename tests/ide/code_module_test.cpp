@@ -1,0 +1,290 @@
+// Procedure boundaries, look-ups and edits of the CodeModule, on modules written the way real
+// VB6 code is written, including the shapes that fool simple parsers.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "automation/error.h"
+#include "ide/code/code_module.h"
+#include "module_text.h"
+
+namespace {
+
+using ide::CodeModule;
+using ide::ProcKind;
+using idetest::Crlf;
+using idetest::Module;
+
+int ErrorOf(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const automation::Error& e) {
+    return e.Number();
+  }
+  return 0;
+}
+
+struct Expected {
+  std::string name;
+  ProcKind kind;
+  int start, body, count;
+};
+
+void ExpectProcedures(const CodeModule& code, const std::vector<Expected>& expected) {
+  auto procs = code.Procedures();
+  ASSERT_EQ(procs.size(), expected.size());
+  for (std::size_t i = 0; i < expected.size(); ++i) {
+    SCOPED_TRACE(expected[i].name);
+    EXPECT_EQ(procs[i].name, expected[i].name);
+    EXPECT_EQ(procs[i].kind, expected[i].kind);
+    EXPECT_EQ(code.ProcStartLine(expected[i].name, expected[i].kind), expected[i].start);
+    EXPECT_EQ(code.ProcBodyLine(expected[i].name, expected[i].kind), expected[i].body);
+    EXPECT_EQ(code.ProcCountLines(expected[i].name, expected[i].kind), expected[i].count);
+  }
+  // The walk the driver makes: from the declarations, procedure by procedure, to the end.
+  int line = code.CountOfDeclarationLines() + 1;
+  std::size_t seen = 0;
+  while (line <= code.CountOfLines()) {
+    ProcKind kind;
+    std::string name = code.ProcOfLine(line, kind);
+    ASSERT_LT(seen, expected.size());
+    EXPECT_EQ(name, expected[seen].name);
+    EXPECT_EQ(code.ProcStartLine(name, kind), line);
+    line += code.ProcCountLines(name, kind);
+    ++seen;
+  }
+  EXPECT_EQ(seen, expected.size());
+}
+
+TEST(CodeModule, CommentsAboveAHeadingBelongToItsProcedure) {
+  auto file =
+      Module(Crlf({"Attribute VB_Name = \"Module1\"", "Option Explicit", "", "' Adds two numbers",
+                   "Public Function Add(a As Long, b As Long) As Long", "    Add = a + b",
+                   "End Function", "", "' second", "Private Sub Beta()", "End Sub", "", ""}));
+  const CodeModule& code = file->Code();
+  EXPECT_EQ(code.CountOfLines(), 12);
+  EXPECT_EQ(code.CountOfDeclarationLines(), 1);
+  ExpectProcedures(code, {{"Add", ProcKind::kProc, 2, 4, 5}, {"Beta", ProcKind::kProc, 7, 9, 6}});
+  ProcKind kind = ProcKind::kGet;
+  EXPECT_EQ(code.ProcOfLine(1, kind), "");
+  EXPECT_EQ(kind, ProcKind::kProc);
+  EXPECT_EQ(code.ProcOfLine(3, kind), "Add");
+  EXPECT_EQ(code.ProcOfLine(12, kind), "Beta");  // the last procedure owns the trailing lines
+  EXPECT_EQ(code.Lines(4, 3),
+            "Public Function Add(a As Long, b As Long) As Long\r\n    Add = a + b\r\nEnd Function");
+}
+
+TEST(CodeModule, PropertiesAreFoundByKindAndHiddenAttributesAreNotLines) {
+  auto file = Module(Crlf({"VERSION 1.0 CLASS",
+                           "BEGIN",
+                           "  MultiUse = -1  'True",
+                           "END",
+                           "Attribute VB_Name = \"Class1\"",
+                           "Attribute VB_Exposed = False",
+                           "Option Explicit",
+                           "Private mValue As Long",
+                           "",
+                           "Public Property Get Value() As Long",
+                           "Attribute Value.VB_UserMemId = 0",
+                           "    Value = mValue",
+                           "End Property",
+                           "",
+                           "Public Property Let Value(ByVal v As Long)",
+                           "    mValue = v",
+                           "End Property",
+                           "",
+                           "Public Property Set Target(ByVal o As Object)",
+                           "End Property"}),
+                     ide::FileKind::kClass);
+  const CodeModule& code = file->Code();
+  EXPECT_EQ(file->Name(), "Class1");
+  EXPECT_EQ(code.CountOfLines(), 13);
+  EXPECT_EQ(code.CountOfDeclarationLines(), 2);
+  ExpectProcedures(code, {{"Value", ProcKind::kGet, 3, 4, 4},
+                          {"Value", ProcKind::kLet, 7, 8, 4},
+                          {"Target", ProcKind::kSet, 11, 12, 3}});
+  ProcKind kind;
+  EXPECT_EQ(code.ProcOfLine(5, kind), "Value");
+  EXPECT_EQ(kind, ProcKind::kGet);
+  EXPECT_EQ(code.ProcStartLine("VALUE", ProcKind::kGet), 3);  // names compare as VB compares
+  EXPECT_EQ(code.Lines(4, 2), "Public Property Get Value() As Long\r\n    Value = mValue");
+  EXPECT_EQ(ErrorOf([&] { code.ProcStartLine("Value", ProcKind::kProc); }), 35);
+  EXPECT_EQ(ErrorOf([&] { code.ProcStartLine("Target", ProcKind::kLet); }), 35);
+}
+
+TEST(CodeModule, HeadingsWithModifiersContinuationsStringsAndComments) {
+  auto file = Module(Crlf({
+      "Option Explicit",                                                    // 1
+      "Private Declare Function GetTickCount Lib \"kernel32\" () As Long",  // 2
+      "Public Event Changed(ByVal What As String)",                         // 3
+      "Private Type Point",                                                 // 4
+      "    X As Long",                                                      // 5
+      "End Type",                                                           // 6
+      "Public Enum Colour",                                                 // 7
+      "    Red = 1",                                                        // 8
+      "End Enum",                                                           // 9
+      "Const Msg = \"End Sub ' not a comment\"",                            // 10
+      "' Sub Fake() in a comment",                                          // 11
+      "Rem Function AlsoFake()",                                            // 12
+      "Private Static Function _",                                          // 13
+      "    Spread( _",                                                      // 14
+      "        ByVal a As Long) _",                                         // 15
+      "    As Long",                                                        // 16
+      "    Dim s As String: s = \"End Function\"",                          // 17
+      "    Spread = a ' End Function",                                      // 18
+      "End Function ' done",                                                // 19
+      "Friend Sub F(): End Sub",                                            // 20
+      "Public Static Sub Counter()",                                        // 21
+      "10 End Sub",                                                         // 22
+  }));
+  const CodeModule& code = file->Code();
+  EXPECT_EQ(code.CountOfDeclarationLines(), 10);
+  ExpectProcedures(code, {{"Spread", ProcKind::kProc, 11, 13, 9},
+                          {"F", ProcKind::kProc, 20, 20, 1},
+                          {"Counter", ProcKind::kProc, 21, 21, 2}});
+  ProcKind kind;
+  EXPECT_EQ(code.ProcOfLine(15, kind), "Spread");  // inside the continued heading
+}
+
+TEST(CodeModule, ContinuedCommentsAndStringsDoNotOpenProcedures) {
+  auto file = Module(Crlf({
+      "Option Explicit",                          // 1
+      "' a comment that goes on _",               // 2
+      "Sub NotAHeading()",                        // 3: still the comment
+      "Private Const Q = \"a \"\" _\"",           // 4: the _ is inside the string
+      "Sub Real()",                               // 5
+      "    MsgBox \"Sub Inner() \"\" End Sub\"",  // 6
+      "    ' End Sub",                            // 7
+      "End Sub",                                  // 8
+  }));
+  const CodeModule& code = file->Code();
+  EXPECT_EQ(code.CountOfDeclarationLines(), 4);
+  ExpectProcedures(code, {{"Real", ProcKind::kProc, 5, 5, 4}});
+}
+
+TEST(CodeModule, ConditionalCompilationWithTheSameHeadingInBothBranches) {
+  auto file = Module(Crlf({
+      "Option Explicit",                                                            // 1
+      "#If VBA7 Then",                                                              // 2
+      "Private Declare PtrSafe Function GetTickCount Lib \"kernel32\" () As Long",  // 3
+      "#Else",                                                                      // 4
+      "Private Declare Function GetTickCount Lib \"kernel32\" () As Long",          // 5
+      "#End If",                                                                    // 6
+      "",                                                                           // 7
+      "#If Win64 Then",                                                             // 8
+      "Public Function Handle() As LongPtr",                                        // 9
+      "#Else",                                                                      // 10
+      "Public Function Handle() As Long",                                           // 11
+      "#End If",                                                                    // 12
+      "    Handle = 0",                                                             // 13
+      "End Function",                                                               // 14
+      "",                                                                           // 15
+      "#If DEBUG_BUILD Then",                                                       // 16
+      "Public Sub Trace(ByVal s As String)",                                        // 17
+      "    Debug.Print s",                                                          // 18
+      "End Sub",                                                                    // 19
+      "#Else",                                                                      // 20
+      "Public Sub Trace(ByVal s As String)",                                        // 21
+      "End Sub",                                                                    // 22
+      "#End If",                                                                    // 23
+      "Sub Last()",                                                                 // 24
+      "End Sub",                                                                    // 25
+  }));
+  const CodeModule& code = file->Code();
+  EXPECT_EQ(code.CountOfDeclarationLines(), 8);
+  ExpectProcedures(code, {{"Handle", ProcKind::kProc, 9, 9, 6},
+                          {"Trace", ProcKind::kProc, 15, 17, 8},
+                          {"Last", ProcKind::kProc, 23, 24, 3}});
+}
+
+TEST(CodeModule, BrokenStructureGivesABestEffortModel) {
+  auto file = Module(Crlf({
+      "Option Explicit",  // 1
+      "End Sub",          // 2: an End without a heading, before any procedure
+      "Sub A()",          // 3
+      "    x = 1",        // 4: A has no End
+      "Sub B()",          // 5
+      "End Sub",          // 6
+      "End Function",     // 7: another stray End
+      "' tail",           // 8
+      "Sub C(",           // 9: a heading cut short at the end of the module
+  }));
+  const CodeModule& code = file->Code();
+  EXPECT_EQ(code.CountOfDeclarationLines(), 2);
+  ExpectProcedures(code, {{"A", ProcKind::kProc, 3, 3, 2},
+                          {"B", ProcKind::kProc, 5, 5, 2},
+                          {"C", ProcKind::kProc, 7, 9, 3}});
+
+  auto onlyDeclarations = Module(Crlf({"Option Explicit", "Dim x As Long", "", "' the end"}));
+  EXPECT_EQ(onlyDeclarations->Code().CountOfDeclarationLines(), 4);
+  EXPECT_TRUE(onlyDeclarations->Code().Procedures().empty());
+
+  auto empty = Module("Attribute VB_Name = \"Empty\"\r\n");
+  EXPECT_EQ(empty->Code().CountOfLines(), 0);
+  EXPECT_EQ(empty->Code().CountOfDeclarationLines(), 0);
+  EXPECT_EQ(empty->Code().Lines(1, 0), "");
+}
+
+TEST(CodeModule, ArgumentsOutOfRangeRaiseVbErrors) {
+  auto file = Module(Crlf({"Sub A()", "End Sub"}));
+  CodeModule& code = file->Code();
+  ProcKind kind;
+  EXPECT_EQ(ErrorOf([&] { code.ProcOfLine(0, kind); }), 9);
+  EXPECT_EQ(ErrorOf([&] { code.ProcOfLine(3, kind); }), 9);
+  EXPECT_EQ(ErrorOf([&] { code.Lines(0, 1); }), 9);
+  EXPECT_EQ(ErrorOf([&] { code.Lines(3, 1); }), 9);
+  EXPECT_EQ(ErrorOf([&] { code.Lines(1, -1); }), 5);
+  EXPECT_EQ(code.Lines(2, 10), "End Sub");  // a count past the end stops at the last line
+  EXPECT_EQ(ErrorOf([&] { code.DeleteLines(3); }), 9);
+  EXPECT_EQ(ErrorOf([&] { code.DeleteLines(1, 3); }), 9);
+  EXPECT_EQ(ErrorOf([&] { code.DeleteLines(1, -1); }), 5);
+  EXPECT_EQ(ErrorOf([&] { code.InsertLines(0, "x"); }), 9);
+  EXPECT_EQ(ErrorOf([&] { code.InsertLines(4, "x"); }), 9);
+  EXPECT_EQ(ErrorOf([&] { code.ProcStartLine("Nope", ProcKind::kProc); }), 35);
+  EXPECT_EQ(ErrorOf([&] { code.ProcCountLines("A", static_cast<ProcKind>(7)); }), 5);
+  EXPECT_EQ(code.CountOfLines(), 2);
+  EXPECT_FALSE(code.IsDirty());
+}
+
+TEST(CodeModule, EditsKeepTheIndexCurrent) {
+  auto file =
+      Module(Crlf({"Option Explicit", "", "Sub Alpha()", "End Sub", "", "Sub Gamma()", "End Sub"}));
+  CodeModule& code = file->Code();
+  ExpectProcedures(code,
+                   {{"Alpha", ProcKind::kProc, 2, 3, 3}, {"Gamma", ProcKind::kProc, 5, 6, 3}});
+
+  // Every line end VB knows separates inserted lines; "" is one empty line.
+  code.InsertLines(5, "Function Beta() As Long\rBeta = 1\nEnd Function\r\n");
+  EXPECT_EQ(code.CountOfLines(), 11);
+  ExpectProcedures(code, {{"Alpha", ProcKind::kProc, 2, 3, 3},
+                          {"Beta", ProcKind::kProc, 5, 5, 3},
+                          {"Gamma", ProcKind::kProc, 8, 10, 4}});
+  code.InsertLines(12, "");
+  EXPECT_EQ(code.CountOfLines(), 12);
+  EXPECT_EQ(code.ProcCountLines("Gamma", ProcKind::kProc), 5);
+
+  // What the driver does to write a procedure's text: delete its region, insert CR LF + text.
+  int start = code.ProcStartLine("Beta", ProcKind::kProc);
+  int count = code.ProcCountLines("Beta", ProcKind::kProc);
+  code.DeleteLines(start, count);
+  code.InsertLines(start, "\r\nProperty Get Beta() As Long\r\nEnd Property");
+  ExpectProcedures(code, {{"Alpha", ProcKind::kProc, 2, 3, 3},
+                          {"Beta", ProcKind::kGet, 5, 6, 3},
+                          {"Gamma", ProcKind::kProc, 8, 10, 5}});
+  EXPECT_EQ(ErrorOf([&] { code.ProcStartLine("Beta", ProcKind::kProc); }), 35);
+
+  // Deleting a heading leaves its End as a stray line, which the next procedure's region takes.
+  code.DeleteLines(6);
+  EXPECT_EQ(code.Lines(6, 1), "End Property");
+  ExpectProcedures(code,
+                   {{"Alpha", ProcKind::kProc, 2, 3, 3}, {"Gamma", ProcKind::kProc, 5, 9, 7}});
+  EXPECT_TRUE(code.IsDirty());
+
+  code.DeleteLines(1, code.CountOfLines());
+  EXPECT_EQ(code.CountOfLines(), 0);
+  EXPECT_TRUE(code.Procedures().empty());
+}
+
+}  // namespace

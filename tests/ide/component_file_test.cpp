@@ -1,0 +1,221 @@
+// Component files: what is hidden, what is code, and the bytes that saving writes.
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "automation/error.h"
+#include "fixture_copy.h"
+#include "ide/model/component_file.h"
+#include "module_text.h"
+#include "platform/codepage.h"
+
+namespace {
+
+using ide::ComponentFile;
+using ide::FileKind;
+using ide::ProcKind;
+using idetest::Crlf;
+
+std::unique_ptr<ComponentFile> Parse(const std::string& bytes, FileKind kind, int codePage = 1252) {
+  return ComponentFile::Parse(bytes, kind, platform::GetCodePage(codePage), "x");
+}
+
+std::unique_ptr<ComponentFile> Fixture(const std::string& relative, FileKind kind,
+                                       int codePage = 1252) {
+  return Parse(idetest::ReadBytes(std::string(QX_FIXTURES) + "/ide/" + relative), kind, codePage);
+}
+
+int LoadError(const std::string& bytes, FileKind kind) {
+  try {
+    Parse(bytes, kind);
+  } catch (const automation::Error& e) {
+    return e.Number();
+  }
+  return 0;
+}
+
+// Forces a save through the line writer (an edit and its undo) and returns what it writes.
+std::string RewriteUnchanged(ComponentFile& file) {
+  file.Code().InsertLines(1, "' scratch");
+  file.Code().DeleteLines(1);
+  EXPECT_TRUE(file.IsDirty());
+  return file.Render();
+}
+
+TEST(ComponentFile, EveryFixtureWritesBackByteForByte) {
+  struct Case {
+    const char* path;
+    FileKind kind;
+    int codePage;
+  };
+  const Case cases[] = {
+      {"ledger/frmMain.frm", FileKind::kForm, 1252},
+      {"ledger/frmShell.frm", FileKind::kForm, 1252},
+      {"ledger/ModUtil.BAS", FileKind::kModule, 1252},
+      {"ledger/CAccount.cls", FileKind::kClass, 1252},  // NUL run after the last line
+      {"ledger/ctlGauge.ctl", FileKind::kUserControl, 1252},
+      {"ledger/ppgGauge.pag", FileKind::kPropertyPage, 1252},
+      {"ledger/docHome.dob", FileKind::kUserDocument, 1252},
+      {"ledger/dhtMain.Dsr", FileKind::kDesigner, 1252},
+      {"unix/Main.bas", FileKind::kModule, 1252},    // LF, no final line break
+      {"unix/Legacy.bas", FileKind::kModule, 1252},  // lone CR
+      {"unix/Mixed.cls", FileKind::kClass, 1252},    // mixed ends, bytes 1252 leaves undefined
+      {"gbk/工具.bas", FileKind::kModule, 936},
+      {"gbk/窗体/主窗体.frm", FileKind::kForm, 936},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.path);
+    std::string bytes = idetest::ReadBytes(std::string(QX_FIXTURES) + "/ide/" + c.path);
+    auto file = Parse(bytes, c.kind, c.codePage);
+    EXPECT_EQ(file->Render(), bytes);
+    EXPECT_EQ(RewriteUnchanged(*file), bytes);
+  }
+}
+
+TEST(ComponentFile, HeaderIsHiddenAndDescribedAsBlocks) {
+  auto form = Fixture("ledger/frmMain.frm", FileKind::kForm);
+  EXPECT_EQ(form->Name(), "frmMain");
+  EXPECT_EQ(form->Type(), ide::ComponentType::kVBForm);
+  EXPECT_EQ(form->Code().Lines(1, 1), "Option Explicit");
+  EXPECT_EQ(form->Code().CountOfDeclarationLines(), 3);  // the WithEvents line's attribute hides
+  const auto& blocks = form->Description();
+  ASSERT_EQ(blocks.size(), 8u);
+  EXPECT_EQ(blocks[0].type, "VB.Form");
+  EXPECT_EQ(blocks[0].name, "frmMain");
+  EXPECT_EQ(blocks[1].type, "Font");
+  EXPECT_TRUE(blocks[1].isProperty);
+  EXPECT_EQ(blocks[2].type, "MSComctlLib.ListView");
+  EXPECT_EQ(blocks[3].type, "ColumnHeader(1)");
+  EXPECT_EQ(blocks[3].parent, 2);
+  EXPECT_EQ(blocks[7].name, "mnuFileExit");
+  EXPECT_EQ(blocks[7].parent, 6);
+  const auto& header = form->HeaderLines();
+  EXPECT_EQ(header[blocks[0].lastLine].text, "End");
+  EXPECT_EQ(header[blocks[2].firstLine].text, "   Begin MSComctlLib.ListView lvwAccounts ");
+
+  EXPECT_EQ(Fixture("ledger/frmShell.frm", FileKind::kForm)->Type(),
+            ide::ComponentType::kVBMDIForm);
+  auto dsr = Fixture("ledger/dhtMain.Dsr", FileKind::kDesigner);
+  EXPECT_EQ(dsr->DesignerClsid(), "{90290CCD-F27D-11D0-8031-00C04FB6C701}");
+  EXPECT_EQ(dsr->Code().ProcBodyLine("btnGo_onclick", ProcKind::kProc), 1);
+}
+
+TEST(ComponentFile, FilesThatAreNotVbSourceGiveInvalidFileFormat) {
+  std::string table = "\xFE\x01\x33";
+  table += std::string(4, '\0') + "CUSTOMER";
+  EXPECT_EQ(LoadError(table, FileKind::kForm), 321);  // a database table named .frm
+  EXPECT_EQ(LoadError("", FileKind::kForm), 321);     // empty
+  EXPECT_EQ(
+      LoadError("VERSION 5.00\r\nBegin VB.Form F \r\n   Caption = \"x\"\r\n", FileKind::kForm),
+      321);  // cut short inside the header
+  EXPECT_EQ(LoadError("VERSION 5.00\r\nAttribute VB_Name = \"F\"\r\n", FileKind::kForm), 321);
+  EXPECT_EQ(LoadError("VERSION 1.0 CLASS\r\nBEGIN\r\n  MultiUse = -1\r\n", FileKind::kClass), 321);
+  EXPECT_EQ(LoadError(std::string("Sub A()\r\n\0\x01\x02\r\nEnd Sub\r\n", 23), FileKind::kModule),
+            321);  // binary data among the lines
+  // A module without any header is plain code, and NULs after the last line are a tail.
+  EXPECT_EQ(LoadError(std::string("Sub A()\r\nEnd Sub\r\n\0\0\0", 21), FileKind::kModule), 0);
+  // A megabyte-long line is just a long line.
+  std::string longLine =
+      "Const S = \"" + std::string(1 << 20, 'x') + "\"\r\nSub A()\r\nEnd Sub\r\n";
+  auto file = Parse(longLine, FileKind::kModule);
+  EXPECT_EQ(file->Code().CountOfDeclarationLines(), 1);
+  EXPECT_EQ(RewriteUnchanged(*file), longLine);
+}
+
+TEST(ComponentFile, EditsRewriteOnlyTheLinesThatChanged) {
+  // CR LF file: new lines get CR LF; the header and untouched lines keep their bytes, including
+  // a line with bytes that Windows-1252 leaves undefined.
+  std::string crlf =
+      Crlf({"Attribute VB_Name = \"M\"", "Const K = \"\x81\x8d\"", "Sub A()", "End Sub"});
+  auto file = Parse(crlf, FileKind::kModule);
+  file->Code().InsertLines(2, "' caf\xC3\xA9");  // UTF-8 inside, 1252 outside
+  EXPECT_EQ(file->Render(), Crlf({"Attribute VB_Name = \"M\"", "Const K = \"\x81\x8d\"",
+                                  "' caf\xE9", "Sub A()", "End Sub"}));
+
+  // LF file without a final line break: appended lines use LF and the end stays unbroken.
+  auto lf = Parse("Attribute VB_Name = \"M\"\nSub A()\nEnd Sub", FileKind::kModule);
+  lf->Code().InsertLines(3, "Sub B()\r\nEnd Sub");
+  EXPECT_EQ(lf->Render(), "Attribute VB_Name = \"M\"\nSub A()\nEnd Sub\nSub B()\nEnd Sub");
+  lf->Code().DeleteLines(1, 2);
+  EXPECT_EQ(lf->Render(), "Attribute VB_Name = \"M\"\nSub B()\nEnd Sub");
+
+  // Mixed ends: untouched lines keep theirs, new ones take the most common; the NUL tail stays.
+  constexpr char kMixed[] = "Sub A()\r\nEnd Sub\r\n\nSub B()\nEnd Sub\r\n\0\0";
+  std::string mixed(kMixed, sizeof kMixed - 1);
+  auto m = Parse(mixed, FileKind::kModule);
+  m->Code().DeleteLines(4, 2);
+  m->Code().InsertLines(4, "Sub C()\nEnd Sub");
+  constexpr char kEdited[] = "Sub A()\r\nEnd Sub\r\n\nSub C()\r\nEnd Sub\r\n\0\0";
+  EXPECT_EQ(m->Render(), std::string(kEdited, sizeof kEdited - 1));
+
+  // Deleting everything after the header leaves the header with its own line end.
+  auto all = Parse(Crlf({"Attribute VB_Name = \"M\"", "Sub A()", "End Sub"}), FileKind::kModule);
+  all->Code().DeleteLines(1, 2);
+  EXPECT_EQ(all->Render(), Crlf({"Attribute VB_Name = \"M\""}));
+}
+
+TEST(ComponentFile, MemberAttributesStayWithTheirMember) {
+  auto cls = Fixture("ledger/CAccount.cls", FileKind::kClass);
+  ide::CodeModule& code = cls->Code();
+  // Write the property's text back the way the driver does: delete its region, insert CR LF and
+  // the text. The two attribute lines come back right after the heading.
+  int start = code.ProcStartLine("Balance", ProcKind::kGet);
+  int count = code.ProcCountLines("Balance", ProcKind::kGet);
+  std::string text = code.Lines(start, count);
+  code.DeleteLines(start, count);
+  code.InsertLines(start, "\r\n" + text);
+  std::string saved = cls->Render();
+  EXPECT_NE(saved.find("Private mOwner As String\r\n\r\n\r\nPublic Property Get Balance() As "
+                       "Currency\r\nAttribute Balance.VB_Description = \"The balance in the "
+                       "account's currency.\"\r\nAttribute Balance.VB_UserMemId = 0\r\n    "
+                       "Balance = mBalance\r\n"),
+            std::string::npos);
+  // One more empty line precedes the heading: the inserted CR LF.
+  EXPECT_EQ(code.ProcBodyLine("Balance", ProcKind::kGet), start + 2);
+
+  // A member that is deleted for good takes its attributes with it, as in VB6.
+  start = code.ProcStartLine("Balance", ProcKind::kGet);
+  code.DeleteLines(start, code.ProcCountLines("Balance", ProcKind::kGet));
+  saved = cls->Render();
+  EXPECT_EQ(saved.find("Balance.VB_"), std::string::npos);
+  EXPECT_NE(saved.find("Attribute VB_Ext_KEY"), std::string::npos);  // module attributes stay
+}
+
+TEST(ComponentFile, RenameRewritesTheNameAttributeAndTheRootObject) {
+  std::string bytes = idetest::ReadBytes(std::string(QX_FIXTURES) + "/ide/ledger/frmShell.frm");
+  auto form = Parse(bytes, FileKind::kForm);
+  form->SetName("frmFrame");
+  std::string expected = bytes;
+  expected.replace(expected.find("frmShell "), 8, "frmFrame");
+  expected.replace(expected.find("\"frmShell\""), 10, "\"frmFrame\"");
+  EXPECT_EQ(form->Render(), expected);
+  EXPECT_EQ(form->Name(), "frmFrame");
+
+  auto bare = Parse("Sub A()\r\nEnd Sub\r\n", FileKind::kModule);
+  bare->SetName("Helpers");
+  EXPECT_EQ(bare->Render(), "Attribute VB_Name = \"Helpers\"\r\nSub A()\r\nEnd Sub\r\n");
+}
+
+TEST(ComponentFile, CodePagesAreDecodedAndEncodedLosslessly) {
+  auto gbk = Fixture("gbk/工具.bas", FileKind::kModule, 936);
+  EXPECT_EQ(gbk->Name(), "工具");
+  EXPECT_EQ(gbk->Code().ProcStartLine("合计", ProcKind::kProc), 2);
+  EXPECT_EQ(gbk->Code().Lines(3, 1), "' 计算合计");
+  gbk->Code().InsertLines(1, "' 新增");
+  std::string saved = gbk->Render();
+  EXPECT_EQ(saved.substr(saved.find("' "), 8), "' \xD0\xC2\xD4\xF6\r\n");
+
+  // A character the code page cannot hold is refused at save time, naming it.
+  auto latin = Parse("Sub A()\r\nEnd Sub\r\n", FileKind::kModule);
+  latin->Code().InsertLines(1, "' 中");
+  try {
+    latin->Render();
+    ADD_FAILURE() << "encoding should have failed";
+  } catch (const automation::Error& e) {
+    EXPECT_EQ(e.Number(), 5);
+  }
+}
+
+}  // namespace
