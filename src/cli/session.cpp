@@ -1,0 +1,55 @@
+#include "cli/session.h"
+
+#include "collections/component_collection.h"
+#include "contracts/driver_interfaces.h"
+#include "foundation/globals.h"
+#include "host/register.h"
+#include "project/register.h"
+
+namespace cli {
+
+using automation::Dispatch;
+
+void LoadDriver() {
+  host::RegisterClasses();
+  project::RegisterProjectClasses();
+  collections::RegisterCollectionClasses();
+  foundation::Main();
+}
+
+Session::Session() {
+  LoadDriver();
+  problemLog_ = automation::CreateObject("qxlib41.ProblemLog");
+  driver_ = automation::CreateObject("qxvb60.Driver");
+  automation::ObjectRef log = problemLog_;
+  contracts::IDriver(driver_).Initialize(log);
+}
+
+Session::~Session() {
+  try {
+    contracts::IDriver(driver_).Shutdown();
+  } catch (...) {
+    // Shutting down only releases; nothing a user could act on can fail here.
+  }
+}
+
+automation::ObjectRef Session::OpenProject(const std::string& projectFile) {
+  const Dispatch parameters(automation::CreateObject("qxlib41.ParameterList"));
+  parameters.Call("Add", "FileName", projectFile);
+  const std::string text = parameters.Get("Text").ToString();
+  return contracts::IDriver(driver_).GetProject("", 0, text);
+}
+
+std::vector<std::string> Session::Problems() const {
+  std::vector<std::string> problems;
+  const Dispatch log(problemLog_);
+  const int32_t count = log.Get("Count").ToLong();
+  for (int32_t i = 1; i <= count; ++i) {
+    const Dispatch problem(log.Call("Item", i).ToObject());
+    problems.push_back(std::to_string(problem.Get("Number").ToLong()) + ": " +
+                       problem.Get("Description").ToString());
+  }
+  return problems;
+}
+
+}  // namespace cli

@@ -1,0 +1,34 @@
+#pragma once
+// One run of qx as the driver's host: the driver loaded into this process, initialised with
+// qx's own problem log, and shut down at the end.
+
+#include <string>
+#include <vector>
+
+#include "automation/object.h"
+
+namespace cli {
+
+// Registers the classes of the host library and of the driver, and runs the driver's start
+// routine, as loading the driver into a host process does.
+void LoadDriver();
+
+class Session {
+ public:
+  Session();
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  // The project of that file (IDriver.GetProject with a parameter string naming it).
+  automation::ObjectRef OpenProject(const std::string& projectFile);
+
+  // The problems that the driver reported into the log instead of failing a call.
+  std::vector<std::string> Problems() const;
+
+ private:
+  automation::ObjectRef driver_;
+  automation::ObjectRef problemLog_;
+};
+
+}  // namespace cli

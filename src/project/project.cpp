@@ -1,0 +1,358 @@
+#include "project/project.h"
+
+#include <cstdio>
+
+#include "contracts/host_classes.h"
+#include "foundation/globals.h"
+#include "foundation/operation.h"
+#include "foundation/vbstrings.h"
+#include "foundation/vxhandler.h"
+#include "platform/casefold.h"
+#include "platform/codepage.h"
+#include "platform/files.h"
+#include "platform/lines.h"
+#include "platform/paths.h"
+#include "project/ide_settings.h"
+#include "project/project_file_check.h"
+#include "project/utility.h"
+
+namespace project {
+namespace {
+
+using automation::Dispatch;
+using automation::ObjectRef;
+using foundation::Operation;
+using foundation::SplitAt;
+using foundation::Trim;
+
+constexpr const char* kClass = "Project";
+
+// The nine collections, in the order in which they are created and listed.
+constexpr const char* kCollectionKeys[] = {"ClassModules",    "Designers",    "DHTMLPages",
+                                           "Forms",           "Modules",      "PropertyPages",
+                                           "UserConnections", "UserControls", "UserDocuments"};
+
+// The name a component file gives itself in its "Attribute VB_Name" line; empty when the file
+// has none. False when the file cannot be read.
+bool NameFromFile(const std::string& file, std::string& name) {
+  std::string bytes;
+  try {
+    bytes = platform::ReadFile(file);
+  } catch (...) {
+    return false;
+  }
+  const platform::CodePage& codePage = platform::CurrentCodePage();
+  platform::LineReader reader(bytes);
+  std::string_view raw;
+  while (reader.Next(raw)) {
+    const std::string line = codePage.Decode(raw);
+    const auto split = SplitAt(Trim(line), '=');
+    if (!split.found || !platform::EqualsNoCase(Trim(split.before), "Attribute VB_Name")) continue;
+    std::string value(Trim(split.after));
+    if (!value.empty() && value.front() == '"') {
+      value = value.size() >= 2 ? value.substr(1, value.size() - 2) : std::string();
+    }
+    name = value;
+    break;
+  }
+  return true;
+}
+
+bool IsReadOnly(const std::string& file) {
+  return (platform::GetAttr(file) & platform::kAttrReadOnly) != 0;
+}
+
+// "yyyymmddhhnnss" of the file's last-modified time, local time.
+std::string VersionOf(const std::string& file) {
+  const platform::LocalTime t = platform::FileDateTime(file);
+  char text[32];
+  std::snprintf(text, sizeof text, "%04d%02d%02d%02d%02d%02d", t.year, t.month, t.day, t.hour,
+                t.minute, t.second);
+  return text;
+}
+
+// A component file named relative to the project folder, or an absolute one, as a full path.
+std::string Resolve(const std::string& folder, const std::string& file) {
+  const bool absolute = (!file.empty() && (file.front() == '\\' || file.front() == '/')) ||
+                        (file.size() >= 2 && file[1] == ':');
+  return absolute ? file : folder + file;
+}
+
+}  // namespace
+
+const automation::ClassInfo& Project::Class() const {
+  static const automation::ClassInfo info =
+      automation::ClassBuilder<Project>("Project")
+          .Method("Initialize", &Project::Initialize, {"ProjectName", "Parameters"})
+          .Method("TearDown", &Project::TearDown)
+          .Get("FileName", &Project::FileName)
+          .Get("ClassModules", &Project::ClassModules)
+          .Get("Designers", &Project::Designers)
+          .Get("DHTMLPages", &Project::DHTMLPages)
+          .Get("Forms", &Project::Forms)
+          .Get("Modules", &Project::Modules)
+          .Get("PropertyPages", &Project::PropertyPages)
+          .Get("UserConnections", &Project::UserConnections)
+          .Get("UserControls", &Project::UserControls)
+          .Get("UserDocuments", &Project::UserDocuments)
+          .Get("IsActive", &Project::IsActive)
+          .Get("Dispatcher", &Project::Dispatcher)
+          .Method("EnumObjects", &Project::EnumObjects, {"ClassName", "BitmapID"})
+          .Method("GetObjectInfo", &Project::GetObjectInfo,
+                  {"ClassName", "ObjectName", "Version", "IsUpdatable"})
+          .Implements("IProject")
+          .Method("UpdateName", &Project::IProject_UpdateName, {"ProjectName"})
+          .Method("EnumCollections", &Project::IProject_EnumCollections)
+          .Method("GetCollection", &Project::IProject_GetCollection, {"CollectionName"})
+          .Method("Deactivate", &Project::IProject_Deactivate)
+          .Method("ResetActivationFlags", &Project::IProject_ResetActivationFlags)
+          .Method("EnumCommands", &Project::IProject_EnumCommands)
+          .Method("ExecuteCommand", &Project::IProject_ExecuteCommand, {"Index"})
+          .Build();
+  return info;
+}
+
+void Project::Initialize(const std::string& projectName, const std::string& parameters) {
+  Operation(kClass, "Initialize", [&] {
+    projectName_ = projectName;
+    contracts::ParameterList list = contracts::ParameterList::New();
+    list.Parse(parameters);
+    const std::string path = list.Value("FileName", "");
+    if (!contracts::HostUtility::Get().FileExists(path)) {
+      foundation::RaiseUserError("File not found: " + path);
+    }
+    fileName_ = path;
+  });
+}
+
+void Project::TearDown() {
+  Operation(kClass, "TearDown", [&] {
+    if (!collections_) return;
+    const contracts::KeyedList list(collections_);
+    for (int32_t position = 0; position < list.Count(); ++position) {
+      Dispatch(list.ItemAt(list.Find(position)).ToObject()).Call("TearDown");
+    }
+  });
+}
+
+std::string Project::FileName() {
+  return Operation(kClass, "FileName", [&] { return fileName_; });
+}
+
+ObjectRef Project::Collection(const char* key) {
+  return Operation(kClass, key, [&] {
+    if (!collections_) automation::Raise(automation::err::kObjectNotSet);
+    const contracts::KeyedList list(collections_);
+    return list.ItemAt(list.Find(key)).ToObject();
+  });
+}
+
+ObjectRef Project::ClassModules() {
+  return Collection("ClassModules");
+}
+ObjectRef Project::Designers() {
+  return Collection("Designers");
+}
+ObjectRef Project::DHTMLPages() {
+  return Collection("DHTMLPages");
+}
+ObjectRef Project::Forms() {
+  return Collection("Forms");
+}
+ObjectRef Project::Modules() {
+  return Collection("Modules");
+}
+ObjectRef Project::PropertyPages() {
+  return Collection("PropertyPages");
+}
+ObjectRef Project::UserConnections() {
+  return Collection("UserConnections");
+}
+ObjectRef Project::UserControls() {
+  return Collection("UserControls");
+}
+ObjectRef Project::UserDocuments() {
+  return Collection("UserDocuments");
+}
+
+bool Project::IsActive() {
+  return Operation(kClass, "IsActive", [&] {
+    return contracts::HostUtility::Get().GetRegisteredObject(fileName_) != nullptr;
+  });
+}
+
+bool Project::DispatcherAnswers() const {
+  try {
+    Dispatch(Dispatch(dispatcher_).Get("VBProject").ToObject()).Get("FileName");
+    return true;
+  } catch (...) {
+    return false;
+  }
+}
+
+ObjectRef Project::Dispatcher() {
+  return Operation(kClass, "Dispatcher", [&] {
+    if (!dispatcher_ || !DispatcherAnswers()) Activate();
+    return dispatcher_;
+  });
+}
+
+void Project::Activate() {
+  Operation(kClass, "Activate", [&] {
+    if (dispatcher_ && DispatcherAnswers()) return;
+    const contracts::HostUtility host = contracts::HostUtility::Get();
+    if (!host.FileExists(fileName_)) {
+      foundation::RaiseUserError("File '" + fileName_ + "' not found.");
+    }
+    CheckBackgroundLoading();
+    CheckProjectFile(fileName_);
+    automation::ObjectRef log = foundation::GetGlobals().problemLog;
+    if (ObjectRef registered = host.GetRegisteredObject(fileName_)) {
+      dispatcher_ = registered;
+      Dispatch(dispatcher_).Call("Initialize2", log);
+      return;
+    }
+    AdjustWindowState(fileName_);
+    const std::string exe = VB6EXEPath();
+    if (!host.FileExists(exe)) foundation::RaiseUserError("File '" + exe + "' not found.");
+    WriteAddInEntry();
+    const std::string commandLine = "\"" + exe + "\" \"" + fileName_ + "\"";
+    dispatcher_ = host.LaunchAndConnect(commandLine, fileName_, 30000);
+    if (!dispatcher_) {
+      foundation::RaiseUserError("Quarrix was unable to start and/or communicate with VB6.");
+    }
+    Dispatch(dispatcher_).Call("Initialize2", log);
+    const ObjectRef vbProject = Dispatch(dispatcher_).Get("VBProject").ToObject();
+    const ObjectRef vbe = Dispatch(vbProject).Get("VBE").ToObject();
+    Dispatch(Dispatch(vbe).Get("MainWindow").ToObject()).Put("WindowState", 1);
+    activated_ = true;
+  });
+}
+
+void Project::ForEachEntry(const std::string& className,
+                           const std::function<bool(const Entry&)>& visit) const {
+  const auto separator = platform::LastSeparator(fileName_);
+  const std::string folder =
+      separator == std::string::npos ? std::string() : fileName_.substr(0, separator + 1);
+  const std::string bytes = platform::ReadFile(fileName_);
+  const platform::CodePage& codePage = platform::CurrentCodePage();
+  platform::LineReader reader(bytes);
+  std::string_view raw;
+  while (reader.Next(raw)) {
+    const std::string line = codePage.Decode(raw);
+    const auto split = SplitAt(line, '=');
+    if (!split.found || !platform::EqualsNoCase(Trim(split.before), className)) continue;
+    const std::string_view value = Trim(split.after);
+    Entry entry;
+    const auto parts = SplitAt(value, ';');
+    if (parts.found) {
+      entry.name = Trim(parts.before);
+      entry.written = Trim(parts.after);
+    } else {
+      entry.written = value;
+    }
+    entry.file = folder + entry.written;
+    entry.resolved = Resolve(folder, entry.written);
+    if (!parts.found) {
+      entry.namedFromFile = NameFromFile(entry.file, entry.name);
+    }
+    if (!visit(entry)) return;
+  }
+}
+
+std::string Project::EnumObjects(const std::string& className, int32_t bitmapId) {
+  return Operation(kClass, "EnumObjects", [&] {
+    std::string result;
+    bool first = true;
+    ForEachEntry(className, [&](const Entry& entry) {
+      bool writable = false;
+      try {
+        writable = !IsReadOnly(entry.file);
+      } catch (...) {
+        writable = false;
+      }
+      if (!first) result += "\r\n";
+      first = false;
+      result += entry.name + "\t" + std::to_string(bitmapId) + "\t\t" +
+                (entry.namedFromFile ? "1" : "0") + "\t" + (writable ? "1" : "0") + "\t1\t0";
+      return true;
+    });
+    return result;
+  });
+}
+
+void Project::GetObjectInfo(const std::string& className, const std::string& objectName,
+                            std::string& version, bool& isUpdatable) {
+  Operation(kClass, "GetObjectInfo", [&] {
+    // The component is chosen by its name among the lines of its kind, and its file is
+    // resolved against the project folder, as the listing does.
+    ForEachEntry(className, [&](const Entry& entry) {
+      if (!platform::EqualsNoCase(entry.name, objectName)) return true;
+      try {
+        version = VersionOf(entry.resolved);
+        isUpdatable = !IsReadOnly(entry.resolved);
+      } catch (...) {
+        version.clear();
+        isUpdatable = false;
+      }
+      return false;
+    });
+  });
+}
+
+void Project::IProject_UpdateName(const std::string& projectName) {
+  Operation(kClass, "IProject_UpdateName", [&] { projectName_ = projectName; });
+}
+
+void Project::InitCollections() {
+  Operation(kClass, "InitCollections", [&] {
+    if (collections_) return;
+    const contracts::KeyedList list = contracts::KeyedList::New();
+    for (const char* key : kCollectionKeys) {
+      const ObjectRef collection = automation::CreateObject(std::string("qxvb60.") + key);
+      Dispatch(collection).Call("Initialize", shared_from_this());
+      list.Add(collection, key);
+    }
+    collections_ = list.object();
+  });
+}
+
+std::string Project::IProject_EnumCollections() {
+  return Operation(kClass, "IProject_EnumCollections", [&] {
+    InitCollections();
+    const contracts::KeyedList list(collections_);
+    std::string result;
+    for (int32_t position = 0; position < list.Count(); ++position) {
+      if (position > 0) result += '\t';
+      result += list.Key(list.Find(position));
+    }
+    return result;
+  });
+}
+
+ObjectRef Project::IProject_GetCollection(const std::string& collectionName) {
+  return Operation(kClass, "IProject_GetCollection", [&] {
+    InitCollections();
+    const contracts::KeyedList list(collections_);
+    return list.ItemAt(list.Find(collectionName)).ToObject();
+  });
+}
+
+void Project::IProject_Deactivate() {
+  Operation(kClass, "IProject_Deactivate", [&] {
+    if (!dispatcher_) return;
+    if (activated_) {
+      try {
+        const ObjectRef vbProject = Dispatch(dispatcher_).Get("VBProject").ToObject();
+        Dispatch(vbProject).Get("VBComponents");
+      } catch (const automation::Error& e) {
+        if (e.Number() != automation::err::kServerUnavailable) {
+          throw automation::Error(e.Number(), {}, e.Description());
+        }
+      }
+    }
+    dispatcher_.reset();
+  });
+}
+
+}  // namespace project

@@ -1,0 +1,97 @@
+#include <gtest/gtest.h>
+
+#include "automation/object.h"
+#include "contracts/driver_interfaces.h"
+#include "support/driver_env.h"
+
+namespace {
+
+using automation::ObjectRef;
+using qxtest::DriverEnv;
+using qxtest::ErrorOf;
+
+class Collections : public ::testing::Test {
+ protected:
+  Collections() {
+    DriverEnv::Write(env_.work() / "P.vbp",
+                     "Type=Exe\r\nForm=frmA.frm\r\nForm=frmB.frm\r\nModule=M; M.bas\r\n"
+                     "Designer=Page.Dsr\r\n");
+    DriverEnv::Write(env_.work() / "frmA.frm", "Attribute VB_Name = \"frmA\"\r\n");
+    DriverEnv::Write(env_.work() / "frmB.frm", "Attribute VB_Name = \"frmB\"\r\n");
+    DriverEnv::Write(env_.work() / "M.bas", "Attribute VB_Name = \"M\"\r\n");
+    project_ = contracts::IDriver(driver_).GetProject(
+        "P", 0, "FileName=" + (env_.work() / "P.vbp").string());
+  }
+  ~Collections() override { automation::Dispatch(project_).Call("TearDown"); }
+
+  contracts::ICollection Get(const std::string& name) {
+    return contracts::ICollection(contracts::IProject(project_).GetCollection(name));
+  }
+
+  DriverEnv env_;
+  ObjectRef driver_ = automation::CreateObject("qxvb60.Driver");
+  ObjectRef project_;
+};
+
+TEST_F(Collections, InactiveProjectsListFromTheProjectFile) {
+  EXPECT_EQ(Get("Forms").EnumObjects(), "frmA\t4\t\t1\t1\t1\t0\r\nfrmB\t4\t\t1\t1\t1\t0");
+  EXPECT_EQ(Get("Modules").EnumObjects(), "M\t5\t\t0\t1\t1\t0");
+  EXPECT_EQ(Get("DHTMLPages").EnumObjects(), "");
+  EXPECT_EQ(Get("Designers").EnumObjects(), "\t3\t\t0\t0\t1\t0");
+  EXPECT_EQ(Get("ClassModules").EnumObjects(), "");
+}
+
+TEST_F(Collections, CommandsAreTheSameForEveryCollectionAndName) {
+  for (const char* name : {"ClassModules", "Designers", "DHTMLPages", "Forms", "Modules",
+                           "PropertyPages", "UserConnections", "UserControls", "UserDocuments"}) {
+    const auto collection = Get(name);
+    EXPECT_EQ(collection.EnumCommands(), "");
+    collection.ExecuteCommand(-5);
+    for (const char* object : {"", "frmA", "no such thing"}) {
+      EXPECT_EQ(collection.EnumObjectCommands(object),
+                "&Design\t9\tFalse\tOpen the designer in design view.");
+    }
+  }
+}
+
+TEST_F(Collections, InvalidCommandIndexRaisesWithoutTouchingTheIde) {
+  for (int index : {1, -1}) {
+    const auto e = ErrorOf([&] { Get("UserControls").ExecuteObjectCommand("frmA", index); });
+    EXPECT_EQ(e.Number(), -32753);
+    EXPECT_EQ(e.Description(), "Invalid case selector (" + std::to_string(index) +
+                                   ").\r\n\r\nPROGRAM CONTEXT:\r\n"
+                                   "qxvb60.UserControls.ICollection_ExecuteObjectCommand.1  "
+                                   "(4.1.475)");
+  }
+}
+
+TEST_F(Collections, ComponentsNeedTheIde) {
+  // Without an IDE, building a component object fails with the start-up's message and the
+  // collection's trail line.
+  const auto e = ErrorOf([&] { Get("Forms").GetObject("frmA"); });
+  EXPECT_EQ(e.Number(), -32767);
+  EXPECT_NE(e.Description().find("qxvb60.Project.Dispatcher.1  (4.1.475)\r\n"
+                                 "qxvb60.Forms.ICollection_GetObject.1  (4.1.475)"),
+            std::string::npos);
+  const auto open = ErrorOf([&] { Get("Forms").ExecuteObjectCommand("frmA", 0); });
+  EXPECT_NE(open.Description().find("qxvb60.Forms.ICollection_ExecuteObjectCommand.1"),
+            std::string::npos);
+}
+
+TEST_F(Collections, MemberOrderFollowsTheHostInterfaces) {
+  const std::pair<ObjectRef, const char*> objects[] = {
+      {driver_, "IDriver"},
+      {project_, "IProject"},
+      {automation::CreateObject("qxvb60.Forms"), "ICollection"},
+  };
+  for (const auto& [object, interfaceName] : objects) {
+    const automation::Interface* info = object->Class().FindInterface(interfaceName);
+    ASSERT_NE(info, nullptr) << interfaceName;
+    const auto& expected = contracts::InterfaceMembers(interfaceName);
+    ASSERT_EQ(info->members.size(), expected.size()) << interfaceName;
+    for (size_t i = 0; i < expected.size(); ++i)
+      EXPECT_EQ(info->members[i].name, expected[i]);
+  }
+}
+
+}  // namespace

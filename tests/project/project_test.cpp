@@ -1,0 +1,170 @@
+#include "project/project.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "automation/object.h"
+#include "contracts/driver_interfaces.h"
+#include "support/driver_env.h"
+
+namespace {
+
+using automation::Dispatch;
+using automation::ObjectRef;
+using qxtest::DriverEnv;
+using qxtest::ErrorOf;
+
+class ProjectTest : public ::testing::Test {
+ protected:
+  ObjectRef GetProject(const std::string& parameters) {
+    return contracts::IDriver(driver_).GetProject("Test", 0, parameters);
+  }
+  ObjectRef Open(const std::filesystem::path& vbp) {
+    return GetProject("FileName=\"" + vbp.string() + "\"");
+  }
+  // A project folder with these files (name -> bytes).
+  std::filesystem::path Folder(std::initializer_list<std::pair<std::string, std::string>> files) {
+    const auto folder = env_.work() / ("p" + std::to_string(++folders_));
+    for (const auto& [name, bytes] : files)
+      DriverEnv::Write(folder / name, bytes);
+    return folder;
+  }
+
+  DriverEnv env_;
+  ObjectRef driver_ = automation::CreateObject("qxvb60.Driver");
+  int folders_ = 0;
+};
+
+TEST_F(ProjectTest, GetProjectCachesByParameterText) {
+  const auto folder = Folder({{"A.vbp", "Type=Exe\r\n"}});
+  const ObjectRef a = Open(folder / "A.vbp");
+  EXPECT_EQ(Open(folder / "A.vbp"), a);
+  // The same file under another parameter text is another project.
+  EXPECT_NE(GetProject("FileName=" + (folder / "A.vbp").string()), a);
+  EXPECT_EQ(Dispatch(a).Get("FileName").ToString(), (folder / "A.vbp").string());
+}
+
+TEST_F(ProjectTest, MissingProjectFileFailsWithTwoTrailLinesAndIsNotCached) {
+  const std::string path = (env_.work() / "Nope.vbp").string();
+  auto e = ErrorOf([&] { GetProject("FileName=" + path); });
+  EXPECT_EQ(e.Number(), -32767);
+  EXPECT_EQ(e.Description(), "File not found: " + path +
+                                 "\r\n\r\nPROGRAM CONTEXT:\r\n"
+                                 "qxvb60.Project.Initialize.1  (4.1.475)\r\n"
+                                 "qxvb60.Driver.IDriver_GetProject.1  (4.1.475)");
+  DriverEnv::Write(path, "Type=Exe\r\n");
+  EXPECT_NE(GetProject("FileName=" + path), nullptr);  // tried again, now found
+  EXPECT_EQ(ErrorOf([&] { GetProject(""); }).Description().rfind("File not found: \r\n", 0), 0u);
+}
+
+TEST_F(ProjectTest, CollectionsAreCreatedOnceInTableOrder) {
+  const auto folder = Folder({{"A.vbp", "Type=Exe\r\n"}});
+  const contracts::IProject project(Open(folder / "A.vbp"));
+  const auto e = ErrorOf([&] { Dispatch(project.object()).Get("Forms"); });
+  EXPECT_EQ(e.Number(), 91);
+  EXPECT_NE(e.Description().find("qxvb60.Project.Forms.1"), std::string::npos);
+  const std::string names =
+      "ClassModules\tDesigners\tDHTMLPages\tForms\tModules\tPropertyPages\tUserConnections\t"
+      "UserControls\tUserDocuments";
+  EXPECT_EQ(project.EnumCollections(), names);
+  const ObjectRef forms = Dispatch(project.object()).Get("Forms").ToObject();
+  EXPECT_EQ(project.EnumCollections(), names);
+  EXPECT_EQ(project.GetCollection("Forms"), forms);
+  EXPECT_EQ(forms->Class().name, "Forms");
+  EXPECT_EQ(project.EnumCommands(), "");
+  project.ExecuteCommand(3);
+  project.ResetActivationFlags();
+  EXPECT_EQ(ErrorOf([&] { project.GetCollection("Nope"); }).Number(), 9);
+  Dispatch(project.object()).Call("TearDown");  // breaks the project <-> collection cycle
+}
+
+TEST_F(ProjectTest, EnumObjectsReadsNamesFromTheProjectFileOrTheComponent) {
+  const auto folder = Folder({
+      {"P.vbp",
+       "Type=Exe\r\nModule=Module1; Module1.bas\r\nmodule = Tools ;  ..\\shared\\Tools.bas \r\n"
+       "Form=frmMain.frm\nform=gone.frm\rForm=plain.frm\r\nClass=C; C.cls\r\n"},
+      {"Module1.bas", "Attribute VB_Name = \"Module1\"\r\n"},
+      {"frmMain.frm",
+       "VERSION 5.00\r\nBegin VB.Form frmMain \r\nEnd\r\n"
+       "  attribute vb_name = \"frmMain\"  \r\n"},
+      {"plain.frm", "VERSION 5.00\r\n"},
+  });
+  DriverEnv::Write(env_.work() / "shared" / "Tools.bas", "Attribute VB_Name = \"Tools\"\r\n");
+  ::chmod((env_.work() / "shared" / "Tools.bas").c_str(), 0444);
+  const ObjectRef project = Open(folder / "P.vbp");
+  const Dispatch p(project);
+  // Tools lies outside the project folder and is read-only; Module1 is writable.
+  EXPECT_EQ(p.Call("EnumObjects", "Module", 5).ToString(),
+            "Module1\t5\t\t0\t1\t1\t0\r\nTools\t5\t\t0\t0\t1\t0");
+  // Names from the files; a missing file leaves the name empty and the entry not writable; a
+  // file without a name line is still "named from its file".
+  EXPECT_EQ(p.Call("EnumObjects", "Form", 4).ToString(),
+            "frmMain\t4\t\t1\t1\t1\t0\r\n\t4\t\t0\t0\t1\t0\r\n\t4\t\t1\t1\t1\t0");
+  EXPECT_EQ(p.Call("EnumObjects", "UserControl", 7).ToString(), "");
+}
+
+TEST_F(ProjectTest, GetObjectInfoChoosesTheComponentByName) {
+  const auto folder = Folder({
+      {"P.vbp", "Module=A; a.bas\r\nModule=B; sub\\b.bas\r\n"},
+      {"a.bas", "x"},
+      {"sub/b.bas", "y"},
+  });
+  ::chmod((folder / "sub" / "b.bas").c_str(), 0444);
+  const Dispatch p(Open(folder / "P.vbp"));
+  automation::Args args{"module", "b", "unchanged", true};
+  p.CallArgs("GetObjectInfo", args);
+  EXPECT_EQ(args[2].ToString().size(), 14u);
+  EXPECT_EQ(args[3].ToBool(), false);
+  args = {"Module", "A", "", false};
+  p.CallArgs("GetObjectInfo", args);
+  EXPECT_EQ(args[3].ToBool(), true);
+  // No line of that kind or name: the caller's values stay.
+  args = {"Class", "A", "unchanged", true};
+  p.CallArgs("GetObjectInfo", args);
+  EXPECT_EQ(args[2].ToString(), "unchanged");
+  EXPECT_EQ(args[3].ToBool(), true);
+  std::filesystem::remove(folder / "a.bas");
+  args = {"Module", "A", "unchanged", true};
+  p.CallArgs("GetObjectInfo", args);
+  EXPECT_EQ(args[2].ToString(), "");
+  EXPECT_EQ(args[3].ToBool(), false);
+}
+
+TEST_F(ProjectTest, AwkwardProjectFilesNeverCrash) {
+  std::string huge = "Module=M; " + std::string(2'000'000, 'x') + ".bas\r\n";
+  std::string binary;
+  for (int i = 0; i < 256; ++i)
+    binary += static_cast<char>(i);
+  const auto folder = Folder({
+      {"empty.vbp", ""},
+      {"binary.vbp", binary + "\r\nModule=\xFE\xFF; \x01.bas"},
+      {"huge.vbp", huge},
+      {"truncated.vbp", "Type=Exe\r\nModule=Trunc"},
+  });
+  for (const char* name : {"empty.vbp", "binary.vbp", "huge.vbp", "truncated.vbp"}) {
+    const Dispatch p(Open(folder / name));
+    for (const char* key : {"Module", "Form", "Class"}) {
+      const std::string listed = p.Call("EnumObjects", key, 1).ToString();
+      if (std::string(name) == "huge.vbp" && std::string(key) == "Module") {
+        EXPECT_EQ(listed, "M\t1\t\t0\t0\t1\t0");
+      }
+    }
+  }
+  EXPECT_EQ(Dispatch(Open(folder / "truncated.vbp")).Call("EnumObjects", "Module", 5).ToString(),
+            "\t5\t\t0\t0\t1\t0");
+}
+
+TEST_F(ProjectTest, DeactivateWithoutDispatcherAndDispatcherWithoutIde) {
+  const auto folder = Folder({{"A.vbp", "Type=Exe\r\n"}});
+  const contracts::IProject project(Open(folder / "A.vbp"));
+  project.Deactivate();
+  EXPECT_FALSE(Dispatch(project.object()).Get("IsActive").ToBool());
+  // Starting the IDE fails with a message and the trail of the start-up sequence.
+  const auto e = ErrorOf([&] { Dispatch(project.object()).Get("Dispatcher"); });
+  EXPECT_EQ(e.Number(), -32767);
+  EXPECT_NE(e.Description().find("qxvb60.Project.Activate.1  (4.1.475)\r\n"
+                                 "qxvb60.Project.Dispatcher.1  (4.1.475)"),
+            std::string::npos);
+}
+
+}  // namespace
