@@ -26,6 +26,14 @@ Session::Session() {
 }
 
 Session::~Session() {
+  // A project and its collections refer to each other until the project is torn down.
+  for (const auto& project : projects_) {
+    try {
+      Dispatch(project).Call("TearDown");
+    } catch (...) {
+      // Tearing down only releases references; the run's result is already decided.
+    }
+  }
   try {
     contracts::IDriver(driver_).Shutdown();
   } catch (...) {
@@ -37,7 +45,9 @@ automation::ObjectRef Session::OpenProject(const std::string& projectFile) {
   const Dispatch parameters(automation::CreateObject("qxlib41.ParameterList"));
   parameters.Call("Add", "FileName", projectFile);
   const std::string text = parameters.Get("Text").ToString();
-  return contracts::IDriver(driver_).GetProject("", 0, text);
+  automation::ObjectRef project = contracts::IDriver(driver_).GetProject("", 0, text);
+  projects_.push_back(project);
+  return project;
 }
 
 std::vector<std::string> Session::Problems() const {

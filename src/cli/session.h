@@ -20,7 +20,8 @@ class Session {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  // The project of that file (IDriver.GetProject with a parameter string naming it).
+  // The project of that file (IDriver.GetProject with a parameter string naming it). The session
+  // tears it down when it ends, as a host does when it is done with a project.
   automation::ObjectRef OpenProject(const std::string& projectFile);
 
   // The problems that the driver reported into the log instead of failing a call.
@@ -29,6 +30,7 @@ class Session {
  private:
   automation::ObjectRef driver_;
   automation::ObjectRef problemLog_;
+  std::vector<automation::ObjectRef> projects_;
 };
 
 }  // namespace cli
