@@ -100,7 +100,7 @@ GeneratedProject GenerateProject(const std::filesystem::path& folder, std::size_
         w.Line("Attribute VB_Name = \"" + name + "\"");
         break;
       case Kind::kClass:
-        name = "C" + std::to_string(component);
+        name = std::string("C").append(std::to_string(component));
         file = name + ".cls";
         vbp += "Class=" + name + "; " + file + "\r\n";
         w.Line("VERSION 1.0 CLASS");

@@ -134,7 +134,9 @@ bool WritePrivateProfileString(std::string_view section, std::string_view key,
                      Line{changed, kNewLine});
       }
     } else {
-      changed = "[" + std::string(section) + "]\r\n" + std::string(key) + "=" + std::string(value);
+      // Built by appending: GCC 12 at -O3 reports a false -Wrestrict for "literal" + string.
+      changed.push_back('[');
+      changed.append(section).append("]\r\n").append(key).append("=").append(value);
       if (!lines.empty() && lines.back().end.empty()) lines.back().end = kNewLine;
       lines.push_back({changed, kNewLine});
     }
