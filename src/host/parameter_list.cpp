@@ -4,21 +4,13 @@
 
 #include "automation/error.h"
 #include "platform/casefold.h"
+#include "platform/text.h"
 
 namespace host {
 namespace {
 
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t';
-}
-
-std::string_view Trim(std::string_view s) {
-  while (!s.empty() && IsBlank(s.front()))
-    s.remove_prefix(1);
-  while (!s.empty() && IsBlank(s.back()))
-    s.remove_suffix(1);
-  return s;
-}
+using platform::IsBlank;
+using platform::TrimBlanks;
 
 size_t SkipBlanks(std::string_view s, size_t pos) {
   while (pos < s.size() && IsBlank(s[pos]))
@@ -62,9 +54,10 @@ void ParameterList::Parse(const std::string& text) {
     }
     const size_t equals = s.find_first_of("=;", pos);
     if (equals == std::string_view::npos || s[equals] == ';') {
-      Malformed("the pair \"" + std::string(Trim(s.substr(pos, equals - pos))) + "\" has no \"=\"");
+      Malformed("the pair \"" + std::string(TrimBlanks(s.substr(pos, equals - pos))) +
+                "\" has no \"=\"");
     }
-    const std::string name(Trim(s.substr(pos, equals - pos)));
+    const std::string name(TrimBlanks(s.substr(pos, equals - pos)));
     if (name.empty()) {
       Malformed("the pair at character " + std::to_string(pos + 1) + " has no name");
     }
@@ -92,7 +85,7 @@ void ParameterList::Parse(const std::string& text) {
       ++pos;
     } else {
       const size_t end = std::min(s.find(';', pos), s.size());
-      value = Trim(s.substr(pos, end - pos));
+      value = TrimBlanks(s.substr(pos, end - pos));
       pos = end + 1;
     }
     Set(pairs, name, std::move(value));

@@ -9,6 +9,7 @@
 #include "platform/files.h"
 #include "platform/lines.h"
 #include "platform/paths.h"
+#include "platform/text.h"
 
 namespace fs = std::filesystem;
 
@@ -16,13 +17,6 @@ namespace platform {
 namespace {
 
 constexpr std::string_view kNewLine = "\r\n";
-
-std::string_view Trim(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  const auto last = text.find_last_not_of(" \t");
-  return text.substr(first, last - first + 1);
-}
 
 std::string_view Unquote(std::string_view value) {
   if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
@@ -57,21 +51,21 @@ Profile Load(const fs::path& native) {
 
 // The name in a section header line, or nullopt for any other line.
 std::optional<std::string_view> SectionName(std::string_view line) {
-  line = Trim(line);
+  line = TrimBlanks(line);
   if (line.empty() || line.front() != '[') return std::nullopt;
   line.remove_prefix(1);
   const auto close = line.find(']');
-  return Trim(close == std::string_view::npos ? line : line.substr(0, close));
+  return TrimBlanks(close == std::string_view::npos ? line : line.substr(0, close));
 }
 
 // The key of a key=value line (not a comment), or nullopt.
 std::optional<std::string_view> KeyOf(std::string_view line, std::string_view* value = nullptr) {
-  const std::string_view trimmed = Trim(line);
+  const std::string_view trimmed = TrimBlanks(line);
   if (trimmed.empty() || trimmed.front() == ';') return std::nullopt;
   const auto equals = trimmed.find('=');
   if (equals == std::string_view::npos) return std::nullopt;
-  if (value != nullptr) *value = Unquote(Trim(trimmed.substr(equals + 1)));
-  return Trim(trimmed.substr(0, equals));
+  if (value != nullptr) *value = Unquote(TrimBlanks(trimmed.substr(equals + 1)));
+  return TrimBlanks(trimmed.substr(0, equals));
 }
 
 // Index of the header line of the first section with this name, or nullopt.
@@ -85,7 +79,7 @@ std::optional<std::size_t> FindSection(const Profile& profile, std::string_view 
 }
 
 bool Usable(std::string_view name) {
-  return !Trim(name).empty() && name.find_first_of("\r\n") == std::string_view::npos;
+  return !TrimBlanks(name).empty() && name.find_first_of("\r\n") == std::string_view::npos;
 }
 
 }  // namespace
@@ -104,8 +98,8 @@ bool WritePrivateProfileString(std::string_view section, std::string_view key,
       value.find_first_of("\r\n") != std::string_view::npos || fileName.empty()) {
     return false;
   }
-  section = Trim(section);
-  key = Trim(key);
+  section = TrimBlanks(section);
+  key = TrimBlanks(key);
   try {
     const fs::path native = ProfilePath(fileName);
     const Profile profile = Load(native);
@@ -117,7 +111,7 @@ bool WritePrivateProfileString(std::string_view section, std::string_view key,
       std::optional<std::size_t> found;
       for (std::size_t i = *header + 1; i < lines.size(); ++i) {
         if (SectionName(lines[i].text)) break;
-        if (!Trim(lines[i].text).empty()) insertAfter = i;
+        if (!TrimBlanks(lines[i].text).empty()) insertAfter = i;
         if (auto existing = KeyOf(lines[i].text); existing && EqualsNoCase(*existing, key)) {
           found = i;
           break;
@@ -163,12 +157,12 @@ bool WritePrivateProfileString(std::string_view section, std::string_view key,
 std::string GetPrivateProfileString(std::string_view section, std::string_view key,
                                     std::string_view defaultValue, std::string_view fileName) {
   const Profile profile = Load(ProfilePath(fileName));
-  if (auto header = FindSection(profile, Trim(section))) {
+  if (auto header = FindSection(profile, TrimBlanks(section))) {
     for (std::size_t i = *header + 1; i < profile.lines.size(); ++i) {
       if (SectionName(profile.lines[i].text)) break;
       std::string_view value;
       if (auto existing = KeyOf(profile.lines[i].text, &value);
-          existing && EqualsNoCase(*existing, Trim(key))) {
+          existing && EqualsNoCase(*existing, TrimBlanks(key))) {
         return std::string(value);
       }
     }
@@ -180,7 +174,7 @@ std::vector<std::pair<std::string, std::string>> ReadProfileSection(std::string_
                                                                     std::string_view fileName) {
   std::vector<std::pair<std::string, std::string>> entries;
   const Profile profile = Load(ProfilePath(fileName));
-  if (auto header = FindSection(profile, Trim(section))) {
+  if (auto header = FindSection(profile, TrimBlanks(section))) {
     for (std::size_t i = *header + 1; i < profile.lines.size(); ++i) {
       if (SectionName(profile.lines[i].text)) break;
       std::string_view value;

@@ -7,6 +7,7 @@
 #include "automation/error.h"
 #include "platform/casefold.h"
 #include "platform/lines.h"
+#include "platform/text.h"
 
 namespace platform {
 namespace {
@@ -23,13 +24,6 @@ constexpr std::array<Hive, 6> kHives = {{{"HKEY_CLASSES_ROOT", "HKCR"},
                                          {"HKEY_CURRENT_CONFIG", "HKCC"},
                                          {"HKEY_DYN_DATA", ""}}};
 
-std::string_view Trim(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  const auto last = text.find_last_not_of(" \t");
-  return text.substr(first, last - first + 1);
-}
-
 bool IsHex(char c) {
   return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
@@ -45,7 +39,7 @@ class Parser {
     bool sawHeader = false;
     while (reader.Next(line)) {
       ++lineNumber_;
-      std::string_view trimmed = Trim(line);
+      std::string_view trimmed = TrimBlanks(line);
       if (trimmed.empty()) continue;
       if (!sawHeader) {
         if (trimmed != "REGEDIT4") Fail("the first line must be REGEDIT4");
@@ -65,7 +59,7 @@ class Parser {
       while (joined.back() == '\\' && IsHexValue(joined) && reader.Next(line)) {
         ++lineNumber_;
         joined.pop_back();
-        joined += Trim(line);
+        joined += TrimBlanks(line);
       }
       Value(joined);
     }
@@ -135,13 +129,13 @@ class Parser {
     } else {
       Fail("a value line must begin with \"name\" or @, a key line with [");
     }
-    std::string_view rest = Trim(line.substr(pos));
+    std::string_view rest = TrimBlanks(line.substr(pos));
     if (rest.empty() || rest.front() != '=') Fail("\"=\" expected after the value name");
-    rest = Trim(rest.substr(1));
+    rest = TrimBlanks(rest.substr(1));
     if (!rest.empty() && rest.front() == '"') {
       std::size_t end = 0;
       value.data = Quoted(rest, end);
-      if (!Trim(rest.substr(end)).empty()) Fail("text after the closing double quote");
+      if (!TrimBlanks(rest.substr(end)).empty()) Fail("text after the closing double quote");
     } else if (rest.substr(0, 6) == "dword:") {
       const std::string_view digits = rest.substr(6);
       if (digits.empty() || digits.size() > 8) Fail("a dword value needs 1 to 8 hex digits");
@@ -196,7 +190,7 @@ std::string NormalizeKeyPath(std::string_view keyPath) {
   while (pos <= keyPath.size()) {
     std::size_t end = keyPath.find('\\', pos);
     if (end == std::string_view::npos) end = keyPath.size();
-    const std::string_view part = Trim(keyPath.substr(pos, end - pos));
+    const std::string_view part = TrimBlanks(keyPath.substr(pos, end - pos));
     pos = end + 1;
     if (part.empty()) continue;
     if (first) {
