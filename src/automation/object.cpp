@@ -56,6 +56,10 @@ Object::~Object() = default;
 
 Variant Object::Invoke(std::string_view interfaceName, std::string_view memberName, MemberKind kind,
                        Args& args) {
+  // A server that has exited no longer answers: every call into an object of an ended process,
+  // or of a process that is gone altogether, fails as COM fails calls to a vanished server.
+  const std::shared_ptr<Process> owner = owner_.lock();
+  if (!owner || owner->Ended()) Raise(err::kServerUnavailable);
   const ClassInfo& info = Class();
   const Interface* iface = info.FindInterface(interfaceName);
   if (!iface) Raise(430);

@@ -81,8 +81,9 @@ class Object : public std::enable_shared_from_this<Object> {
   std::shared_ptr<Process> Owner() const { return owner_.lock(); }
 
   // Calls a member by name through one of the object's interfaces ("" = its default one).
-  // Raises 438 for an unknown member, 449/450 for missing or surplus arguments. Proxies override
-  // it to carry the call to the owning process.
+  // Raises 462 when the owning process has ended or no longer exists, 438 for an unknown member,
+  // 449/450 for missing or surplus arguments. Proxies override it to carry the call to the
+  // owning process.
   virtual Variant Invoke(std::string_view interfaceName, std::string_view memberName,
                          MemberKind kind, Args& args);
 

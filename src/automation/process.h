@@ -43,7 +43,7 @@ class Process : public std::enable_shared_from_this<Process> {
   }
 
   // Ends the process: its values are released (breaking their references) and every later call
-  // into one of its objects through a proxy fails with 462.
+  // into one of its objects fails with 462.
   void End();
   bool Ended() const { return ended_; }
 

@@ -112,4 +112,39 @@ TEST(Object, CreatableClassesAndOwningProcess) {
   EXPECT_EQ(other->Values<Values>().calls, 0);
 }
 
+TEST(Object, ObjectsOfAnEndedOrVanishedProcessRaise462) {
+  auto number = [](auto&& f) {
+    try {
+      f();
+    } catch (const Error& e) {
+      EXPECT_EQ(e.Description(), "The remote server machine does not exist or is unavailable");
+      return e.Number();
+    }
+    return 0;
+  };
+  auto server = automation::Process::Create("server");
+  std::shared_ptr<Counter> ended;
+  std::shared_ptr<Counter> vanished;
+  {
+    automation::Process::Scope scope(server);
+    ended = std::make_shared<Counter>();
+    Dispatch(ended).Put("Value", 5);
+    automation::Process::Scope inner(automation::Process::Create("short-lived"));
+    vanished = std::make_shared<Counter>();
+  }
+  EXPECT_EQ(Dispatch(ended).Get("Value").ToLong(), 5);  // alive while its process runs
+  server->End();
+  // Every kind of call fails, before the member is even looked up.
+  EXPECT_EQ(number([&] { Dispatch(ended).Get("Value"); }), 462);
+  EXPECT_EQ(number([&] { Dispatch(ended).Put("Value", 1); }), 462);
+  EXPECT_EQ(number([&] { Dispatch(ended, "ICounter").Call("Reset"); }), 462);
+  EXPECT_EQ(number([&] { Dispatch(ended).Call("NoSuchMember"); }), 462);
+  EXPECT_EQ(ended->Value(), 5);
+  // A process object that is gone altogether counts as ended.
+  EXPECT_EQ(vanished->Owner(), nullptr);
+  EXPECT_EQ(number([&] { Dispatch(vanished).Get("Value"); }), 462);
+  // Objects of the running process are not affected.
+  EXPECT_EQ(Dispatch(std::make_shared<Counter>()).Get("Value").ToLong(), 0);
+}
+
 }  // namespace
