@@ -168,6 +168,7 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
   header_.reserve(i);
   for (std::size_t k = 0; k < i; ++k)
     header_.push_back(std::move(lines[k]));
+  code_->ReserveLines(n - i);
   for (std::size_t k = i; k < n; ++k) {
     if (IsAttributeLine(lines[k].text) && code_->AppendHiddenLine(lines[k])) continue;
     code_->AppendLoadedLine(std::move(lines[k]));

@@ -1,6 +1,8 @@
 #include "ide/text/source_text.h"
 
+#include <algorithm>
 #include <array>
+#include <cstring>
 
 #include "platform/codepage.h"
 
@@ -20,6 +22,23 @@ std::string_view LineEndBytes(LineEnd end) {
   return {};
 }
 
+LineEndFinder::LineEndFinder(std::string_view bytes)
+    : bytes_(bytes), cr_(Find('\r', 0)), lf_(Find('\n', 0)) {}
+
+std::size_t LineEndFinder::Find(char c, std::size_t pos) const {
+  if (pos >= bytes_.size()) return std::string_view::npos;
+  const void* hit = std::memchr(bytes_.data() + pos, c, bytes_.size() - pos);
+  return hit == nullptr ? std::string_view::npos
+                        : static_cast<std::size_t>(static_cast<const char*>(hit) - bytes_.data());
+}
+
+std::size_t LineEndFinder::Next(std::size_t pos) {
+  // A position found earlier stays valid until the search passes it; npos never needs renewing.
+  if (cr_ < pos) cr_ = Find('\r', pos);
+  if (lf_ < pos) lf_ = Find('\n', pos);
+  return std::min(cr_, lf_);
+}
+
 namespace {
 
 struct Span {
@@ -31,9 +50,10 @@ struct Span {
 // The lines of a buffer, without decoding.
 std::vector<Span> SplitSpans(std::string_view bytes) {
   std::vector<Span> spans;
+  LineEndFinder finder(bytes);
   std::size_t pos = 0;
   while (pos < bytes.size()) {
-    std::size_t stop = bytes.find_first_of("\r\n", pos);
+    std::size_t stop = finder.Next(pos);
     if (stop == std::string_view::npos) {
       spans.push_back({pos, bytes.size() - pos, LineEnd::kNone});
       break;
@@ -91,9 +111,12 @@ SourceText SplitText(std::string_view bytes, const platform::CodePage& codePage)
   // line-end bytes come through decoding unchanged in every code page we read. Should the cut
   // not match the bytes' lines, decode line by line instead.
   std::string decoded = codePage.Decode(body);
-  std::vector<Span> decodedSpans = SplitSpans(decoded);
-  bool parallel = decodedSpans.size() == spans.size();
-  for (std::size_t i = 0; parallel && i < spans.size(); ++i) {
+  // Text that decodes to itself (ASCII) is cut where the bytes are.
+  const bool same = decoded == body;
+  std::vector<Span> decodedSpans;
+  if (!same) decodedSpans = SplitSpans(decoded);
+  bool parallel = same || decodedSpans.size() == spans.size();
+  for (std::size_t i = 0; parallel && !same && i < spans.size(); ++i) {
     parallel = decodedSpans[i].end == spans[i].end;
   }
   text.lines.reserve(spans.size());
@@ -103,7 +126,9 @@ SourceText SplitText(std::string_view bytes, const platform::CodePage& codePage)
     line.rawLength = spans[i].length;
     line.end = spans[i].end;
     line.original = true;
-    if (parallel) {
+    if (same) {
+      line.text.assign(decoded, spans[i].offset, spans[i].length);
+    } else if (parallel) {
       line.text.assign(decoded, decodedSpans[i].offset, decodedSpans[i].length);
     } else {
       line.text = codePage.Decode(body.substr(spans[i].offset, spans[i].length));
