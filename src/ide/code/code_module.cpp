@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "automation/error.h"
+#include "ide/text/source_text.h"
 
 namespace ide {
 namespace {
@@ -22,12 +23,6 @@ bool IsIdentChar(char c) {
   auto u = static_cast<unsigned char>(c);
   return (u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || (u >= '0' && u <= '9') || u == '_' ||
          u >= 0x80;
-}
-
-std::string Key(ProcKind kind, std::string_view name) {
-  std::string key(1, static_cast<char>('0' + static_cast<int>(kind)));
-  key += FoldIdentifier(name);
-  return key;
 }
 
 void CheckKind(ProcKind kind) {
@@ -49,6 +44,20 @@ bool MentionsWord(std::string_view line, std::string_view word) {
 }
 
 }  // namespace
+
+std::size_t CodeModule::ProcKeyHash::operator()(const ProcKey& key) const {
+  // FNV-1a over the name with ASCII letters folded, as VB compares names, then the kind.
+  std::size_t hash = 14695981039346656037ull;
+  for (char c : key.name) {
+    hash ^= static_cast<unsigned char>((c >= 'A' && c <= 'Z') ? c - 'A' + 'a' : c);
+    hash *= 1099511628211ull;
+  }
+  return hash ^ static_cast<std::size_t>(key.kind);
+}
+
+bool CodeModule::ProcKeyEqual::operator()(const ProcKey& a, const ProcKey& b) const {
+  return a.kind == b.kind && SameIdentifier(a.name, b.name);
+}
 
 std::string_view AttributeMember(std::string_view line) {
   std::size_t pos = 0;
@@ -156,12 +165,34 @@ void CodeModule::BuildIndex() const {
         inComment = next.endsInComment;
       }
     }
+    // What the statement does: known from its line when it has one line, except a heading's
+    // name, which is read again (one line per procedure).
     Statement st;
-    if (first.candidate) {
-      joined.clear();
-      for (int32_t k = i; k <= e; ++k)
-        AppendContinued(joined, lines_[k].line.text, k < e);
-      st = ParseStatement(joined);
+    switch (first.Role()) {
+      case LineRole::kOther:
+        break;
+      case LineRole::kContinued:
+        joined.clear();
+        for (int32_t k = i; k <= e; ++k)
+          AppendContinued(joined, lines_[k].line.text, k < e);
+        st = ParseStatement(joined);
+        break;
+      case LineRole::kHeading:
+      case LineRole::kHeadingClosed:
+        st = ParseStatement(lines_[i].line.text);
+        break;
+      case LineRole::kEnd:
+        st.type = Statement::Type::kEnd;
+        break;
+      case LineRole::kIf:
+        st.type = Statement::Type::kIf;
+        break;
+      case LineRole::kElse:
+        st.type = Statement::Type::kElse;
+        break;
+      case LineRole::kEndIf:
+        st.type = Statement::Type::kEndIf;
+        break;
     }
     switch (st.type) {
       case Statement::Type::kIf:
@@ -228,8 +259,10 @@ void CodeModule::BuildIndex() const {
   } else {
     procs.back().end = n - 1;  // the last procedure owns the lines after its End
   }
+  idx.byKey.reserve(procs.size());
   for (std::size_t k = 0; k < procs.size(); ++k) {
-    idx.byKey.emplace(Key(procs[k].kind, procs[k].name), k);
+    // The first procedure of a name and kind is the one look-ups find.
+    procs[k].firstOfKey = idx.byKey.emplace(ProcKey{procs[k].name, procs[k].kind}, k).second;
   }
   index_ = std::move(idx);
   indexValid_ = true;
@@ -256,17 +289,25 @@ std::string CodeModule::ProcOfLine(int32_t line, ProcKind& kind) const {
   if (it == idx.procs.begin()) return {};
   --it;
   kind = it->kind;
+  idx.recent = static_cast<std::size_t>(it - idx.procs.begin());
   return it->name;
 }
 
 const CodeModule::Proc& CodeModule::FindProc(std::string_view name, ProcKind kind) const {
   CheckKind(kind);
   const Index& idx = CurrentIndex();
-  auto it = idx.byKey.find(Key(kind, name));
+  // The driver asks for the procedure that ProcOfLine has just named: answer that without the
+  // hash table (unless an earlier procedure has the same name, which the table answers).
+  if (idx.recent < idx.procs.size()) {
+    const Proc& p = idx.procs[idx.recent];
+    if (p.firstOfKey && p.kind == kind && SameIdentifier(p.name, name)) return p;
+  }
+  auto it = idx.byKey.find(ProcKey{name, kind});
   if (it == idx.byKey.end()) {
     Raise(kProcNotDefined,
           std::string(name) + " (kind " + std::to_string(static_cast<int32_t>(kind)) + ")");
   }
+  idx.recent = it->second;
   return idx.procs[it->second];
 }
 
@@ -305,7 +346,11 @@ void CodeModule::DeleteLines(int32_t start, int32_t count) {
   const int32_t n = CountOfLines();
   CheckLine(start, n);
   if (count == 0) return;
-  CheckLine(start + count - 1, n);
+  if (count > n - start + 1) {
+    Raise(err::kSubscript, "lines " + std::to_string(start) + " to " +
+                               std::to_string(int64_t{start} + count - 1) +
+                               " reach past the module's last line " + std::to_string(n));
+  }
   auto first = lines_.begin() + (start - 1);
   auto last = first + count;
   for (auto it = first; it != last; ++it) {
@@ -330,9 +375,10 @@ void CodeModule::InsertLines(int32_t line, std::string_view text) {
   const int32_t n = CountOfLines();
   CheckLine(line, n + 1);
   std::vector<CodeLine> added;
+  LineEndFinder finder(text);
   std::size_t pos = 0;
   for (;;) {
-    std::size_t stop = text.find_first_of("\r\n", pos);
+    std::size_t stop = finder.Next(pos);
     std::string_view piece =
         text.substr(pos, stop == std::string_view::npos ? std::string_view::npos : stop - pos);
     CodeLine code;

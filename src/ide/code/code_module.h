@@ -10,10 +10,11 @@
 // after its End. The declarations end at the last line above the first heading that is neither
 // blank nor a comment; a module without procedures is all declarations.
 //
-// Look-ups go through an index of the procedures. Each line's lexical facts are computed once,
+// Look-ups go through an index of the procedures. Each line's lexical facts, including what the
+// line does as a statement of its own (opens or ends a procedure, steers #If), are computed once,
 // when the line is read or inserted; after an edit the index is rebuilt from those facts on the
-// next look-up (a pass over one byte per line, plus the few heading statements), never by
-// reading the module's text again.
+// next look-up (a pass over one byte per line, reading again only each heading's name and the
+// rare statements continued over several lines), never by parsing the module's text again.
 
 #include <cstdint>
 #include <memory>
@@ -51,6 +52,7 @@ class CodeModule {
   CodeModule& operator=(const CodeModule&) = delete;
 
   // Filling the module from a file (the component loader's side).
+  void ReserveLines(std::size_t count) { lines_.reserve(count); }
   void AppendLoadedLine(SourceLine line);
   // A hidden line of the file; it stays attached to the visible line read before it. False (and
   // the line left as it was) when no visible line has been read yet.
@@ -95,11 +97,25 @@ class CodeModule {
     int32_t ifBlock = 0;   // the #If block around the heading (0: none)
     int32_t ifBranch = 0;  // which branch of it
     bool closed = false;
+    bool firstOfKey = false;  // no procedure above has the same name and kind
+  };
+  // A procedure's name (a view of the name in the index's list) and kind; names compare as VB
+  // compares them, so that a look-up folds nothing and allocates nothing.
+  struct ProcKey {
+    std::string_view name;
+    ProcKind kind;
+  };
+  struct ProcKeyHash {
+    std::size_t operator()(const ProcKey& key) const;
+  };
+  struct ProcKeyEqual {
+    bool operator()(const ProcKey& a, const ProcKey& b) const;
   };
   struct Index {
     int32_t declarationLines = 0;
     std::vector<Proc> procs;
-    std::unordered_map<std::string, std::size_t> byKey;  // kind digit + folded name
+    std::unordered_map<ProcKey, std::size_t, ProcKeyHash, ProcKeyEqual> byKey;
+    mutable std::size_t recent = 0;  // the procedure last named or found
   };
   // Hidden lines whose visible line was deleted: they wait for a line that declares the same
   // member (a procedure typed again, a procedure's text written back) and are dropped at save

@@ -119,6 +119,7 @@ LineFacts AnalyzeLine(std::string_view s) {
   facts.commentGoesOn = underscore ? 1 : 0;
 
   std::size_t first = pos;
+  bool candidate = false;
   if (s[pos] == '\'' || IsRemAt(s, pos)) {
     facts.comment = 1;
     facts.endsInComment = 1;
@@ -126,16 +127,14 @@ LineFacts AnalyzeLine(std::string_view s) {
     return facts;
   }
   if (s[pos] == '#') {
-    facts.candidate = 1;
+    candidate = true;
   } else {
     std::size_t p = pos;
     SkipLineNumber(s, p);
     std::string_view word = ReadWord(s, p);
-    if (IsWord(word, "public") || IsWord(word, "private") || IsWord(word, "friend") ||
-        IsWord(word, "static") || IsWord(word, "sub") || IsWord(word, "function") ||
-        IsWord(word, "property") || IsWord(word, "end")) {
-      facts.candidate = 1;
-    }
+    candidate = IsWord(word, "public") || IsWord(word, "private") || IsWord(word, "friend") ||
+                IsWord(word, "static") || IsWord(word, "sub") || IsWord(word, "function") ||
+                IsWord(word, "property") || IsWord(word, "end");
   }
 
   bool inString = false;
@@ -163,6 +162,33 @@ LineFacts AnalyzeLine(std::string_view s) {
     }
   }
   facts.continues = (underscore && (facts.endsInComment || !inString)) ? 1 : 0;
+  if (candidate) {
+    LineRole role = LineRole::kContinued;
+    if (!facts.continues) {
+      Statement st = ParseStatement(s);
+      switch (st.type) {
+        case Statement::Type::kHeading:
+          role = st.endsOnSameLine ? LineRole::kHeadingClosed : LineRole::kHeading;
+          break;
+        case Statement::Type::kEnd:
+          role = LineRole::kEnd;
+          break;
+        case Statement::Type::kIf:
+          role = LineRole::kIf;
+          break;
+        case Statement::Type::kElse:
+          role = LineRole::kElse;
+          break;
+        case Statement::Type::kEndIf:
+          role = LineRole::kEndIf;
+          break;
+        case Statement::Type::kOther:
+          role = LineRole::kOther;
+          break;
+      }
+    }
+    facts.role = static_cast<uint8_t>(role);
+  }
   return facts;
 }
 

@@ -13,6 +13,19 @@ namespace ide {
 // Procedure kinds as the IDE numbers them.
 enum class ProcKind : int32_t { kProc = 0, kLet = 1, kSet = 2, kGet = 3 };
 
+// What a line that starts a statement does to the procedure structure, as far as the line alone
+// tells. A statement continued onto further lines is read whole when the index is built.
+enum class LineRole : uint8_t {
+  kOther,          // nothing that opens or ends a procedure or steers #If
+  kContinued,      // may do so, but goes on over the next lines: read the whole statement
+  kHeading,        // Sub, Function or Property Get/Let/Set
+  kHeadingClosed,  // a heading with ": End Sub" on the same line
+  kEnd,            // End Sub, End Function, End Property
+  kIf,             // #If
+  kElse,           // #ElseIf, #Else
+  kEndIf,          // #End If
+};
+
 // What one physical line is on its own, without knowing the lines before it. Packed in a byte
 // because the code module keeps one per line.
 struct LineFacts {
@@ -21,7 +34,9 @@ struct LineFacts {
   uint8_t continues : 1 = 0;      // read as code: ends with " _" outside a string
   uint8_t endsInComment : 1 = 0;  // read as code: the line ends inside a comment
   uint8_t commentGoesOn : 1 = 0;  // read as part of a comment: ends with " _"
-  uint8_t candidate : 1 = 0;      // its first word may open or end a procedure, or is a # directive
+  uint8_t role : 3 = 0;           // a LineRole, for the line as the start of a statement
+
+  LineRole Role() const { return static_cast<LineRole>(role); }
 };
 
 LineFacts AnalyzeLine(std::string_view line);
