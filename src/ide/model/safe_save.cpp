@@ -17,10 +17,15 @@ void RefuseReadOnly(std::string_view path) {
 
 void SaveOver(std::string_view path, std::string_view asRead, std::string_view bytes) {
   RefuseReadOnly(path);
-  if (platform::FileExists(path) && platform::ReadFile(path) != asRead) {
-    automation::Raise(
-        automation::err::kPathFileAccess,
-        std::string(path) + " changed on disk since it was loaded; it was not overwritten");
+  if (platform::FileExists(path)) {
+    if (platform::ReadFile(path) != asRead) {
+      automation::Raise(
+          automation::err::kPathFileAccess,
+          std::string(path) + " changed on disk since it was loaded; it was not overwritten");
+    }
+    // The file already holds exactly these bytes (an unchanged component, or edits that came
+    // back to the text as read): writing them again would only cost a flush to disk.
+    if (bytes == asRead) return;
   }
   platform::WriteFileAtomic(path, bytes);
 }

@@ -10,7 +10,7 @@ namespace ide {
 // it is, when the file is read-only (error 75 "Path/File access error", what VB6 raises when it
 // cannot save over a read-only file) or when its contents are no longer what was read: someone
 // changed it on disk since (error 75 too, saying so). A file that has disappeared meanwhile is
-// written anew, which loses nothing.
+// written anew, which loses nothing. A file that already holds the bytes is left as it is.
 void SaveOver(std::string_view path, std::string_view asRead, std::string_view bytes);
 
 // Writes bytes to a file that the IDE did not load (SaveAs): only a read-only target is refused.
