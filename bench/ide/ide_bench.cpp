@@ -1,6 +1,8 @@
-// The headless IDE over a large project: opening it and reading every component, listing every
-// procedure of every module, and resaving it, at 100k, 300k and 1M lines. Each should grow
-// linearly with the project's size.
+// The headless IDE over a large project, at 100k, 300k and 1M lines: opening it and reading every
+// component, listing every procedure of every module, saving it unchanged, saving it with every
+// component edited, and writing back the text of every procedure the way the driver does after a
+// replace. Each should grow linearly with the project's size. A last case writes back every
+// procedure of one module of up to 58,000 lines (the largest modules real projects have).
 
 #include <benchmark/benchmark.h>
 #include <unistd.h>
@@ -9,22 +11,26 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "ide/model/project.h"
 #include "platform/codepage.h"
-#include "project_generator.h"
+#include "support/procedure_text.h"
+#include "support/project_generator.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
+fs::path ScratchRoot() {
+  return fs::temp_directory_path() / ("qx-bench-ide-" + std::to_string(::getpid()));
+}
+
 // One generated project per size, written once and removed at exit.
-const idebench::GeneratedProject& ProjectOfSize(std::size_t lines) {
+const qxtest::GeneratedProject& ProjectOfSize(std::size_t lines) {
   struct Cache {
-    fs::path root = fs::temp_directory_path() / ("qx-bench-ide-" + std::to_string(::getpid()));
-    std::map<std::size_t, idebench::GeneratedProject> projects;
+    fs::path root = ScratchRoot();
+    std::map<std::size_t, qxtest::GeneratedProject> projects;
     ~Cache() {
       std::error_code ec;
       fs::remove_all(root, ec);
@@ -33,38 +39,22 @@ const idebench::GeneratedProject& ProjectOfSize(std::size_t lines) {
   static Cache cache;
   auto it = cache.projects.find(lines);
   if (it == cache.projects.end()) {
-    it = cache.projects
-             .emplace(lines, idebench::GenerateProject(cache.root / std::to_string(lines), lines))
-             .first;
+    qxtest::GeneratorOptions options;
+    options.totalLines = lines;
+    auto generated = qxtest::GenerateProject(cache.root / std::to_string(lines), options);
+    it = cache.projects.emplace(lines, generated).first;
   }
   return it->second;
 }
 
-std::unique_ptr<ide::Project> OpenAndRead(const idebench::GeneratedProject& generated) {
+std::unique_ptr<ide::Project> OpenAndRead(const qxtest::GeneratedProject& generated) {
   auto project = ide::Project::Open(generated.vbp.string(), platform::GetCodePage(1252));
   for (std::size_t i = 0; i < project->Count(); ++i)
     project->At(i).File();
   return project;
 }
 
-std::size_t ListProcedures(ide::Project& project) {
-  std::size_t count = 0;
-  for (std::size_t i = 0; i < project.Count(); ++i) {
-    const ide::CodeModule& code = project.At(i).Code();
-    // The driver's walk: procedure by procedure through ProcOfLine and ProcCountLines.
-    int32_t line = code.CountOfDeclarationLines() + 1;
-    while (line <= code.CountOfLines()) {
-      ide::ProcKind kind;
-      std::string name = code.ProcOfLine(line, kind);
-      benchmark::DoNotOptimize(code.ProcStartLine(name, kind));
-      line += code.ProcCountLines(name, kind);
-      ++count;
-    }
-  }
-  return count;
-}
-
-void SetCounters(benchmark::State& state, const idebench::GeneratedProject& generated) {
+void SetCounters(benchmark::State& state, const qxtest::GeneratedProject& generated) {
   state.counters["lines"] = static_cast<double>(generated.lines);
   state.counters["components"] = static_cast<double>(generated.components);
   state.counters["lines/s"] = benchmark::Counter(static_cast<double>(generated.lines),
@@ -80,21 +70,28 @@ void BM_Load(benchmark::State& state) {
   SetCounters(state, generated);
 }
 
+// The driver's walk, procedure by procedure through ProcOfLine and ProcCountLines, over every
+// module. The index is built on the first look-up after loading; that is counted too, on a
+// freshly loaded project each time.
 void BM_ListProcedures(benchmark::State& state) {
   const auto& generated = ProjectOfSize(static_cast<std::size_t>(state.range(0)));
-  auto project = OpenAndRead(generated);
-  // The index is built on the first look-up after loading; count that too, on a fresh project
-  // each time.
   for (auto _ : state) {
     state.PauseTiming();
-    project = OpenAndRead(generated);
+    auto project = OpenAndRead(generated);
     state.ResumeTiming();
-    std::size_t found = ListProcedures(*project);
+    std::size_t found = 0;
+    for (std::size_t i = 0; i < project->Count(); ++i)
+      found += qxtest::WalkProcedures(project->At(i).Code()).size();
     if (found != generated.procedures) state.SkipWithError("wrong number of procedures");
+    state.PauseTiming();
+    project.reset();
+    state.ResumeTiming();
   }
   SetCounters(state, generated);
 }
 
+// Saving every component of a project that did not change: each file is checked (read-only,
+// changed on disk since) and found to hold the bytes already, so nothing is written.
 void BM_Resave(benchmark::State& state) {
   const auto& generated = ProjectOfSize(static_cast<std::size_t>(state.range(0)));
   auto project = OpenAndRead(generated);
@@ -105,18 +102,25 @@ void BM_Resave(benchmark::State& state) {
   SetCounters(state, generated);
 }
 
-// Every component edited (a line inserted and deleted again), so that saving goes through the
-// line writer rather than writing the bytes it read.
+// Every component edited (a comment line added at the top, then taken away again the next time),
+// so that every file is written through the line writer and saved safely: checked against the
+// disk, written beside, flushed, renamed over. One component after the other, as the driver
+// saves them.
 void BM_ResaveEdited(benchmark::State& state) {
   const auto& generated = ProjectOfSize(static_cast<std::size_t>(state.range(0)));
   auto project = OpenAndRead(generated);
+  bool touched = false;
   for (auto _ : state) {
     state.PauseTiming();
     for (std::size_t i = 0; i < project->Count(); ++i) {
       ide::CodeModule& code = project->At(i).Code();
-      code.InsertLines(1, "' touched");
-      code.DeleteLines(1);
+      if (touched) {
+        code.DeleteLines(1);
+      } else {
+        code.InsertLines(1, "' touched");
+      }
     }
+    touched = !touched;
     state.ResumeTiming();
     for (std::size_t i = 0; i < project->Count(); ++i)
       project->At(i).Save();
@@ -124,32 +128,54 @@ void BM_ResaveEdited(benchmark::State& state) {
   SetCounters(state, generated);
 }
 
-// One big module whose every procedure is written back the way the driver writes a procedure's
-// text after a replace: walk the procedures (the driver's snapshot), delete the region, insert
-// CR LF and the new text, walk again to check. Modules reach 58,000 lines in real projects.
+// Writes back every procedure of every module as the driver does after a replace in each: walk
+// the procedures, read the procedure's text, delete its region, insert CR LF and the text, walk
+// again to check. In memory only; saving is measured above.
 void BM_RewriteEveryProcedure(benchmark::State& state) {
-  auto lines = static_cast<std::size_t>(state.range(0));
-  fs::path folder = fs::temp_directory_path() / ("qx-bench-module-" + std::to_string(::getpid()));
-  auto generated = idebench::GenerateProject(folder, lines, lines / 10);
-  std::size_t walks = 0;
+  const auto& generated = ProjectOfSize(static_cast<std::size_t>(state.range(0)));
+  for (auto _ : state) {
+    state.PauseTiming();
+    auto project = OpenAndRead(generated);
+    state.ResumeTiming();
+    std::size_t written = 0;
+    for (std::size_t i = 0; i < project->Count(); ++i) {
+      ide::CodeModule& code = project->At(i).Code();
+      for (const qxtest::ProcRef& proc : qxtest::WalkProcedures(code)) {
+        if (!qxtest::WriteProcedureText(code, proc, qxtest::ReadProcedureText(code, proc))) {
+          state.SkipWithError("the procedures changed");
+        }
+        ++written;
+      }
+    }
+    if (written != generated.procedures) state.SkipWithError("wrong number of procedures");
+    state.PauseTiming();
+    project.reset();
+    state.ResumeTiming();
+  }
+  SetCounters(state, generated);
+}
+
+// The same for one module of the given size. The driver walks the whole module twice for every
+// procedure it writes, so this grows with the square of the module's size by the driver's own
+// algorithm; the model's part is one index update per write.
+void BM_RewriteBigModule(benchmark::State& state) {
+  qxtest::GeneratorOptions options;
+  options.totalLines = static_cast<std::size_t>(state.range(0));
+  options.proceduresPerComponent = options.totalLines / 9;  // one module of about that size
+  options.ends = qxtest::LineEnds::kCrLf;
+  fs::path folder = ScratchRoot() / ("module-" + std::to_string(options.totalLines));
+  auto generated = qxtest::GenerateProject(folder, options);
   for (auto _ : state) {
     state.PauseTiming();
     auto project = ide::Project::Open(generated.vbp.string(), platform::GetCodePage(1252));
     ide::CodeModule& code = project->At(0).Code();
-    std::vector<std::pair<std::string, ide::ProcKind>> procs;
-    for (const auto& p : code.Procedures())
-      procs.emplace_back(p.name, p.kind);
     state.ResumeTiming();
-    for (const auto& [name, kind] : procs) {
-      int32_t start = code.ProcStartLine(name, kind);
-      int32_t count = code.ProcCountLines(name, kind);
-      std::string text = code.Lines(start, count);
-      code.DeleteLines(start, count);
-      code.InsertLines(start, "\r\n" + text.substr(text.find_first_not_of("\r\n")));
-      walks += code.Procedures().size();
+    for (const qxtest::ProcRef& proc : qxtest::WalkProcedures(code)) {
+      if (!qxtest::WriteProcedureText(code, proc, qxtest::ReadProcedureText(code, proc))) {
+        state.SkipWithError("the procedures changed");
+      }
     }
   }
-  benchmark::DoNotOptimize(walks);
   state.counters["lines"] = static_cast<double>(generated.lines);
   std::error_code ec;
   fs::remove_all(folder, ec);
@@ -163,7 +189,8 @@ BENCHMARK(BM_Load)->Apply(Sizes);
 BENCHMARK(BM_ListProcedures)->Apply(Sizes);
 BENCHMARK(BM_Resave)->Apply(Sizes);
 BENCHMARK(BM_ResaveEdited)->Apply(Sizes);
-BENCHMARK(BM_RewriteEveryProcedure)
+BENCHMARK(BM_RewriteEveryProcedure)->Apply(Sizes);
+BENCHMARK(BM_RewriteBigModule)
     ->Arg(10'000)
     ->Arg(30'000)
     ->Arg(58'000)
