@@ -1,0 +1,251 @@
+// The IDE's objects over a real project: collections, components, code modules, windows, and
+// the files that saving through them writes.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "fixture_copy.h"
+#include "ide/vbide/ide.h"
+#include "ide/vbide/vbe.h"
+#include "ide/vbide/vbproject.h"
+#include "platform/windows.h"
+#include "vbide_support.h"
+
+namespace {
+
+using automation::Args;
+using automation::Dispatch;
+using automation::MemberKind;
+using automation::ObjectRef;
+using idetest::FixtureCopy;
+using idetest::ReadBytes;
+using vbidetest::ErrorOf;
+
+class VbideObjects : public ::testing::Test {
+ protected:
+  void Open(const std::string& fixture, const std::string& projectFile) {
+    copy_ = std::make_unique<FixtureCopy>(fixture);
+    ide_ = ide::Ide::Start(copy_->Path(projectFile));
+    ASSERT_TRUE(ide_->Problems().empty());
+    components_ = Dispatch(Dispatch(ide_->VBProject()).Get("VBComponents").ToObject());
+  }
+  Dispatch Component(const automation::Variant& index) const {
+    return Dispatch(components_.Call("Item", index).ToObject());
+  }
+  std::string Path(const std::string& file) const { return copy_->Path(file); }
+
+  std::unique_ptr<FixtureCopy> copy_;
+  std::unique_ptr<ide::Ide> ide_;
+  Dispatch components_{nullptr};
+};
+
+TEST_F(VbideObjects, ComponentsComeInProjectOrderByNumberOrName) {
+  Open("ledger", "Ledger.vbp");
+  const std::vector<std::pair<std::string, int32_t>> expected{
+      {"frmMain", 5},  {"frmShell", 6}, {"modUtil", 1}, {"CAccount", 2},
+      {"ctlGauge", 8}, {"ppgGauge", 7}, {"docHome", 9}, {"dhtMain", 11}};
+  ASSERT_EQ(components_.Get("Count").ToLong(), static_cast<int32_t>(expected.size()));
+  for (int32_t i = 1; i <= components_.Get("Count").ToLong(); ++i) {
+    Dispatch component = Component(i);
+    EXPECT_EQ(component.Get("Name").ToString(), expected[i - 1].first);
+    EXPECT_EQ(component.Get("Type").ToLong(), expected[i - 1].second);
+    // The same object however it is reached.
+    EXPECT_EQ(Component(expected[i - 1].first).object(), component.object());
+  }
+  EXPECT_EQ(Component("MODUTIL").GetAt("FileNames", 1).ToString(), Path("ModUtil.BAS"));
+  EXPECT_EQ(Component("dhtMain").Get("DesignerID").ToString(), "DHTMLPageDesigner.DHTMLPage");
+  EXPECT_EQ(Component("modUtil").Get("DesignerID").ToString(), "");
+  EXPECT_EQ(ErrorOf([&] { Component("frmNowhere"); }), 9);
+  EXPECT_EQ(ErrorOf([&] { Component(0); }), 9);
+  EXPECT_EQ(ErrorOf([&] { Component(9); }), 9);
+  EXPECT_EQ(ErrorOf([&] { Component(1).GetAt("FileNames", 2); }), 9);
+  EXPECT_EQ(Component(1).Get("FileCount").ToLong(), 1);
+
+  // The way back up: component, collection, project, IDE.
+  Dispatch vbe(ide_->VBE());
+  Dispatch account = Component("CAccount");
+  EXPECT_EQ(account.Get("Collection").ToObject(), components_.object());
+  EXPECT_EQ(components_.Get("Parent").ToObject(), ide_->VBProject());
+  EXPECT_EQ(account.Get("VBE").ToObject(), vbe.object());
+  EXPECT_EQ(Dispatch(account.Get("CodeModule").ToObject()).Get("Parent").ToObject(),
+            account.object());
+  Dispatch projects(vbe.Get("VBProjects").ToObject());
+  EXPECT_EQ(projects.Call("Item", 1).ToObject(), ide_->VBProject());
+  EXPECT_EQ(projects.Call("Item", "ledger").ToObject(), ide_->VBProject());
+  EXPECT_EQ(ErrorOf([&] { projects.Call("Item", 2); }), 9);
+  EXPECT_EQ(Dispatch(ide_->VBProject()).Get("Collection").ToObject(), projects.object());
+}
+
+TEST_F(VbideObjects, RenameThenSaveAsChangesTheNameLineAndTheProjectEntryOnly) {
+  Open("ledger", "Ledger.vbp");
+  const std::string vbp = ReadBytes(Path("Ledger.vbp"));
+  const std::string bas = ReadBytes(Path("ModUtil.BAS"));
+  Dispatch project(ide_->VBProject());
+  Dispatch util = Component("modUtil");
+  EXPECT_EQ(ErrorOf([&] { util.Put("Name", "CAccount"); }), 380);  // taken
+  EXPECT_EQ(ErrorOf([&] { util.Put("Name", "9lives"); }), 380);
+  EXPECT_FALSE(project.Get("IsDirty").ToBool());
+
+  util.Put("Name", "modTools");
+  EXPECT_TRUE(util.Get("IsDirty").ToBool());
+  EXPECT_TRUE(project.Get("IsDirty").ToBool());
+  EXPECT_EQ(Component("modtools").object(), util.object());
+  EXPECT_EQ(ErrorOf([&] { Component("modUtil"); }), 9);
+  EXPECT_TRUE(util.Call("SaveAs", util.GetAt("FileNames", 1)).ToBool());
+
+  std::string expectedVbp = vbp;
+  expectedVbp.replace(expectedVbp.find("Module=modUtil;"), 15, "Module=modTools;");
+  EXPECT_EQ(ReadBytes(Path("Ledger.vbp")), expectedVbp);
+  std::string expectedBas = bas;
+  expectedBas.replace(expectedBas.find("\"modUtil\""), 9, "\"modTools\"");
+  EXPECT_EQ(ReadBytes(Path("ModUtil.BAS")), expectedBas);
+  EXPECT_FALSE(util.Get("IsDirty").ToBool());
+  EXPECT_FALSE(project.Get("IsDirty").ToBool());
+}
+
+TEST_F(VbideObjects, CodeModuleEditsThroughDispatchSaveExactly) {
+  Open("ledger", "Ledger.vbp");
+  const std::string before = ReadBytes(Path("CAccount.cls"));
+  const std::string vbp = ReadBytes(Path("Ledger.vbp"));
+  Dispatch account = Component("CAccount");
+  Dispatch code(account.Get("CodeModule").ToObject());
+  EXPECT_EQ(code.Get("CountOfLines").ToLong(), 23);
+  EXPECT_EQ(code.Get("CountOfDeclarationLines").ToLong(), 6);
+  EXPECT_EQ(code.Get("Name").ToString(), "CAccount");
+  EXPECT_EQ(code.GetAt("ProcBodyLine", "Balance", 3).ToLong(), 8);
+  EXPECT_EQ(code.GetAt("ProcStartLine", "Balance", 3).ToLong(), 7);
+  EXPECT_EQ(code.GetAt("ProcCountLines", "Balance", 1).ToLong(), 5);
+
+  code.Call("DeleteLines", 7);  // Count defaults to 1: the blank line above Property Get
+  EXPECT_EQ(code.GetAt("Lines", 7, 1).ToString(), "Public Property Get Balance() As Currency");
+  // A heading replaced by one of the same member keeps its hidden attribute lines.
+  code.Call("ReplaceLine", 7, "Public Property Get Balance() As Currency ' never negative");
+  // Renaming a field the way a replace does it: line by line.
+  for (int32_t line = 1; line <= code.Get("CountOfLines").ToLong(); ++line) {
+    std::string text = code.GetAt("Lines", line, 1).ToString();
+    const auto at = text.find("mOwner");
+    if (at == std::string::npos) continue;
+    text.replace(at, 6, "mHolder");
+    code.Call("ReplaceLine", line, text);
+  }
+  const int32_t heading = code.GetAt("ProcBodyLine", "Owner", 3).ToLong();
+  code.Call("InsertLines", heading, "' Who holds the account.");
+
+  Args args{automation::Variant(heading), automation::Variant::Long(0)};
+  EXPECT_EQ(automation::Invoke(code.object(), "", "ProcOfLine", MemberKind::Get, args).ToString(),
+            "Owner");
+  EXPECT_EQ(args[1].ToLong(), 3);  // the by-reference kind: Property Get
+  EXPECT_EQ(ErrorOf([&] { code.Call("DeleteLines", 0); }), 9);
+  EXPECT_EQ(ErrorOf([&] { code.GetAt("ProcBodyLine", "Nothing", 0); }), 35);
+  EXPECT_EQ(ErrorOf([&] { code.Call("ReplaceLine", 99, "x"); }), 9);
+  EXPECT_TRUE(account.Get("IsDirty").ToBool());
+
+  account.Call("SaveAs", Path("CAccount.cls"));
+  std::string expected = before;
+  auto replace = [&](const std::string& from, const std::string& to) {
+    const auto at = expected.find(from);
+    ASSERT_NE(at, std::string::npos) << from;
+    expected.replace(at, from.size(), to);
+  };
+  replace("As String\r\n\r\nPublic Property Get Balance() As Currency\r\n",
+          "As String\r\nPublic Property Get Balance() As Currency ' never negative\r\n");
+  replace("Private mOwner", "Private mHolder");
+  replace("Owner = mOwner", "Owner = mHolder");
+  replace("mOwner = Value", "mHolder = Value");
+  replace("\r\nFriend Property Get Owner",
+          "\r\n' Who holds the account.\r\nFriend Property Get Owner");
+  EXPECT_EQ(ReadBytes(Path("CAccount.cls")), expected);
+  EXPECT_EQ(ReadBytes(Path("Ledger.vbp")), vbp);  // no rename, no project file write
+  EXPECT_FALSE(account.Get("IsDirty").ToBool());
+}
+
+TEST_F(VbideObjects, IsDirtyCanBeSetAndChangesSurviveSettingItFalse) {
+  Open("ledger", "Ledger.vbp");
+  Dispatch util = Component("modUtil");
+  Dispatch code(util.Get("CodeModule").ToObject());
+  util.Put("IsDirty", true);  // nothing changed, but marked so
+  EXPECT_TRUE(util.Get("IsDirty").ToBool());
+  util.Put("IsDirty", false);
+  EXPECT_FALSE(util.Get("IsDirty").ToBool());
+  code.Call("InsertLines", 1, "' first");
+  EXPECT_TRUE(util.Get("IsDirty").ToBool());
+  util.Put("IsDirty", false);  // marked saved; the change itself is kept
+  EXPECT_FALSE(util.Get("IsDirty").ToBool());
+  code.Call("DeleteLines", 2, 0);  // an edit, even an empty one, counts as a change
+  EXPECT_TRUE(util.Get("IsDirty").ToBool());
+  util.Call("SaveAs", util.GetAt("FileNames", 1));
+  EXPECT_EQ(ReadBytes(Path("ModUtil.BAS")).find("Attribute VB_Name = \"modUtil\"\r\n' first\r\n"),
+            0u);
+}
+
+TEST_F(VbideObjects, WindowsFollowStateCommandsAndDesignersOpenAndClose) {
+  Open("ledger", "Ledger.vbp");
+  Dispatch main(Dispatch(ide_->VBE()).Get("MainWindow").ToObject());
+  EXPECT_EQ(main.Get("Caption").ToString(), "Ledger - Microsoft Visual Basic [design]");
+  EXPECT_EQ(main.Get("Type").ToLong(), 12);
+  EXPECT_EQ(main.Get("WindowState").ToLong(), 0);
+  main.Put("WindowState", 2);
+  main.Put("WindowState", 1);  // what the driver does after starting the IDE
+  EXPECT_EQ(ErrorOf([&] { main.Put("WindowState", 3); }), 380);
+  EXPECT_EQ(main.Get("WindowState").ToLong(), 1);
+  const int32_t hWnd = main.Get("hWnd").ToLong();
+  ASSERT_NE(hWnd, 0);
+  EXPECT_TRUE(platform::ShowWindow(hWnd, platform::kSwRestore));
+  EXPECT_EQ(main.Get("WindowState").ToLong(), 2);  // back to maximized, as Windows restores
+  EXPECT_TRUE(platform::ShowWindow(hWnd, platform::kSwRestore));
+  EXPECT_EQ(main.Get("WindowState").ToLong(), 0);
+  EXPECT_TRUE(platform::ShowWindow(hWnd, platform::kSwHide));
+  EXPECT_FALSE(main.Get("Visible").ToBool());
+  EXPECT_EQ(ErrorOf([&] { main.Call("Close"); }), 5);
+
+  Dispatch form = Component("frmMain");
+  EXPECT_FALSE(form.Get("HasOpenDesigner").ToBool());
+  form.Call("Activate");
+  EXPECT_TRUE(form.Get("HasOpenDesigner").ToBool());
+  Dispatch designer(form.Call("DesignerWindow").ToObject());
+  EXPECT_TRUE(designer.Get("Visible").ToBool());
+  EXPECT_EQ(designer.Get("Caption").ToString(), "Ledger - frmMain (Form)");
+  EXPECT_EQ(designer.Get("Type").ToLong(), 1);
+  EXPECT_NE(designer.Get("hWnd").ToLong(), hWnd);
+  designer.Call("Close");
+  EXPECT_FALSE(form.Get("HasOpenDesigner").ToBool());
+  designer.Call("Close");  // closing twice does nothing
+  // Asking for the window opens the designer again, hidden.
+  Dispatch again(form.Call("DesignerWindow").ToObject());
+  EXPECT_NE(again.object(), designer.object());
+  EXPECT_TRUE(form.Get("HasOpenDesigner").ToBool());
+  EXPECT_FALSE(again.Get("Visible").ToBool());
+
+  Dispatch util = Component("modUtil");
+  util.Call("Activate");  // no designer to open
+  EXPECT_FALSE(util.Get("HasOpenDesigner").ToBool());
+  EXPECT_EQ(ErrorOf([&] { util.Call("DesignerWindow"); }), 5);
+}
+
+TEST_F(VbideObjects, UnreadableComponentsRaiseTheirLoadErrorOnlyWhereTheFileIsNeeded) {
+  Open("broken", "Broken.vbp");
+  ASSERT_EQ(components_.Get("Count").ToLong(), 5);
+  Dispatch missing = Component("Missing");
+  EXPECT_EQ(missing.Get("Type").ToLong(), 1);
+  EXPECT_EQ(missing.GetAt("FileNames", 1).ToString(), Path("Shared/Missing.bas"));
+  EXPECT_FALSE(missing.Get("IsDirty").ToBool());
+  EXPECT_EQ(ErrorOf([&] { missing.Get("CodeModule"); }), 53);
+  EXPECT_EQ(ErrorOf([&] { missing.Call("SaveAs", Path("Elsewhere.bas")); }), 53);
+  EXPECT_EQ(ErrorOf([&] { missing.Put("Name", "Found"); }), 53);
+
+  Dispatch table = Component(2);  // a database table saved as .frm
+  EXPECT_EQ(table.Get("Name").ToString(), "Table");
+  EXPECT_FALSE(table.Get("HasOpenDesigner").ToBool());
+  EXPECT_EQ(ErrorOf([&] { table.Get("Type"); }), 321);
+  EXPECT_EQ(ErrorOf([&] { table.Get("DesignerID"); }), 321);
+  EXPECT_EQ(ErrorOf([&] { table.Call("Activate"); }), 321);
+  EXPECT_FALSE(table.Get("HasOpenDesigner").ToBool());
+
+  // The others are not taken down with them.
+  EXPECT_EQ(Dispatch(Component("Good").Get("CodeModule").ToObject()).Get("CountOfLines").ToLong(),
+            2);
+}
+
+}  // namespace
