@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -225,6 +227,61 @@ TEST(CodeModule, BrokenStructureGivesABestEffortModel) {
   EXPECT_EQ(empty->Code().CountOfLines(), 0);
   EXPECT_EQ(empty->Code().CountOfDeclarationLines(), 0);
   EXPECT_EQ(empty->Code().Lines(1, 0), "");
+}
+
+TEST(CodeModule, CommentsRightBelowAnEndBelongToTheNextProcedure) {
+  auto file = Module(Crlf({
+      "Option Explicit",      // 1
+      "Sub A()",              // 2
+      "End Sub",              // 3
+      "' about B, no blank",  // 4
+      "Sub B()",              // 5
+      "End Sub",              // 6
+      "Sub C(): End Sub",     // 7: right below, no comment either
+      "",                     // 8
+      "' trailing, after C",  // 9
+  }));
+  const CodeModule& code = file->Code();
+  ExpectProcedures(code, {{"A", ProcKind::kProc, 2, 2, 2},
+                          {"B", ProcKind::kProc, 4, 5, 3},
+                          {"C", ProcKind::kProc, 7, 7, 3}});
+  ProcKind kind;
+  EXPECT_EQ(code.ProcOfLine(4, kind), "B");
+  EXPECT_EQ(code.ProcOfLine(9, kind), "C");
+}
+
+TEST(CodeModule, RangesAtTheEdgesOfTheModule) {
+  auto file = Module(Crlf({"Sub A()", "End Sub"}));
+  CodeModule& code = file->Code();
+  constexpr int32_t kMax = std::numeric_limits<int32_t>::max();
+  EXPECT_EQ(code.Lines(3, 0), "");  // nothing, just after the end
+  EXPECT_EQ(code.Lines(1, kMax), "Sub A()\r\nEnd Sub");
+  EXPECT_EQ(ErrorOf([&] { code.DeleteLines(2, kMax); }), 9);
+  EXPECT_EQ(ErrorOf([&] { code.InsertLines(kMax, "x"); }), 9);
+  EXPECT_EQ(ErrorOf([&] { code.Lines(std::numeric_limits<int32_t>::min(), 1); }), 9);
+  EXPECT_EQ(code.CountOfLines(), 2);
+  code.DeleteLines(3, 0);  // none, just after the end
+  code.DeleteLines(1, 2);
+  // The driver writes the empty declarations of an empty module: delete none, insert.
+  code.DeleteLines(1, 0);
+  EXPECT_EQ(ErrorOf([&] { code.DeleteLines(2, 0); }), 9);
+  code.InsertLines(1, "Function F()\r\nEnd Function");
+  ExpectProcedures(code, {{"F", ProcKind::kProc, 1, 1, 2}});
+}
+
+// VB6 loads a module that declares a name twice (it only refuses to compile it): look-ups find
+// the first, and the driver's walk still moves through the module.
+TEST(CodeModule, TheFirstOfTwoProceduresWithOneNameIsFound) {
+  auto file = Module(Crlf({"Sub Twice()", "    x = 1", "End Sub", "", "Sub Twice()", "End Sub",
+                           "Sub Other()", "End Sub"}));
+  const CodeModule& code = file->Code();
+  ASSERT_EQ(code.Procedures().size(), 3u);
+  EXPECT_EQ(code.ProcStartLine("Twice", ProcKind::kProc), 1);
+  EXPECT_EQ(code.ProcCountLines("Twice", ProcKind::kProc), 3);
+  ProcKind kind;
+  EXPECT_EQ(code.ProcOfLine(5, kind), "Twice");
+  EXPECT_EQ(code.ProcCountLines("Twice", ProcKind::kProc), 3);  // still the first one
+  EXPECT_EQ(code.ProcStartLine("Other", ProcKind::kProc), 7);
 }
 
 TEST(CodeModule, ArgumentsOutOfRangeRaiseVbErrors) {

@@ -166,6 +166,70 @@ TEST(Project, SavingNeverOverwritesWorkItShouldNot) {
   EXPECT_EQ(ReadBytes(copy.Path("ModUtil.BAS")), utilBytes);
 }
 
+// Saving writes the files that changed and nothing else: untouched files, and files whose edits
+// came back to the text as read, keep their inode; a changed file is replaced whole (atomically)
+// and keeps its permissions.
+TEST(Project, SavingWritesOnlyWhatChanged) {
+  FixtureCopy copy("ledger");
+  auto inode = [&](const std::string& file) {
+    struct stat st {};
+    EXPECT_EQ(::stat(copy.Path(file).c_str(), &st), 0);
+    return st.st_ino;
+  };
+  ASSERT_EQ(::chmod(copy.Path("CAccount.cls").c_str(), 0640), 0);
+  const auto before = Snapshot(copy.dir());
+  const auto vbpInode = inode("Ledger.vbp");
+  const auto utilInode = inode("ModUtil.BAS");
+  const auto accountInode = inode("CAccount.cls");
+
+  auto project = Project::Open(copy.Path("Ledger.vbp"));
+  project->Item("CAccount").Code().InsertLines(1, "' audited");
+  ide::CodeModule& util = project->Item("modUtil").Code();
+  util.InsertLines(2, "' scratch");
+  util.DeleteLines(2);
+  for (std::size_t i = 0; i < project->Count(); ++i)
+    project->At(i).Save();
+  project->Save();
+
+  EXPECT_EQ(inode("Ledger.vbp"), vbpInode);
+  EXPECT_EQ(inode("ModUtil.BAS"), utilInode);
+  EXPECT_NE(inode("CAccount.cls"), accountInode);
+  struct stat st {};
+  ASSERT_EQ(::stat(copy.Path("CAccount.cls").c_str(), &st), 0);
+  EXPECT_EQ(st.st_mode & 0777, 0640u);
+  auto after = Snapshot(copy.dir());
+  std::size_t changed = 0;
+  for (const auto& [path, bytes] : after)
+    changed += before.at(path) != bytes ? 1 : 0;
+  EXPECT_EQ(changed, 1u);
+  EXPECT_NE(after.at(copy.Path("CAccount.cls")).find("\r\n' audited\r\n"), std::string::npos);
+}
+
+// A project file in LF with no final line break, other tools' sections and keys we do not know:
+// renaming a class changes that one line and keeps everything else, line ends included. A
+// project file that needs no writing is left alone even when it changed on disk meanwhile.
+TEST(Project, ProjectFileKeepsForeignSectionsAndLineEnds) {
+  FixtureCopy copy("ledger");
+  const std::string vbp =
+      "Type=Exe\nClass=CAccount; CAccount.cls\nFutureKey=\"x\"\nName=\"Tools\"\n\n"
+      "[MS Transaction Server]\nAutoRefresh=1\n\n[CodeSMART]\nTask_UID=7\nModule=Not; A.bas";
+  WriteBytes(copy.Path("Tools.vbp"), vbp);
+  auto project = Project::Open(copy.Path("Tools.vbp"));
+  ASSERT_EQ(project->Count(), 1u);  // entries of other tools' sections are theirs
+  project->Save();
+  EXPECT_EQ(ReadBytes(copy.Path("Tools.vbp")), vbp);
+
+  project->At(0).SetName("CBalance");
+  project->Save();
+  std::string expected = vbp;
+  expected.replace(expected.find("CAccount;"), 8, "CBalance");
+  EXPECT_EQ(ReadBytes(copy.Path("Tools.vbp")), expected);
+
+  WriteBytes(copy.Path("Tools.vbp"), "edited elsewhere");
+  project->Save();  // nothing to write: not written, no error
+  EXPECT_EQ(ReadBytes(copy.Path("Tools.vbp")), "edited elsewhere");
+}
+
 TEST(Project, BrokenComponentsFailAloneAndTheRestWorks) {
   FixtureCopy copy("broken");
   auto project = Project::Open(copy.Path("Broken.vbp"));
@@ -205,6 +269,15 @@ TEST(Project, NamesAndPathsAreDecodedBeforeTheyAreSplit) {
   ASSERT_EQ(sjis->Count(), 1u);
   EXPECT_EQ(sjis->At(0).FileName(), copy.Path("表/Mod.bas"));
   EXPECT_EQ(sjis->At(0).Code().ProcBodyLine("A", ProcKind::kProc), 1);
+
+  // Folders and files in another letter case, and paths that leave the folder and come back.
+  WriteBytes(copy.dir() / "case.vbp",
+             "Type=Exe\r\nForm=\xB4\xB0\xCC\xE5\\\xD6\xF7\xB4\xB0\xCC\xE5.FRM\r\n"
+             "Module=M; ..\\gbk\\.\\\xB1\xED\\MOD.bas\r\n");
+  auto cased = Project::Open(copy.Path("case.vbp"), platform::GetCodePage(936));
+  ASSERT_EQ(cased->Count(), 2u);
+  EXPECT_EQ(cased->At(0).Name(), "主窗体");
+  EXPECT_EQ(cased->At(1).Code().ProcBodyLine("A", ProcKind::kProc), 1);
 }
 
 }  // namespace

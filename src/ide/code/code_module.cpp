@@ -344,8 +344,13 @@ std::string CodeModule::Lines(int32_t start, int32_t count) const {
 void CodeModule::DeleteLines(int32_t start, int32_t count) {
   if (count < 0) Raise(err::kInvalidCall, "negative line count " + std::to_string(count));
   const int32_t n = CountOfLines();
+  if (count == 0) {
+    // Nothing to delete: allowed where Lines allows reading nothing, just after the last line,
+    // so that an empty region (the declarations of a module without any) can be written over.
+    CheckLine(start, n + 1);
+    return;
+  }
   CheckLine(start, n);
-  if (count == 0) return;
   if (count > n - start + 1) {
     Raise(err::kSubscript, "lines " + std::to_string(start) + " to " +
                                std::to_string(int64_t{start} + count - 1) +

@@ -73,6 +73,7 @@ class CodeModule {
   // The lines joined with CR LF, without a final one. A count reaching past the end stops at the
   // last line, as VB6 does.
   std::string Lines(int32_t start, int32_t count) const;
+  // Deleting no lines is allowed from line 1 to CountOfLines + 1, as reading none is.
   void DeleteLines(int32_t start, int32_t count = 1);
   // Inserts the text before the line (CountOfLines + 1 appends); CR LF, a lone CR and a lone LF
   // each end a line of the text.
