@@ -104,9 +104,14 @@ bool IsAttributeLine(std::string_view line) {
 CodeModule::CodeModule() = default;
 CodeModule::~CodeModule() = default;
 
+void CodeModule::ReserveLines(std::size_t count) {
+  lines_.reserve(count);
+  facts_.reserve(count);
+}
+
 void CodeModule::AppendLoadedLine(SourceLine line) {
+  facts_.push_back(AnalyzeLine(line.text));
   CodeLine code;
-  code.facts = AnalyzeLine(line.text);
   code.line = std::move(line);
   lines_.push_back(std::move(code));
   indexValid_ = false;
@@ -140,7 +145,7 @@ void CodeModule::BuildIndex() const {
   std::string joined;
 
   for (int32_t i = 0; i < n;) {
-    const LineFacts first = lines_[i].facts;
+    const LineFacts first = facts_[i];
     if (first.blank) {
       ++i;
       continue;
@@ -148,7 +153,7 @@ void CodeModule::BuildIndex() const {
     if (first.comment) {
       bool goesOn = first.continues;
       while (goesOn && i + 1 < n)
-        goesOn = lines_[++i].facts.commentGoesOn;
+        goesOn = facts_[++i].commentGoesOn;
       ++i;
       continue;
     }
@@ -157,7 +162,7 @@ void CodeModule::BuildIndex() const {
     bool continues = first.continues;
     bool inComment = first.endsInComment;
     while (continues && e + 1 < n) {
-      const LineFacts next = lines_[++e].facts;
+      const LineFacts next = facts_[++e];
       if (inComment) {
         continues = next.commentGoesOn;
       } else {
@@ -372,6 +377,7 @@ void CodeModule::DeleteLines(int32_t start, int32_t count) {
     }
   }
   lines_.erase(first, last);
+  facts_.erase(facts_.begin() + (start - 1), facts_.begin() + (start - 1 + count));
   indexValid_ = false;
   dirty_ = true;
 }
@@ -380,14 +386,15 @@ void CodeModule::InsertLines(int32_t line, std::string_view text) {
   const int32_t n = CountOfLines();
   CheckLine(line, n + 1);
   std::vector<CodeLine> added;
+  std::vector<LineFacts> addedFacts;
   LineEndFinder finder(text);
   std::size_t pos = 0;
   for (;;) {
     std::size_t stop = finder.Next(pos);
     std::string_view piece =
         text.substr(pos, stop == std::string_view::npos ? std::string_view::npos : stop - pos);
+    addedFacts.push_back(AnalyzeLine(piece));
     CodeLine code;
-    code.facts = AnalyzeLine(piece);
     code.line = SourceLine::New(std::string(piece));
     added.push_back(std::move(code));
     if (stop == std::string_view::npos) break;
@@ -397,6 +404,7 @@ void CodeModule::InsertLines(int32_t line, std::string_view text) {
   auto count = static_cast<int32_t>(added.size());
   lines_.insert(lines_.begin() + (line - 1), std::make_move_iterator(added.begin()),
                 std::make_move_iterator(added.end()));
+  facts_.insert(facts_.begin() + (line - 1), addedFacts.begin(), addedFacts.end());
   indexValid_ = false;
   dirty_ = true;
   if (!detached_.empty()) Reattach(line - 1, count);
@@ -419,7 +427,7 @@ void CodeModule::Reattach(int32_t first, int32_t count) {
         continue;
       }
       int32_t at = p.body;
-      while (at + 1 < static_cast<int32_t>(lines_.size()) && lines_[at].facts.continues)
+      while (at + 1 < static_cast<int32_t>(lines_.size()) && facts_[at].continues)
         ++at;
       attach(at, group);
       break;
@@ -428,8 +436,8 @@ void CodeModule::Reattach(int32_t first, int32_t count) {
     // A variable of that name declared among the new lines.
     int32_t stop = std::min(first + count, idx.declarationLines);
     for (int32_t at = first; at < stop; ++at) {
-      const CodeLine& l = lines_[at];
-      if (!l.facts.blank && !l.facts.comment && MentionsWord(l.line.text, group.member)) {
+      const LineFacts facts = facts_[at];
+      if (!facts.blank && !facts.comment && MentionsWord(lines_[at].line.text, group.member)) {
         attach(at, group);
         break;
       }

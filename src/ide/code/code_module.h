@@ -28,10 +28,9 @@
 
 namespace ide {
 
-// A visible line with its cached facts and the hidden lines that follow it in the file.
+// A visible line and the hidden lines that follow it in the file.
 struct CodeLine {
   SourceLine line;
-  LineFacts facts;
   std::unique_ptr<std::vector<SourceLine>> hidden;
 };
 
@@ -52,7 +51,7 @@ class CodeModule {
   CodeModule& operator=(const CodeModule&) = delete;
 
   // Filling the module from a file (the component loader's side).
-  void ReserveLines(std::size_t count) { lines_.reserve(count); }
+  void ReserveLines(std::size_t count);
   void AppendLoadedLine(SourceLine line);
   // A hidden line of the file; it stays attached to the visible line read before it. False (and
   // the line left as it was) when no visible line has been read yet.
@@ -133,6 +132,9 @@ class CodeModule {
   void Reattach(int32_t first, int32_t count);
 
   std::vector<CodeLine> lines_;
+  // Each line's facts, kept apart from the lines so that an index rebuild reads one byte per line
+  // from one small block of memory instead of a cache line per line.
+  std::vector<LineFacts> facts_;
   std::vector<Detached> detached_;
   mutable Index index_;
   mutable bool indexValid_ = false;
