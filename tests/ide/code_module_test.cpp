@@ -284,6 +284,85 @@ TEST(CodeModule, TheFirstOfTwoProceduresWithOneNameIsFound) {
   EXPECT_EQ(code.ProcStartLine("Other", ProcKind::kProc), 7);
 }
 
+// Writing a procedure's text updates the index in place; every other edit rebuilds it. Either
+// way the answers must be those of the module read afresh: this replays the driver's writes
+// (same text, a renamed heading, two procedures for one, none) and other edits (lines inside a
+// body, comments between procedures, code in the declarations, appended procedures), checking
+// after each one against a new reading of the saved text.
+TEST(CodeModule, TheIndexAfterEveryEditIsTheIndexOfTheTextReadAfresh) {
+  std::string text = "Attribute VB_Name = \"M\"\r\nOption Explicit\r\nDim x As Long\r\n";
+  for (int i = 0; i < 12; ++i) {
+    std::string n = std::to_string(i);
+    text += "\r\n' P" + n + "\r\n";
+    text += i % 3 == 1
+                ? "Public Property Get P" + n + "() As Long\r\nEnd Property\r\n"
+                : "Private Sub P" + n + "(ByVal a As Long, _\r\n  b)\r\n  x = 1\r\nEnd Sub\r\n";
+  }
+  text += "\r\n' the end\r\n";
+  auto file = Module(text);
+  CodeModule& code = file->Code();
+
+  auto check = [&](const std::string& step) {
+    SCOPED_TRACE(step);
+    auto fresh = Module(file->Render());
+    const CodeModule& expected = fresh->Code();
+    ASSERT_EQ(code.CountOfLines(), expected.CountOfLines());
+    EXPECT_EQ(code.CountOfDeclarationLines(), expected.CountOfDeclarationLines());
+    auto got = code.Procedures();
+    auto want = expected.Procedures();
+    ASSERT_EQ(got.size(), want.size());
+    for (std::size_t i = 0; i < got.size(); ++i) {
+      SCOPED_TRACE(want[i].name);
+      EXPECT_EQ(got[i].name, want[i].name);
+      EXPECT_EQ(got[i].kind, want[i].kind);
+      EXPECT_EQ(got[i].startLine, want[i].startLine);
+      EXPECT_EQ(got[i].bodyLine, want[i].bodyLine);
+      EXPECT_EQ(got[i].countLines, want[i].countLines);
+      EXPECT_EQ(code.ProcCountLines(want[i].name, want[i].kind), want[i].countLines);
+    }
+    for (int32_t line = 1; line <= code.CountOfLines(); line += 3) {
+      ProcKind a = ProcKind::kProc;
+      ProcKind b = ProcKind::kProc;
+      EXPECT_EQ(code.ProcOfLine(line, a), expected.ProcOfLine(line, b)) << "line " << line;
+      EXPECT_EQ(a, b);
+    }
+  };
+  // The driver's write: the region replaced by CR LF and the text.
+  auto write = [&](const std::string& name, ProcKind kind, const std::string& newText) {
+    int32_t start = code.ProcStartLine(name, kind);
+    int32_t count = code.ProcCountLines(name, kind);
+    code.DeleteLines(start, count);
+    check("after deleting " + name);
+    code.InsertLines(start, "\r\n" + newText);
+    check("after writing " + name);
+  };
+  check("as read");
+  write("P0", ProcKind::kProc, "' P0\r\nPrivate Sub P0()\r\nEnd Sub");
+  write("P1", ProcKind::kGet, "Public Property Let P1(v As Long)\r\nEnd Property\r\n\r\n");
+  write("P2", ProcKind::kProc, "Sub Q2()\r\nEnd Sub\r\n' between\r\nSub R2(): End Sub");
+  write("P11", ProcKind::kProc, "Sub Last()\r\nEnd Sub\r\n\r\n' trailing");
+  write("P5", ProcKind::kProc, "' nothing left of P5");
+  write("P6", ProcKind::kProc, "Sub P6()\r\n  x = 1");  // no End: the next one is taken in
+  write("P8", ProcKind::kProc, "Dim y As Long");        // code where a procedure was
+  code.InsertLines(code.ProcBodyLine("P9", ProcKind::kProc) + 2, "  y = 2");
+  check("a line inside a body");
+  code.InsertLines(code.ProcStartLine("P3", ProcKind::kProc), "' above P3\r\n");
+  check("comments above a procedure");
+  code.InsertLines(3, "Dim z As Long");
+  check("a declaration");
+  code.InsertLines(code.CountOfLines() + 1, "Function Appended()\r\nEnd Function");
+  check("a procedure appended");
+  code.InsertLines(code.CountOfLines() + 1, "");
+  check("a blank line appended");
+  code.InsertLines(code.ProcStartLine("P3", ProcKind::kProc), "Sub P4()\r\nEnd Sub");
+  check("a second P4");
+  code.DeleteLines(code.ProcStartLine("P4", ProcKind::kProc), 2);
+  check("part of a region");
+  code.DeleteLines(code.CountOfDeclarationLines() + 1,
+                   code.CountOfLines() - code.CountOfDeclarationLines());
+  check("every procedure");
+}
+
 TEST(CodeModule, ArgumentsOutOfRangeRaiseVbErrors) {
   auto file = Module(Crlf({"Sub A()", "End Sub"}));
   CodeModule& code = file->Code();

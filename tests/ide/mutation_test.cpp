@@ -166,6 +166,19 @@ TEST(Mutation, DamagedFilesLoadOrFailCleanlyAndResaveByteForByte) {
     code.DeleteLines(1);
     EXPECT_EQ(file->Render(), bytes);
     Exercise(code);
+    // After the write, the module answers as the same text read afresh.
+    {
+      auto fresh = ComponentFile::Parse(file->Render(), *fixture.kind, codePage, fixture.name);
+      EXPECT_EQ(code.CountOfDeclarationLines(), fresh->Code().CountOfDeclarationLines());
+      auto got = code.Procedures();
+      auto want = fresh->Code().Procedures();
+      ASSERT_EQ(got.size(), want.size());
+      for (std::size_t i = 0; i < got.size(); ++i) {
+        EXPECT_EQ(got[i].name, want[i].name);
+        EXPECT_EQ(got[i].startLine, want[i].startLine);
+        EXPECT_EQ(got[i].countLines, want[i].countLines);
+      }
+    }
     ide::DesignerIdOf(*file);
     // Renamed, what the rewrite saves is a file the IDE reads again, under the new name.
     file->SetName("Renamed");

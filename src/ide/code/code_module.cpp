@@ -43,6 +43,74 @@ bool MentionsWord(std::string_view line, std::string_view word) {
   return false;
 }
 
+// One statement, one blank line or one comment with the lines it continues onto, starting at
+// line i of the lines [0, limit) that factsAt and textAt give.
+struct Piece {
+  int32_t last = 0;     // its last line
+  bool code = false;    // a statement, not a blank line or a comment
+  bool runsOn = false;  // still continued on line limit - 1
+  Statement st;         // what the statement does to the procedure structure
+};
+
+template <class FactsAt, class TextAt>
+Piece ReadPiece(int32_t i, int32_t limit, const FactsAt& factsAt, const TextAt& textAt,
+                std::string& joined) {
+  Piece piece;
+  piece.last = i;
+  const LineFacts first = factsAt(i);
+  if (first.blank) return piece;
+  if (first.comment) {
+    bool goesOn = first.continues;
+    while (goesOn && piece.last + 1 < limit)
+      goesOn = factsAt(++piece.last).commentGoesOn;
+    piece.runsOn = goesOn;
+    return piece;
+  }
+  piece.code = true;
+  bool continues = first.continues;
+  bool inComment = first.endsInComment;
+  while (continues && piece.last + 1 < limit) {
+    const LineFacts next = factsAt(++piece.last);
+    if (inComment) {
+      continues = next.commentGoesOn;
+    } else {
+      continues = next.continues;
+      inComment = next.endsInComment;
+    }
+  }
+  piece.runsOn = continues;
+  // What the statement does: known from its line when it has one line, except a heading's
+  // name, which is read again (one line per procedure).
+  Statement& st = piece.st;
+  switch (first.Role()) {
+    case LineRole::kOther:
+      break;
+    case LineRole::kContinued:
+      joined.clear();
+      for (int32_t k = i; k <= piece.last; ++k)
+        AppendContinued(joined, textAt(k), k < piece.last);
+      st = ParseStatement(joined);
+      break;
+    case LineRole::kHeading:
+    case LineRole::kHeadingClosed:
+      st = ParseStatement(textAt(i));
+      break;
+    case LineRole::kEnd:
+      st.type = Statement::Type::kEnd;
+      break;
+    case LineRole::kIf:
+      st.type = Statement::Type::kIf;
+      break;
+    case LineRole::kElse:
+      st.type = Statement::Type::kElse;
+      break;
+    case LineRole::kEndIf:
+      st.type = Statement::Type::kEndIf;
+      break;
+  }
+  return piece;
+}
+
 }  // namespace
 
 std::size_t CodeModule::ProcKeyHash::operator()(const ProcKey& key) const {
@@ -141,79 +209,33 @@ void CodeModule::BuildIndex() const {
   std::vector<Frame> frames;
   int32_t nextBlock = 0;
   int32_t lastCode = -1;  // the last code line above the first heading
-  int32_t open = -1;      // the procedure whose End has not come yet
+  Proc* open = nullptr;   // the procedure whose End has not come yet
   std::string joined;
+  auto factsAt = [this](int32_t k) { return facts_[k]; };
+  auto textAt = [this](int32_t k) -> std::string_view { return lines_[k].line.text; };
 
   for (int32_t i = 0; i < n;) {
-    const LineFacts first = facts_[i];
-    if (first.blank) {
-      ++i;
-      continue;
-    }
-    if (first.comment) {
-      bool goesOn = first.continues;
-      while (goesOn && i + 1 < n)
-        goesOn = facts_[++i].commentGoesOn;
-      ++i;
-      continue;
-    }
-    // A code statement: lines i..e.
-    int32_t e = i;
-    bool continues = first.continues;
-    bool inComment = first.endsInComment;
-    while (continues && e + 1 < n) {
-      const LineFacts next = facts_[++e];
-      if (inComment) {
-        continues = next.commentGoesOn;
-      } else {
-        continues = next.continues;
-        inComment = next.endsInComment;
-      }
-    }
-    // What the statement does: known from its line when it has one line, except a heading's
-    // name, which is read again (one line per procedure).
-    Statement st;
-    switch (first.Role()) {
-      case LineRole::kOther:
-        break;
-      case LineRole::kContinued:
-        joined.clear();
-        for (int32_t k = i; k <= e; ++k)
-          AppendContinued(joined, lines_[k].line.text, k < e);
-        st = ParseStatement(joined);
-        break;
-      case LineRole::kHeading:
-      case LineRole::kHeadingClosed:
-        st = ParseStatement(lines_[i].line.text);
-        break;
-      case LineRole::kEnd:
-        st.type = Statement::Type::kEnd;
-        break;
-      case LineRole::kIf:
-        st.type = Statement::Type::kIf;
-        break;
-      case LineRole::kElse:
-        st.type = Statement::Type::kElse;
-        break;
-      case LineRole::kEndIf:
-        st.type = Statement::Type::kEndIf;
-        break;
-    }
+    Piece piece = ReadPiece(i, n, factsAt, textAt, joined);
+    const int32_t e = piece.last;
+    Statement& st = piece.st;
     switch (st.type) {
       case Statement::Type::kIf:
+        idx.directives = true;
         frames.push_back({++nextBlock, 0});
         break;
       case Statement::Type::kElse:
+        idx.directives = true;
         if (!frames.empty()) ++frames.back().branch;
         break;
       case Statement::Type::kEndIf:
+        idx.directives = true;
         if (!frames.empty()) frames.pop_back();
         break;
       case Statement::Type::kEnd:
-        if (open >= 0) {
-          procs[open].end = e;
-          procs[open].closed = true;
-          open = -1;
+        if (open != nullptr) {
+          open->end = e;
+          open->endLine = e;
+          open = nullptr;
         }
         break;
       case Statement::Type::kHeading: {
@@ -225,30 +247,28 @@ void CodeModule::BuildIndex() const {
           return block != 0 && p.ifBlock == block && p.ifBranch != branch && p.kind == st.kind &&
                  SameIdentifier(p.name, st.name);
         };
-        if (open >= 0) {
-          if (alternative(procs[open])) break;
+        if (open != nullptr) {
+          if (alternative(*open)) break;
           // A heading without its End: the procedure ends above the next heading.
-          procs[open].end = i - 1;
-          procs[open].closed = true;
-          open = -1;
-        } else if (!procs.empty() && alternative(procs.back())) {
-          open = static_cast<int32_t>(procs.size()) - 1;
-          procs.back().closed = false;
+          open->end = i - 1;
+          open = nullptr;
+        } else if (!procs.empty() && alternative(*procs.back())) {
+          open = procs.back().get();
           break;
         }
         if (procs.empty()) idx.declarationLines = lastCode + 1;
-        Proc p;
-        p.name = std::move(st.name);
-        p.kind = st.kind;
-        p.start = procs.empty() ? idx.declarationLines : procs.back().end + 1;
-        p.body = i;
-        p.ifBlock = block;
-        p.ifBranch = branch;
+        auto p = std::make_unique<Proc>();
+        p->name = std::move(st.name);
+        p->kind = st.kind;
+        p->start = procs.empty() ? idx.declarationLines : procs.back()->end + 1;
+        p->body = i;
+        p->ifBlock = block;
+        p->ifBranch = branch;
         if (st.endsOnSameLine) {
-          p.end = e;
-          p.closed = true;
+          p->end = e;
+          p->endLine = e;
         } else {
-          open = static_cast<int32_t>(procs.size());
+          open = p.get();
         }
         procs.push_back(std::move(p));
         break;
@@ -256,21 +276,171 @@ void CodeModule::BuildIndex() const {
       case Statement::Type::kOther:
         break;
     }
-    if (procs.empty()) lastCode = e;
+    if (piece.code && procs.empty()) lastCode = e;
     i = e + 1;
   }
   if (procs.empty()) {
     idx.declarationLines = n;
   } else {
-    procs.back().end = n - 1;  // the last procedure owns the lines after its End
+    procs.back()->end = n - 1;  // the last procedure owns the lines after its End
   }
   idx.byKey.reserve(procs.size());
-  for (std::size_t k = 0; k < procs.size(); ++k) {
+  for (auto& p : procs) {
     // The first procedure of a name and kind is the one look-ups find.
-    procs[k].firstOfKey = idx.byKey.emplace(ProcKey{procs[k].name, procs[k].kind}, k).second;
+    p->firstOfKey = idx.byKey.emplace(ProcKey{p->name, p->kind}, p.get()).second;
+    if (!p->firstOfKey) idx.duplicates = true;
   }
   index_ = std::move(idx);
   indexValid_ = true;
+}
+
+namespace {
+
+template <class P>
+void Shift(P& p, int32_t delta) {
+  p.start += delta;
+  p.body += delta;
+  p.end += delta;
+  if (p.endLine >= 0) p.endLine += delta;
+}
+
+}  // namespace
+
+// The driver writes a procedure's text by deleting its region and inserting the new text there,
+// and walks the module after each write; rebuilding the index for that would make a write cost
+// a pass over the whole module. When the deleted lines are whole regions of procedures that
+// have their End, the index drops them and moves the procedures below up. Anything else (part
+// of a region, #If lines anywhere in the module, a name declared twice) is left to a rebuild.
+bool CodeModule::IndexAfterDelete(int32_t first, int32_t count) {
+  if (!indexValid_) return false;
+  Index& idx = index_;
+  auto& procs = idx.procs;
+  if (idx.directives || idx.duplicates || procs.empty()) return false;
+  const int32_t last = first + count - 1;
+  auto from =
+      std::lower_bound(procs.begin(), procs.end(), first,
+                       [](const std::unique_ptr<Proc>& p, int32_t v) { return p->start < v; });
+  if (from == procs.end() || (*from)->start != first) return false;
+  auto to = from;
+  while (to != procs.end() && (*to)->end < last)
+    ++to;
+  if (to == procs.end() || (*to)->end != last) return false;
+  for (auto it = from; it <= to; ++it) {
+    if ((*it)->endLine < 0) return false;
+  }
+  if (from != procs.begin() && (*(from - 1))->endLine < 0) return false;
+  // No statement or comment runs into the deleted lines or out of them.
+  if ((first > 0 && facts_[first - 1].commentGoesOn) || facts_[last].commentGoesOn) return false;
+
+  for (auto it = from; it <= to; ++it)
+    idx.byKey.erase(ProcKey{(*it)->name, (*it)->kind});
+  auto below = procs.erase(from, to + 1);
+  for (; below != procs.end(); ++below)
+    Shift(**below, -count);
+  // With no procedure left, the module is all declarations; the lines left end where the
+  // deleted first procedure's region began, which was the end of the declarations.
+  idx.recent = nullptr;
+  idx.recentIndex = kNoIndex;
+  return true;
+}
+
+// The other half: new lines that are whole procedures with their End (and blank or comment
+// lines around them), inserted where a procedure's region begins or after the last procedure,
+// go into the index as they are read; the procedures below move down.
+bool CodeModule::IndexAfterInsert(int32_t at, const std::vector<CodeLine>& added,
+                                  const std::vector<LineFacts>& addedFacts) {
+  if (!indexValid_) return false;
+  Index& idx = index_;
+  auto& procs = idx.procs;
+  if (idx.directives || idx.duplicates || procs.empty()) return false;
+  const auto n = static_cast<int32_t>(lines_.size());  // before the insertion
+  const auto count = static_cast<int32_t>(added.size());
+  if (at > 0 && facts_[at - 1].commentGoesOn) return false;
+  const bool append = at == n;
+  auto next = procs.end();
+  if (!append) {
+    next = std::lower_bound(procs.begin(), procs.end(), at,
+                            [](const std::unique_ptr<Proc>& p, int32_t v) { return p->start < v; });
+    if (next == procs.end() || (*next)->start != at) return false;
+  }
+  Proc* above = next == procs.begin() ? nullptr : (next - 1)->get();
+  if (above != nullptr && above->endLine < 0) return false;
+
+  // The new lines read on their own, numbered as they will be.
+  std::vector<std::unique_ptr<Proc>> fresh;
+  Proc* open = nullptr;
+  std::string joined;
+  auto factsAt = [&](int32_t k) { return addedFacts[k]; };
+  auto textAt = [&](int32_t k) -> std::string_view { return added[k].line.text; };
+  // After the last procedure, its lines below its End go to the first new procedure.
+  const int32_t regionStart = append ? above->endLine + 1 : at;
+  for (int32_t i = 0; i < count;) {
+    Piece piece = ReadPiece(i, count, factsAt, textAt, joined);
+    if (piece.runsOn) return false;
+    const int32_t e = piece.last;
+    switch (piece.st.type) {
+      case Statement::Type::kOther:
+        if (piece.code && open == nullptr) return false;  // code outside any procedure
+        break;
+      case Statement::Type::kEnd:
+        if (open == nullptr) return false;
+        open->end = at + e;
+        open->endLine = at + e;
+        open = nullptr;
+        break;
+      case Statement::Type::kHeading: {
+        if (open != nullptr) return false;
+        auto p = std::make_unique<Proc>();
+        p->name = std::move(piece.st.name);
+        p->kind = piece.st.kind;
+        p->start = fresh.empty() ? regionStart : fresh.back()->end + 1;
+        p->body = at + i;
+        if (piece.st.endsOnSameLine) {
+          p->end = at + e;
+          p->endLine = at + e;
+        } else {
+          open = p.get();
+        }
+        fresh.push_back(std::move(p));
+        break;
+      }
+      default:
+        return false;  // #If lines
+    }
+    i = e + 1;
+  }
+  if (open != nullptr) return false;
+  // New names only: a second procedure of a name needs the rebuild to tell which comes first.
+  for (std::size_t k = 0; k < fresh.size(); ++k) {
+    ProcKey key{fresh[k]->name, fresh[k]->kind};
+    if (idx.byKey.contains(key)) return false;
+    for (std::size_t l = 0; l < k; ++l) {
+      if (ProcKeyEqual()(key, ProcKey{fresh[l]->name, fresh[l]->kind})) return false;
+    }
+  }
+
+  if (append) {
+    if (fresh.empty()) {
+      above->end = at + count - 1;  // the last procedure owns the new lines too
+    } else {
+      above->end = above->endLine;
+      fresh.back()->end = at + count - 1;
+    }
+  } else {
+    for (auto it = next; it != procs.end(); ++it)
+      Shift(**it, count);
+    // The next procedure's region now begins below the new procedures (lines after the last
+    // new End are its lines), or where it began, when only blank or comment lines came in.
+    (*next)->start = fresh.empty() ? at : fresh.back()->end + 1;
+  }
+  for (auto& p : fresh) {
+    p->firstOfKey = true;
+    idx.byKey.emplace(ProcKey{p->name, p->kind}, p.get());
+  }
+  procs.insert(next, std::make_move_iterator(fresh.begin()), std::make_move_iterator(fresh.end()));
+  idx.recent = nullptr;
+  idx.recentIndex = kNoIndex;
+  return true;
 }
 
 int32_t CodeModule::CountOfDeclarationLines() const {
@@ -289,13 +459,29 @@ std::string CodeModule::ProcOfLine(int32_t line, ProcKind& kind) const {
   const Index& idx = CurrentIndex();
   kind = ProcKind::kProc;
   int32_t at = line - 1;
-  auto it = std::upper_bound(idx.procs.begin(), idx.procs.end(), at,
-                             [](int32_t value, const Proc& p) { return value < p.start; });
-  if (it == idx.procs.begin()) return {};
-  --it;
-  kind = it->kind;
-  idx.recent = static_cast<std::size_t>(it - idx.procs.begin());
-  return it->name;
+  const auto& procs = idx.procs;
+  const std::size_t count = procs.size();
+  std::size_t k = count;
+  // A walk asks for the line where the procedure after the last one named begins: try that
+  // procedure and the last one before searching.
+  for (std::size_t guess : {idx.recentIndex + 1, idx.recentIndex}) {
+    if (guess < count && procs[guess]->start <= at &&
+        (guess + 1 == count || procs[guess + 1]->start > at)) {
+      k = guess;
+      break;
+    }
+  }
+  if (k == count) {
+    auto it = std::upper_bound(
+        procs.begin(), procs.end(), at,
+        [](int32_t value, const std::unique_ptr<Proc>& p) { return value < p->start; });
+    if (it == procs.begin()) return {};
+    k = static_cast<std::size_t>(it - procs.begin()) - 1;
+  }
+  kind = procs[k]->kind;
+  idx.recent = procs[k].get();
+  idx.recentIndex = k;
+  return procs[k]->name;
 }
 
 const CodeModule::Proc& CodeModule::FindProc(std::string_view name, ProcKind kind) const {
@@ -303,9 +489,8 @@ const CodeModule::Proc& CodeModule::FindProc(std::string_view name, ProcKind kin
   const Index& idx = CurrentIndex();
   // The driver asks for the procedure that ProcOfLine has just named: answer that without the
   // hash table (unless an earlier procedure has the same name, which the table answers).
-  if (idx.recent < idx.procs.size()) {
-    const Proc& p = idx.procs[idx.recent];
-    if (p.firstOfKey && p.kind == kind && SameIdentifier(p.name, name)) return p;
+  if (const Proc* p = idx.recent) {
+    if (p->firstOfKey && p->kind == kind && SameIdentifier(p->name, name)) return *p;
   }
   auto it = idx.byKey.find(ProcKey{name, kind});
   if (it == idx.byKey.end()) {
@@ -313,7 +498,8 @@ const CodeModule::Proc& CodeModule::FindProc(std::string_view name, ProcKind kin
           std::string(name) + " (kind " + std::to_string(static_cast<int32_t>(kind)) + ")");
   }
   idx.recent = it->second;
-  return idx.procs[it->second];
+  idx.recentIndex = kNoIndex;
+  return *it->second;
 }
 
 int32_t CodeModule::ProcStartLine(std::string_view name, ProcKind kind) const {
@@ -361,6 +547,7 @@ void CodeModule::DeleteLines(int32_t start, int32_t count) {
                                std::to_string(int64_t{start} + count - 1) +
                                " reach past the module's last line " + std::to_string(n));
   }
+  const bool indexKept = IndexAfterDelete(start - 1, count);
   auto first = lines_.begin() + (start - 1);
   auto last = first + count;
   for (auto it = first; it != last; ++it) {
@@ -378,7 +565,7 @@ void CodeModule::DeleteLines(int32_t start, int32_t count) {
   }
   lines_.erase(first, last);
   facts_.erase(facts_.begin() + (start - 1), facts_.begin() + (start - 1 + count));
-  indexValid_ = false;
+  indexValid_ = indexKept;
   dirty_ = true;
 }
 
@@ -402,10 +589,11 @@ void CodeModule::InsertLines(int32_t line, std::string_view text) {
     if (text[stop] == '\r' && pos < text.size() && text[pos] == '\n') ++pos;
   }
   auto count = static_cast<int32_t>(added.size());
+  const bool indexKept = IndexAfterInsert(line - 1, added, addedFacts);
   lines_.insert(lines_.begin() + (line - 1), std::make_move_iterator(added.begin()),
                 std::make_move_iterator(added.end()));
   facts_.insert(facts_.begin() + (line - 1), addedFacts.begin(), addedFacts.end());
-  indexValid_ = false;
+  indexValid_ = indexKept;
   dirty_ = true;
   if (!detached_.empty()) Reattach(line - 1, count);
 }
@@ -422,11 +610,11 @@ void CodeModule::Reattach(int32_t first, int32_t count) {
   for (Detached& group : detached_) {
     if (group.member.empty()) continue;
     // A procedure of that name among the new lines: after its heading, continuation included.
-    for (const Proc& p : idx.procs) {
-      if (p.body < first || p.body >= first + count || FoldIdentifier(p.name) != group.member) {
+    for (const auto& p : idx.procs) {
+      if (p->body < first || p->body >= first + count || FoldIdentifier(p->name) != group.member) {
         continue;
       }
-      int32_t at = p.body;
+      int32_t at = p->body;
       while (at + 1 < static_cast<int32_t>(lines_.size()) && facts_[at].continues)
         ++at;
       attach(at, group);
@@ -450,8 +638,9 @@ std::vector<ProcedureInfo> CodeModule::Procedures() const {
   const Index& idx = CurrentIndex();
   std::vector<ProcedureInfo> out;
   out.reserve(idx.procs.size());
-  for (const Proc& p : idx.procs) {
-    out.push_back(ProcedureInfo{p.name, p.kind, p.start + 1, p.body + 1, p.end - p.start + 1});
+  for (const auto& p : idx.procs) {
+    out.push_back(
+        ProcedureInfo{p->name, p->kind, p->start + 1, p->body + 1, p->end - p->start + 1});
   }
   return out;
 }

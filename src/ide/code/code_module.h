@@ -94,13 +94,14 @@ class CodeModule {
     int32_t start = 0;  // 0-based line indices
     int32_t body = 0;
     int32_t end = 0;
-    int32_t ifBlock = 0;   // the #If block around the heading (0: none)
-    int32_t ifBranch = 0;  // which branch of it
-    bool closed = false;
+    int32_t endLine = -1;     // the last line of its End statement; -1 when it has none
+    int32_t ifBlock = 0;      // the #If block around the heading (0: none)
+    int32_t ifBranch = 0;     // which branch of it
     bool firstOfKey = false;  // no procedure above has the same name and kind
   };
-  // A procedure's name (a view of the name in the index's list) and kind; names compare as VB
-  // compares them, so that a look-up folds nothing and allocates nothing.
+  // A procedure's name (a view of the name of a procedure in the index, which does not move)
+  // and kind; names compare as VB compares them, so that a look-up folds nothing and allocates
+  // nothing.
   struct ProcKey {
     std::string_view name;
     ProcKind kind;
@@ -111,11 +112,17 @@ class CodeModule {
   struct ProcKeyEqual {
     bool operator()(const ProcKey& a, const ProcKey& b) const;
   };
+  static constexpr std::size_t kNoIndex = static_cast<std::size_t>(-2);  // +1 stays out of range
   struct Index {
     int32_t declarationLines = 0;
-    std::vector<Proc> procs;
-    std::unordered_map<ProcKey, std::size_t, ProcKeyHash, ProcKeyEqual> byKey;
-    mutable std::size_t recent = 0;  // the procedure last named or found
+    std::vector<std::unique_ptr<Proc>> procs;  // in module order
+    std::unordered_map<ProcKey, Proc*, ProcKeyHash, ProcKeyEqual> byKey;
+    // Edits that only this index's simple cases cover are applied to it in place (see
+    // IndexAfterDelete); a module with #If lines or twice-declared names is rebuilt instead.
+    bool directives = false;
+    bool duplicates = false;
+    mutable const Proc* recent = nullptr;        // the procedure last named or found
+    mutable std::size_t recentIndex = kNoIndex;  // where ProcOfLine last found it
   };
   // Hidden lines whose visible line was deleted: they wait for a line that declares the same
   // member (a procedure typed again, a procedure's text written back) and are dropped at save
@@ -127,6 +134,12 @@ class CodeModule {
 
   const Index& CurrentIndex() const;
   void BuildIndex() const;
+  // Bring a valid index up to date for an edit about to be made, when the edit removes or adds
+  // whole procedures at a procedure boundary (what writing a procedure's text does); false when
+  // the edit is of another kind and the index must be rebuilt.
+  bool IndexAfterDelete(int32_t first, int32_t count);
+  bool IndexAfterInsert(int32_t at, const std::vector<CodeLine>& added,
+                        const std::vector<LineFacts>& addedFacts);
   const Proc& FindProc(std::string_view name, ProcKind kind) const;
   void CheckLine(int32_t line, int32_t last) const;
   void Reattach(int32_t first, int32_t count);
