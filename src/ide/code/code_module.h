@@ -12,9 +12,11 @@
 //
 // Look-ups go through an index of the procedures. Each line's lexical facts, including what the
 // line does as a statement of its own (opens or ends a procedure, steers #If), are computed once,
-// when the line is read or inserted; after an edit the index is rebuilt from those facts on the
-// next look-up (a pass over one byte per line, reading again only each heading's name and the
-// rare statements continued over several lines), never by parsing the module's text again.
+// when the line is read or inserted. Deleting or inserting whole procedures at a procedure
+// boundary (what writing a procedure's text does) updates the index in place; after any other
+// edit it is rebuilt from those facts on the next look-up (a pass over one byte per line,
+// reading again only each heading's name and the rare statements continued over several
+// lines), never by parsing the module's text again.
 
 #include <cstdint>
 #include <memory>
