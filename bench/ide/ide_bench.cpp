@@ -197,6 +197,7 @@ void BM_RewriteBigModule(benchmark::State& state) {
   state.counters["lines"] = static_cast<double>(generated.lines);
   std::error_code ec;
   fs::remove_all(folder, ec);
+  fs::remove(ScratchRoot(), ec);  // when no other benchmark left anything there
 }
 
 void Sizes(benchmark::internal::Benchmark* b) {
