@@ -26,8 +26,8 @@ struct ResaveOptions {
   std::string projectFile;
 };
 
-// Loads every component and saves it, then reads each file back and reports any whose bytes
-// changed.
+// Loads every component and saves it through the line writer (as after an edit), then reads
+// each file back and reports any whose bytes changed.
 int RunResave(const ResaveOptions& options, std::ostream& out, std::ostream& err);
 
 }  // namespace ide::tool

@@ -49,6 +49,11 @@ int RunResave(const ResaveOptions& options, std::ostream& out, std::ostream& err
       continue;
     }
     try {
+      // An edit and its undo: the component is then saved through the line writer, as after a
+      // real replace, instead of handing back the bytes it read.
+      CodeModule& code = component.Code();
+      code.InsertLines(1, "' qxvb6 resave");
+      code.DeleteLines(1);
       component.Save();
     } catch (const automation::Error& e) {
       err << "not saved " << file << ": " << Describe(e) << "\n";
