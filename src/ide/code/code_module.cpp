@@ -5,6 +5,7 @@
 
 #include "automation/error.h"
 #include "ide/text/source_text.h"
+#include "platform/text.h"
 
 namespace ide {
 namespace {
@@ -15,15 +16,7 @@ namespace err = automation::err;
 // VB6 raises 35 for a procedure it cannot find.
 constexpr int32_t kProcNotDefined = 35;
 
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t';
-}
-
-bool IsIdentChar(char c) {
-  auto u = static_cast<unsigned char>(c);
-  return (u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || (u >= '0' && u <= '9') || u == '_' ||
-         u >= 0x80;
-}
+using platform::IsBlank;
 
 void CheckKind(ProcKind kind) {
   auto k = static_cast<int32_t>(kind);

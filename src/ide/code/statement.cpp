@@ -2,12 +2,9 @@
 
 #include <cstddef>
 
-namespace ide {
-namespace {
+#include "platform/text.h"
 
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t';
-}
+namespace ide {
 
 // Letters of other scripts (any byte from 0x80) count as identifier characters: VB6 projects have
 // Chinese and Cyrillic names.
@@ -16,6 +13,10 @@ bool IsIdentChar(char c) {
   return (u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || (u >= '0' && u <= '9') || u == '_' ||
          u >= 0x80;
 }
+
+namespace {
+
+using platform::IsBlank;
 
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';

@@ -63,6 +63,9 @@ Statement ParseStatement(std::string_view text);
 // Joins continued physical lines into one statement text: each line's final "_" becomes a blank.
 void AppendContinued(std::string& out, std::string_view line, bool continues);
 
+// Whether a character can be part of an identifier (letters of every script, digits, "_").
+bool IsIdentChar(char c);
+
 // VB's case-insensitive comparison of identifiers (ASCII letters fold; other characters compare
 // as they are, which is what matters for names written the same way in one module).
 bool SameIdentifier(std::string_view a, std::string_view b);

@@ -5,6 +5,7 @@
 #include "automation/error.h"
 #include "ide/text/source_text.h"
 #include "platform/codepage.h"
+#include "platform/text.h"
 
 namespace ide {
 namespace {
@@ -20,33 +21,13 @@ constexpr int32_t kInvalidFileFormat = 321;
   automation::RaiseMessage(kInvalidFileFormat, std::move(text));
 }
 
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t';
-}
-
-std::string_view Trim(std::string_view s) {
-  while (!s.empty() && IsBlank(s.front()))
-    s.remove_prefix(1);
-  while (!s.empty() && IsBlank(s.back()))
-    s.remove_suffix(1);
-  return s;
-}
-
-char Lower(char c) {
-  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (Lower(a[i]) != Lower(b[i])) return false;
-  }
-  return true;
-}
+using platform::EqualsAsciiNoCase;
+using platform::IsBlank;
+using platform::TrimBlanks;
 
 // The first word of a line (after blanks), up to a blank or "=".
 std::string_view FirstWord(std::string_view line) {
-  line = Trim(line);
+  line = TrimBlanks(line);
   std::size_t end = 0;
   while (end < line.size() && !IsBlank(line[end]) && line[end] != '=')
     ++end;
@@ -55,12 +36,12 @@ std::string_view FirstWord(std::string_view line) {
 
 // The words after the first one: "Begin VB.Form frmMain " gives "VB.Form" and "frmMain".
 void BeginWords(std::string_view line, std::string& type, std::string& name) {
-  line = Trim(line);
+  line = TrimBlanks(line);
   std::size_t pos = line.find_first_of(" \t");
-  line = pos == std::string_view::npos ? std::string_view{} : Trim(line.substr(pos));
+  line = pos == std::string_view::npos ? std::string_view{} : TrimBlanks(line.substr(pos));
   pos = line.find_first_of(" \t");
   type.assign(line.substr(0, pos));
-  name.assign(pos == std::string_view::npos ? std::string_view{} : Trim(line.substr(pos)));
+  name.assign(pos == std::string_view::npos ? std::string_view{} : TrimBlanks(line.substr(pos)));
 }
 
 bool IsFormLike(FileKind kind) {
@@ -73,7 +54,7 @@ bool NameAttribute(std::string_view line, std::size_t& open, std::size_t& close)
   std::size_t pos = line.find_first_not_of(" \t");
   pos = line.find_first_not_of(" \t", pos + 9);
   std::size_t eq = line.find('=', pos);
-  if (!EqualsNoCase(Trim(line.substr(pos, eq - pos)), "VB_Name")) return false;
+  if (!EqualsAsciiNoCase(TrimBlanks(line.substr(pos, eq - pos)), "VB_Name")) return false;
   open = line.find('"', eq);
   if (open == std::string_view::npos) return false;
   close = line.find('"', open + 1);
@@ -108,7 +89,7 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
   const std::size_t n = lines.size();
   std::size_t i = 0;
   auto startsWith = [&](std::size_t at, std::string_view word) {
-    return at < n && EqualsNoCase(FirstWord(lines[at].text), word);
+    return at < n && EqualsAsciiNoCase(FirstWord(lines[at].text), word);
   };
 
   if (IsFormLike(kind_)) {
@@ -116,14 +97,14 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
       Invalid(fileName, n == 0 ? "the file is empty" : "it does not start with a VERSION line");
     }
     i = 1;
-    while (i < n && (startsWith(i, "Object") || Trim(lines[i].text).empty()))
+    while (i < n && (startsWith(i, "Object") || TrimBlanks(lines[i].text).empty()))
       ++i;
     if (!startsWith(i, "Begin"))
       Invalid(fileName, "the form description (Begin ... End) is missing");
     std::vector<int32_t> open;
     for (; i < n; ++i) {
       std::string_view word = FirstWord(lines[i].text);
-      if (EqualsNoCase(word, "Begin") || EqualsNoCase(word, "BeginProperty")) {
+      if (EqualsAsciiNoCase(word, "Begin") || EqualsAsciiNoCase(word, "BeginProperty")) {
         DescriptionBlock block;
         block.isProperty = word.size() > 5;
         BeginWords(lines[i].text, block.type, block.name);
@@ -131,8 +112,8 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
         block.parent = open.empty() ? -1 : open.back();
         open.push_back(static_cast<int32_t>(description_.size()));
         description_.push_back(std::move(block));
-      } else if (EqualsNoCase(Trim(lines[i].text), "End") ||
-                 EqualsNoCase(Trim(lines[i].text), "EndProperty")) {
+      } else if (EqualsAsciiNoCase(TrimBlanks(lines[i].text), "End") ||
+                 EqualsAsciiNoCase(TrimBlanks(lines[i].text), "EndProperty")) {
         if (open.empty()) break;
         description_[open.back()].lastLine = static_cast<int32_t>(i);
         open.pop_back();
@@ -147,8 +128,8 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
     }
   } else if (kind_ == FileKind::kClass && startsWith(0, "VERSION")) {
     i = 1;
-    if (i < n && EqualsNoCase(Trim(lines[i].text), "BEGIN")) {
-      while (i < n && !EqualsNoCase(Trim(lines[i].text), "END"))
+    if (i < n && EqualsAsciiNoCase(TrimBlanks(lines[i].text), "BEGIN")) {
+      while (i < n && !EqualsAsciiNoCase(TrimBlanks(lines[i].text), "END"))
         ++i;
       if (i == n) Invalid(fileName, "the class header BEGIN has no END (the file is cut short)");
       ++i;
@@ -182,7 +163,7 @@ ComponentType ComponentFile::Type() const {
     case FileKind::kClass:
       return ComponentType::kClassModule;
     case FileKind::kForm:
-      return !description_.empty() && EqualsNoCase(description_.front().type, "VB.MDIForm")
+      return !description_.empty() && EqualsAsciiNoCase(description_.front().type, "VB.MDIForm")
                  ? ComponentType::kVBMDIForm
                  : ComponentType::kVBForm;
     case FileKind::kUserControl:

@@ -4,21 +4,10 @@
 #include <string_view>
 
 #include "ide/model/component_file.h"
+#include "platform/text.h"
 
 namespace ide {
 namespace {
-
-char Upper(char c) {
-  return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-bool SameClsid(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (Upper(a[i]) != Upper(b[i])) return false;
-  }
-  return true;
-}
 
 struct KnownDesigner {
   std::string_view clsid;
@@ -66,9 +55,10 @@ bool LooksLikeUserConnection(const ComponentFile& file) {
     if (start == std::string_view::npos) continue;
     std::size_t stop = text.find_first_of(" \t=", start);
     std::string_view key = text.substr(start, stop - start);
-    if (SameClsid(key, "Connect")) connect = true;
-    if (SameClsid(key, "QueryTimeout") || SameClsid(key, "LoginTimeout") ||
-        SameClsid(key, "CursorDriver")) {
+    if (platform::EqualsAsciiNoCase(key, "Connect")) connect = true;
+    if (platform::EqualsAsciiNoCase(key, "QueryTimeout") ||
+        platform::EqualsAsciiNoCase(key, "LoginTimeout") ||
+        platform::EqualsAsciiNoCase(key, "CursorDriver")) {
       rdo = true;
     }
   }
@@ -97,7 +87,7 @@ std::string DesignerIdOf(const ComponentFile& file) {
   }
   std::string clsid = file.DesignerClsid();
   for (const KnownDesigner& known : kKnown) {
-    if (SameClsid(clsid, known.clsid)) return std::string(known.progId);
+    if (platform::EqualsAsciiNoCase(clsid, known.clsid)) return std::string(known.progId);
   }
   if (LooksLikeUserConnection(file)) return std::string(kUserConnection);
   // Another designer: its CLSID is the one identifier the file gives.

@@ -6,35 +6,16 @@
 #include "automation/error.h"
 #include "ide/text/source_text.h"
 #include "platform/codepage.h"
+#include "platform/text.h"
 
 namespace ide {
 namespace {
 
 constexpr int32_t kInvalidFileFormat = 321;
 
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t';
-}
-
-std::string_view Trim(std::string_view s) {
-  while (!s.empty() && IsBlank(s.front()))
-    s.remove_prefix(1);
-  while (!s.empty() && IsBlank(s.back()))
-    s.remove_suffix(1);
-  return s;
-}
-
-char Lower(char c) {
-  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (Lower(a[i]) != Lower(b[i])) return false;
-  }
-  return true;
-}
+using platform::EqualsAsciiNoCase;
+using platform::IsBlank;
+using platform::TrimBlanks;
 
 struct EntryKey {
   std::string_view key;
@@ -85,21 +66,21 @@ std::unique_ptr<ProjectFile> ProjectFile::Parse(std::string bytes,
   bool mainSection = true;
   for (std::size_t i = 0; i < file->lines_.size(); ++i) {
     std::string_view line = file->lines_[i].text;
-    std::string_view trimmed = Trim(line);
+    std::string_view trimmed = TrimBlanks(line);
     if (!trimmed.empty() && trimmed.front() == '[') {
       mainSection = false;  // a tool's section: its keys are that tool's business
       continue;
     }
     std::size_t eq = line.find('=');
     if (!mainSection || eq == std::string_view::npos) continue;
-    std::string_view key = Trim(line.substr(0, eq));
+    std::string_view key = TrimBlanks(line.substr(0, eq));
     std::string_view value = line.substr(eq + 1);
-    if (EqualsNoCase(key, "Name")) {
-      file->name_ = Unquote(Trim(value));
+    if (EqualsAsciiNoCase(key, "Name")) {
+      file->name_ = Unquote(TrimBlanks(value));
       continue;
     }
     for (const EntryKey& known : kEntryKeys) {
-      if (!EqualsNoCase(key, known.key)) continue;
+      if (!EqualsAsciiNoCase(key, known.key)) continue;
       ProjectEntry entry;
       entry.kind = known.kind;
       entry.line = i;
@@ -108,10 +89,10 @@ std::unique_ptr<ProjectFile> ProjectFile::Parse(std::string bytes,
         std::string_view name = value.substr(0, semi);
         std::size_t lead = name.find_first_not_of(" \t");
         entry.nameOffset = eq + 1 + (lead == std::string_view::npos ? name.size() : lead);
-        entry.name.assign(Trim(name));
-        if (semi != std::string_view::npos) entry.path.assign(Trim(value.substr(semi + 1)));
+        entry.name.assign(TrimBlanks(name));
+        if (semi != std::string_view::npos) entry.path.assign(TrimBlanks(value.substr(semi + 1)));
       } else {
-        entry.path.assign(Trim(value));
+        entry.path.assign(TrimBlanks(value));
       }
       file->entries_.push_back(std::move(entry));
       break;
