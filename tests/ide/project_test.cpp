@@ -77,25 +77,6 @@ TEST(Project, ReadsEveryKindOfComponentInProjectOrder) {
   EXPECT_EQ(project->Item("modUtil").Code().ProcBodyLine("FormatAmount", ProcKind::kProc), 24);
 }
 
-TEST(Project, UnchangedProjectsResaveByteForByte) {
-  struct Case {
-    const char* folder;
-    const char* file;
-    int codePage;
-  };
-  for (const Case& c : {Case{"ledger", "Ledger.vbp", 1252}, Case{"unix", "Unix.vbp", 1252},
-                        Case{"gbk", "库存.vbp", 936}}) {
-    SCOPED_TRACE(c.folder);
-    FixtureCopy copy(c.folder);
-    auto before = Snapshot(copy.dir());
-    auto project = Project::Open(copy.Path(c.file), platform::GetCodePage(c.codePage));
-    for (std::size_t i = 0; i < project->Count(); ++i)
-      project->At(i).Save();
-    project->Save();
-    EXPECT_EQ(Snapshot(copy.dir()), before);
-  }
-}
-
 TEST(Project, RenamingChangesOnlyTheLinesThatNameTheComponent) {
   FixtureCopy copy("ledger");
   std::string vbp = ReadBytes(copy.Path("Ledger.vbp"));
