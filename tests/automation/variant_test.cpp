@@ -3,19 +3,12 @@
 #include <gtest/gtest.h>
 
 #include "automation/error.h"
+#include "support/errors.h"
 
 namespace {
 
 using automation::Variant;
-
-int ErrorOf(auto&& f) {
-  try {
-    f();
-  } catch (const automation::Error& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using qxtest::ErrorOf;
 
 TEST(Variant, IntegerConversionsRoundHalfToEvenWithHalfOpenBounds) {
   EXPECT_EQ(Variant(0.5).ToInteger(), 0);

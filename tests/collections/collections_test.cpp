@@ -3,12 +3,13 @@
 #include "automation/object.h"
 #include "contracts/driver_interfaces.h"
 #include "support/driver_env.h"
+#include "support/errors.h"
 
 namespace {
 
 using automation::ObjectRef;
+using qxtest::Caught;
 using qxtest::DriverEnv;
-using qxtest::ErrorOf;
 
 class Collections : public ::testing::Test {
  protected:
@@ -56,7 +57,7 @@ TEST_F(Collections, CommandsAreTheSameForEveryCollectionAndName) {
 
 TEST_F(Collections, InvalidCommandIndexRaisesWithoutTouchingTheIde) {
   for (int index : {1, -1}) {
-    const auto e = ErrorOf([&] { Get("UserControls").ExecuteObjectCommand("frmA", index); });
+    const auto e = Caught([&] { Get("UserControls").ExecuteObjectCommand("frmA", index); });
     EXPECT_EQ(e.Number(), -32753);
     EXPECT_EQ(e.Description(), "Invalid case selector (" + std::to_string(index) +
                                    ").\r\n\r\nPROGRAM CONTEXT:\r\n"
@@ -68,12 +69,12 @@ TEST_F(Collections, InvalidCommandIndexRaisesWithoutTouchingTheIde) {
 TEST_F(Collections, ComponentsNeedTheIde) {
   // Without an IDE, building a component object fails with the start-up's message and the
   // collection's trail line.
-  const auto e = ErrorOf([&] { Get("Forms").GetObject("frmA"); });
+  const auto e = Caught([&] { Get("Forms").GetObject("frmA"); });
   EXPECT_EQ(e.Number(), -32767);
   EXPECT_NE(e.Description().find("qxvb60.Project.Dispatcher.1  (4.1.475)\r\n"
                                  "qxvb60.Forms.ICollection_GetObject.1  (4.1.475)"),
             std::string::npos);
-  const auto open = ErrorOf([&] { Get("Forms").ExecuteObjectCommand("frmA", 0); });
+  const auto open = Caught([&] { Get("Forms").ExecuteObjectCommand("frmA", 0); });
   EXPECT_NE(open.Description().find("qxvb60.Forms.ICollection_ExecuteObjectCommand.1"),
             std::string::npos);
 }

@@ -6,11 +6,12 @@
 #include "foundation/globals.h"
 #include "foundation/operation.h"
 #include "support/driver_env.h"
+#include "support/errors.h"
 
 namespace {
 
 using foundation::Operation;
-using qxtest::ErrorOf;
+using qxtest::Caught;
 
 constexpr const char* kHeading = "\r\n\r\nPROGRAM CONTEXT:\r\n";
 
@@ -36,7 +37,7 @@ TEST_F(VxHandler, TrailGrowsOneLinePerOperationInnermostFirst) {
     Operation("Forms", "Plain", [] { throw automation::Error(53, "src", "File not found"); });
   };
   auto middle = [&] { Operation("Project", "EnumObjects", inner); };
-  const auto e = ErrorOf([&] { Operation("Forms", "ICollection_EnumObjects", middle); });
+  const auto e = Caught([&] { Operation("Forms", "ICollection_EnumObjects", middle); });
   EXPECT_EQ(e.Number(), 53);
   EXPECT_EQ(e.Description(), std::string("File not found") + kHeading +
                                  "qxvb60.Forms.Plain.1  (4.1.475)\r\n"
@@ -51,7 +52,7 @@ TEST_F(VxHandler, HeadingRulesAndLineNumbers) {
             "x PROGRAM CONTEXT: y\r\nqxvb60.C.P.1  (4.1.475)");
   EXPECT_EQ(foundation::AddTrailLine("", "C", "P", 7),
             std::string(kHeading) + "qxvb60.C.P.7  (4.1.475)");
-  const auto e = ErrorOf([] {
+  const auto e = Caught([] {
     Operation("Utility", "UpdateKey",
               [] { throw automation::Error(9, "s", "Subscript out of range", "h.chm", 42, 12); });
   });
@@ -84,13 +85,13 @@ TEST_F(VxHandler, EntryPointsLogAndReturnNormally) {
                            "qxvb60.Connection.ProjectEvents_ItemAdded.1  (4.1.475)|Connection|"
                            "ProjectEvents_ItemAdded");
   // Main raises through Promote.
-  EXPECT_EQ(ErrorOf([] { Operation("vxhandler", "Main", [] { automation::Raise(5); }); }).Number(),
+  EXPECT_EQ(Caught([] { Operation("vxhandler", "Main", [] { automation::Raise(5); }); }).Number(),
             5);
 }
 
 TEST_F(VxHandler, SaveErrorKeepsEveryFieldAndRunsUndoSteps) {
   int undone = 0;
-  const auto e = ErrorOf([&] {
+  const auto e = Caught([&] {
     foundation::OperationWithUndo(
         "Form", "IObject_SetMode",
         [] { throw automation::Error(70, "VBIDE", "Permission denied", "vb.chm", 7); },
@@ -125,12 +126,12 @@ TEST_F(VxHandler, SaveErrorKeepsEveryFieldAndRunsUndoSteps) {
 }
 
 TEST_F(VxHandler, FixedErrors) {
-  auto e = ErrorOf([] { foundation::RaiseInvalidCaseSelector(automation::Variant("abc")); });
+  auto e = Caught([] { foundation::RaiseInvalidCaseSelector(automation::Variant("abc")); });
   EXPECT_EQ(e.Number(), -32753);
   EXPECT_EQ(e.Description(), "Invalid case selector (\"abc\").");
-  e = ErrorOf([] { foundation::RaiseInvalidCaseSelector(automation::Variant(12)); });
+  e = Caught([] { foundation::RaiseInvalidCaseSelector(automation::Variant(12)); });
   EXPECT_EQ(e.Description(), "Invalid case selector (12).");
-  e = ErrorOf([] { foundation::RaiseUndefinedProperty(); });
+  e = Caught([] { foundation::RaiseUndefinedProperty(); });
   EXPECT_EQ(e.Number(), -32749);
   EXPECT_EQ(e.Description(), "Undefined property.");
 }

@@ -7,16 +7,16 @@
 
 #include "automation/object.h"
 #include "automation/process.h"
-#include "caught.h"
 #include "host/problem_log.h"
 #include "host/register.h"
+#include "support/errors.h"
 #include "support/temp_home.h"
 
 namespace {
 
 using automation::Dispatch;
 using automation::ObjectRef;
-using hosttest::Caught;
+using qxtest::Caught;
 namespace fs = std::filesystem;
 
 class HostUtilityTest : public ::testing::Test {

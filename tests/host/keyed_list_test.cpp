@@ -3,15 +3,15 @@
 #include <gtest/gtest.h>
 
 #include "automation/object.h"
-#include "caught.h"
 #include "host/key_set.h"
 #include "host/register.h"
+#include "support/errors.h"
 
 namespace {
 
 using automation::Dispatch;
 using automation::Variant;
-using hosttest::Caught;
+using qxtest::Caught;
 
 class KeyedListTest : public ::testing::Test {
  protected:

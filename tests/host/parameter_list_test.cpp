@@ -3,13 +3,13 @@
 #include <gtest/gtest.h>
 
 #include "automation/object.h"
-#include "caught.h"
 #include "host/register.h"
+#include "support/errors.h"
 
 namespace {
 
 using automation::Dispatch;
-using hosttest::Caught;
+using qxtest::Caught;
 
 TEST(ParameterList, ParsesPlainAndQuotedValues) {
   host::RegisterClasses();

@@ -4,10 +4,10 @@
 
 #include "automation/object.h"
 #include "automation/process.h"
-#include "caught.h"
 #include "host/problem.h"
 #include "host/problem_context.h"
 #include "host/register.h"
+#include "support/errors.h"
 
 namespace {
 
@@ -15,7 +15,7 @@ using automation::Args;
 using automation::Dispatch;
 using automation::ObjectRef;
 using automation::Variant;
-using hosttest::Caught;
+using qxtest::Caught;
 
 class ProblemLogTest : public ::testing::Test {
  protected:

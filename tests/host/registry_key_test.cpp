@@ -5,14 +5,14 @@
 #include <fstream>
 
 #include "automation/object.h"
-#include "caught.h"
 #include "host/register.h"
+#include "support/errors.h"
 #include "support/temp_home.h"
 
 namespace {
 
 using automation::Dispatch;
-using hosttest::Caught;
+using qxtest::Caught;
 
 TEST(RegistryKey, ReadsValuesAndKeysOfTheHomeRegistry) {
   host::RegisterClasses();

@@ -11,22 +11,16 @@
 #include "automation/error.h"
 #include "ide/code/code_module.h"
 #include "module_text.h"
+#include "support/errors.h"
 
 namespace {
+
+using qxtest::ErrorOf;
 
 using ide::CodeModule;
 using ide::ProcKind;
 using idetest::Crlf;
 using idetest::Module;
-
-int ErrorOf(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const automation::Error& e) {
-    return e.Number();
-  }
-  return 0;
-}
 
 struct Expected {
   std::string name;

@@ -13,8 +13,11 @@
 #include "fixture_copy.h"
 #include "ide/model/project.h"
 #include "platform/codepage.h"
+#include "support/errors.h"
 
 namespace {
+
+using qxtest::ErrorOf;
 
 namespace fs = std::filesystem;
 using ide::ComponentType;
@@ -23,15 +26,6 @@ using ide::Project;
 using idetest::FixtureCopy;
 using idetest::ReadBytes;
 using idetest::WriteBytes;
-
-int ErrorOf(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const automation::Error& e) {
-    return e.Number();
-  }
-  return 0;
-}
 
 std::map<std::string, std::string> Snapshot(const fs::path& dir) {
   std::map<std::string, std::string> files;

@@ -13,6 +13,7 @@
 #include "automation/error.h"
 #include "automation/object.h"
 #include "platform/home.h"
+#include "support/errors.h"
 
 namespace vbidetest {
 
@@ -146,14 +147,6 @@ inline void WriteAddInIni(const std::string& bytes) {
   std::ofstream(folder / "vbaddin.ini", std::ios::binary) << bytes;
 }
 
-// The error number a call raises (0 when it raises none).
-inline int32_t ErrorOf(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const automation::Error& e) {
-    return e.Number();
-  }
-  return 0;
-}
+using qxtest::ErrorOf;
 
 }  // namespace vbidetest

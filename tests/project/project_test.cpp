@@ -6,13 +6,14 @@
 #include "automation/object.h"
 #include "contracts/driver_interfaces.h"
 #include "support/driver_env.h"
+#include "support/errors.h"
 
 namespace {
 
 using automation::Dispatch;
 using automation::ObjectRef;
+using qxtest::Caught;
 using qxtest::DriverEnv;
-using qxtest::ErrorOf;
 
 class ProjectTest : public ::testing::Test {
  protected:
@@ -46,7 +47,7 @@ TEST_F(ProjectTest, GetProjectCachesByParameterText) {
 
 TEST_F(ProjectTest, MissingProjectFileFailsWithTwoTrailLinesAndIsNotCached) {
   const std::string path = (env_.work() / "Nope.vbp").string();
-  auto e = ErrorOf([&] { GetProject("FileName=" + path); });
+  auto e = Caught([&] { GetProject("FileName=" + path); });
   EXPECT_EQ(e.Number(), -32767);
   EXPECT_EQ(e.Description(), "File not found: " + path +
                                  "\r\n\r\nPROGRAM CONTEXT:\r\n"
@@ -54,13 +55,13 @@ TEST_F(ProjectTest, MissingProjectFileFailsWithTwoTrailLinesAndIsNotCached) {
                                  "qxvb60.Driver.IDriver_GetProject.1  (4.1.475)");
   DriverEnv::Write(path, "Type=Exe\r\n");
   EXPECT_NE(GetProject("FileName=" + path), nullptr);  // tried again, now found
-  EXPECT_EQ(ErrorOf([&] { GetProject(""); }).Description().rfind("File not found: \r\n", 0), 0u);
+  EXPECT_EQ(Caught([&] { GetProject(""); }).Description().rfind("File not found: \r\n", 0), 0u);
 }
 
 TEST_F(ProjectTest, CollectionsAreCreatedOnceInTableOrder) {
   const auto folder = Folder({{"A.vbp", "Type=Exe\r\n"}});
   const contracts::IProject project(Open(folder / "A.vbp"));
-  const auto e = ErrorOf([&] { Dispatch(project.object()).Get("Forms"); });
+  const auto e = Caught([&] { Dispatch(project.object()).Get("Forms"); });
   EXPECT_EQ(e.Number(), 91);
   EXPECT_NE(e.Description().find("qxvb60.Project.Forms.1"), std::string::npos);
   const std::string names =
@@ -74,7 +75,7 @@ TEST_F(ProjectTest, CollectionsAreCreatedOnceInTableOrder) {
   EXPECT_EQ(project.EnumCommands(), "");
   project.ExecuteCommand(3);
   project.ResetActivationFlags();
-  EXPECT_EQ(ErrorOf([&] { project.GetCollection("Nope"); }).Number(), 9);
+  EXPECT_EQ(Caught([&] { project.GetCollection("Nope"); }).Number(), 9);
   Dispatch(project.object()).Call("TearDown");  // breaks the project <-> collection cycle
 }
 
@@ -160,7 +161,7 @@ TEST_F(ProjectTest, DeactivateWithoutDispatcherAndDispatcherWithoutIde) {
   project.Deactivate();
   EXPECT_FALSE(Dispatch(project.object()).Get("IsActive").ToBool());
   // Starting the IDE fails with a message and the trail of the start-up sequence.
-  const auto e = ErrorOf([&] { Dispatch(project.object()).Get("Dispatcher"); });
+  const auto e = Caught([&] { Dispatch(project.object()).Get("Dispatcher"); });
   EXPECT_EQ(e.Number(), -32767);
   EXPECT_NE(e.Description().find("qxvb60.Project.Activate.1  (4.1.475)\r\n"
                                  "qxvb60.Project.Dispatcher.1  (4.1.475)"),

@@ -6,11 +6,12 @@
 #include "project/project_file_check.h"
 #include "project/utility.h"
 #include "support/driver_env.h"
+#include "support/errors.h"
 
 namespace {
 
+using qxtest::Caught;
 using qxtest::DriverEnv;
-using qxtest::ErrorOf;
 
 constexpr const char* kVbKey = "HKEY_CURRENT_USER\\Software\\Microsoft\\Visual Basic\\6.0";
 
@@ -22,7 +23,7 @@ class StartupChecks : public ::testing::Test {
     return path.string();
   }
   std::string MissingMessage(const std::string& bytes) {
-    return ErrorOf([&] { project::CheckProjectFile(Project(bytes)); }).Description();
+    return Caught([&] { project::CheckProjectFile(Project(bytes)); }).Description();
   }
   DriverEnv env_;
 };
@@ -30,7 +31,7 @@ class StartupChecks : public ::testing::Test {
 TEST_F(StartupChecks, BackgroundLoadingMustBeOff) {
   project::CheckBackgroundLoading();  // a fresh machine has it off
   platform::Registry::Instance().WriteValue(kVbKey, "BackgroundProjectLoad", "1");
-  const auto e = ErrorOf([] { project::CheckBackgroundLoading(); });
+  const auto e = Caught([] { project::CheckBackgroundLoading(); });
   EXPECT_EQ(e.Number(), -32767);
   EXPECT_EQ(e.Description(),
             "Background project loading must be disabled (turned off) in VB6. To adjust this "

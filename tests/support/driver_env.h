@@ -53,14 +53,4 @@ class DriverEnv {
   automation::Process::Scope scope_;
 };
 
-// The error a call raises (number 0 and empty texts when it raises none).
-inline automation::Error ErrorOf(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const automation::Error& e) {
-    return e;
-  }
-  return {};
-}
-
 }  // namespace qxtest
