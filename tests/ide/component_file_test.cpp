@@ -17,6 +17,7 @@ using ide::ComponentFile;
 using ide::FileKind;
 using ide::ProcKind;
 using idetest::Crlf;
+using idetest::RenderThroughLines;
 
 std::unique_ptr<ComponentFile> Parse(const std::string& bytes, FileKind kind, int codePage = 1252) {
   return ComponentFile::Parse(bytes, kind, platform::GetCodePage(codePage), "x");
@@ -34,14 +35,6 @@ int LoadError(const std::string& bytes, FileKind kind) {
     return e.Number();
   }
   return 0;
-}
-
-// Forces a save through the line writer (an edit and its undo) and returns what it writes.
-std::string RewriteUnchanged(ComponentFile& file) {
-  file.Code().InsertLines(1, "' scratch");
-  file.Code().DeleteLines(1);
-  EXPECT_TRUE(file.IsDirty());
-  return file.Render();
 }
 
 TEST(ComponentFile, HeaderIsHiddenAndDescribedAsBlocks) {
@@ -91,7 +84,7 @@ TEST(ComponentFile, FilesThatAreNotVbSourceGiveInvalidFileFormat) {
       "Const S = \"" + std::string(1 << 20, 'x') + "\"\r\nSub A()\r\nEnd Sub\r\n";
   auto file = Parse(longLine, FileKind::kModule);
   EXPECT_EQ(file->Code().CountOfDeclarationLines(), 1);
-  EXPECT_EQ(RewriteUnchanged(*file), longLine);
+  EXPECT_EQ(RenderThroughLines(*file), longLine);
 }
 
 TEST(ComponentFile, EditsRewriteOnlyTheLinesThatChanged) {
@@ -202,7 +195,7 @@ TEST(ComponentFile, UnknownHeaderContentIsKeptAndTheCodeStillFound) {
   auto c = Parse(cls, FileKind::kClass);
   EXPECT_EQ(c->Name(), "CFuture");
   EXPECT_EQ(c->Code().Lines(1, 1), "Option Explicit");
-  EXPECT_EQ(RewriteUnchanged(*c), cls);
+  EXPECT_EQ(RenderThroughLines(*c), cls);
 
   std::string frm =
       Crlf({"VERSION 6.00", "Object = \"{00000000-0000-0000-0000-000000000001}#1.0#0\"; \"X.OCX\"",
@@ -218,7 +211,7 @@ TEST(ComponentFile, UnknownHeaderContentIsKeptAndTheCodeStillFound) {
   EXPECT_EQ(f->Description()[1].type, "Vendor.Widget");
   EXPECT_EQ(f->Description()[3].parent, 2);
   EXPECT_EQ(f->Code().ProcBodyLine("Form_Load", ProcKind::kProc), 1);
-  EXPECT_EQ(RewriteUnchanged(*f), frm);
+  EXPECT_EQ(RenderThroughLines(*f), frm);
   f->SetName("frmEven");
   std::string renamed = f->Render();
   EXPECT_NE(renamed.find("Begin VB.Form frmEven \r\n"), std::string::npos);
@@ -232,7 +225,7 @@ TEST(ComponentFile, BytesTheCodePageCannotDecodeSurviveEdits) {
   std::string bytes = Crlf({"Attribute VB_Name = \"M\"", "Const A = \"\x80\xFF\"",
                             "Const B = \"\xB9\xA4\" ' \xB9", "Sub S()", "End Sub"});
   auto file = Parse(bytes, FileKind::kModule, 936);
-  EXPECT_EQ(RewriteUnchanged(*file), bytes);
+  EXPECT_EQ(RenderThroughLines(*file), bytes);
   ide::CodeModule& code = file->Code();
   std::string line = code.Lines(2, 1);
   EXPECT_EQ(line.substr(0, 15), "Const B = \"工\"");  // 0xB9 0xA4 is GBK for 工
@@ -257,14 +250,14 @@ TEST(ComponentFile, VeryLongStatementsAndLinesAreRead) {
   EXPECT_EQ(m->Code().ProcCountLines("Wide", ProcKind::kProc), 26);
   EXPECT_EQ(m->Code().ProcBodyLine("After", ProcKind::kProc), 20029);
   EXPECT_EQ(m->Code().ProcStartLine("After", ProcKind::kProc), 27);
-  EXPECT_EQ(RewriteUnchanged(*m), code);
+  EXPECT_EQ(RenderThroughLines(*m), code);
 
   std::string frm = "VERSION 5.00\r\nBegin VB.Form F \r\n   Tag             =   \"";
   frm.append(1 << 20, 'x').append("\"\r\nEnd\r\nAttribute VB_Name = \"F\"\r\n");
   auto f = Parse(frm, FileKind::kForm);
   EXPECT_EQ(f->Name(), "F");
   EXPECT_EQ(f->Code().CountOfLines(), 0);
-  EXPECT_EQ(RewriteUnchanged(*f), frm);
+  EXPECT_EQ(RenderThroughLines(*f), frm);
 }
 
 }  // namespace

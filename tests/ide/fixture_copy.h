@@ -4,8 +4,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <string>
 
+#include "ide/model/component_file.h"
 #include "support/temp_home.h"
 
 namespace idetest {
@@ -33,6 +35,25 @@ inline std::string ReadBytes(const std::filesystem::path& path) {
 inline void WriteBytes(const std::filesystem::path& path, const std::string& bytes) {
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
   out << bytes;
+}
+
+// Every file under a folder with its bytes, by path relative to the folder.
+inline std::map<std::string, std::string> Snapshot(const std::filesystem::path& dir) {
+  std::map<std::string, std::string> files;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(dir)) {
+    if (entry.is_regular_file()) {
+      files[std::filesystem::relative(entry.path(), dir).string()] = ReadBytes(entry.path());
+    }
+  }
+  return files;
+}
+
+// What saving writes once every line went through the line writer (an edit and its undo), as
+// after a real replace, instead of the bytes that were read.
+inline std::string RenderThroughLines(ide::ComponentFile& file) {
+  file.Code().InsertLines(1, "' scratch");
+  file.Code().DeleteLines(1);
+  return file.Render();
 }
 
 }  // namespace idetest

@@ -25,15 +25,8 @@ using ide::ProcKind;
 using ide::Project;
 using idetest::FixtureCopy;
 using idetest::ReadBytes;
+using idetest::Snapshot;
 using idetest::WriteBytes;
-
-std::map<std::string, std::string> Snapshot(const fs::path& dir) {
-  std::map<std::string, std::string> files;
-  for (const auto& entry : fs::recursive_directory_iterator(dir)) {
-    if (entry.is_regular_file()) files[entry.path().string()] = ReadBytes(entry.path());
-  }
-  return files;
-}
 
 TEST(Project, ReadsEveryKindOfComponentInProjectOrder) {
   FixtureCopy copy("ledger");
@@ -177,7 +170,7 @@ TEST(Project, SavingWritesOnlyWhatChanged) {
   for (const auto& [path, bytes] : after)
     changed += before.at(path) != bytes ? 1 : 0;
   EXPECT_EQ(changed, 1u);
-  EXPECT_NE(after.at(copy.Path("CAccount.cls")).find("\r\n' audited\r\n"), std::string::npos);
+  EXPECT_NE(after.at("CAccount.cls").find("\r\n' audited\r\n"), std::string::npos);
 }
 
 // A project file in LF with no final line break, other tools' sections and keys we do not know:

@@ -11,7 +11,6 @@
 
 #include "automation/error.h"
 #include "fixture_copy.h"
-#include "fixture_files.h"
 #include "ide/model/project.h"
 #include "platform/codepage.h"
 #include "support/procedure_text.h"
@@ -22,25 +21,9 @@ namespace {
 
 namespace fs = std::filesystem;
 using idetest::ReadBytes;
+using idetest::RenderThroughLines;
+using idetest::Snapshot;
 using qxtest::LineEnds;
-
-// Sends every line of the component through the line writer (an edit and its undo).
-std::string RenderThroughLines(ide::ComponentFile& file) {
-  file.Code().InsertLines(1, "' scratch");
-  file.Code().DeleteLines(1);
-  EXPECT_TRUE(file.IsDirty());
-  return file.Render();
-}
-
-std::map<std::string, std::string> Snapshot(const fs::path& dir) {
-  std::map<std::string, std::string> files;
-  for (const auto& entry : fs::recursive_directory_iterator(dir)) {
-    if (entry.is_regular_file()) {
-      files[fs::relative(entry.path(), dir).string()] = ReadBytes(entry.path());
-    }
-  }
-  return files;
-}
 
 const char* StyleName(LineEnds ends) {
   switch (ends) {
@@ -56,27 +39,6 @@ const char* StyleName(LineEnds ends) {
       break;
   }
   return "cycle";
-}
-
-TEST(RoundTrip, EveryFixtureComponentWritesBackByteForByte) {
-  int loaded = 0;
-  for (const auto& fixture : idetest::FixtureVbFiles(/*withProjects=*/false)) {
-    SCOPED_TRACE(fixture.name);
-    std::string bytes = ReadBytes(fixture.path);
-    std::unique_ptr<ide::ComponentFile> file;
-    try {
-      file = ide::ComponentFile::Parse(bytes, *fixture.kind,
-                                       platform::GetCodePage(fixture.codePage), fixture.name);
-    } catch (const automation::Error& e) {
-      // Only the broken project's files are not VB source.
-      EXPECT_NE(fixture.name.find("broken/"), std::string::npos) << e.Description();
-      continue;
-    }
-    ++loaded;
-    EXPECT_EQ(file->Render(), bytes);
-    EXPECT_EQ(RenderThroughLines(*file), bytes);
-  }
-  EXPECT_GE(loaded, 30);
 }
 
 TEST(RoundTrip, GeneratedProjectsInEveryLineEndStyleResaveByteForByte) {
