@@ -14,10 +14,10 @@
 #include <string>
 #include <vector>
 
+#include "bench/generator/project_generator.h"
 #include "ide/model/project.h"
 #include "platform/codepage.h"
 #include "support/procedure_text.h"
-#include "support/project_generator.h"
 
 namespace {
 
@@ -28,10 +28,10 @@ fs::path ScratchRoot() {
 }
 
 // One generated project per size, written once and removed at exit.
-const qxtest::GeneratedProject& ProjectOfSize(std::size_t lines) {
+const qxbench::GeneratedProject& ProjectOfSize(std::size_t lines) {
   struct Cache {
     fs::path root = ScratchRoot();
-    std::map<std::size_t, qxtest::GeneratedProject> projects;
+    std::map<std::size_t, qxbench::GeneratedProject> projects;
     ~Cache() {
       std::error_code ec;
       fs::remove_all(root, ec);
@@ -40,22 +40,22 @@ const qxtest::GeneratedProject& ProjectOfSize(std::size_t lines) {
   static Cache cache;
   auto it = cache.projects.find(lines);
   if (it == cache.projects.end()) {
-    qxtest::GeneratorOptions options;
+    qxbench::GeneratorOptions options;
     options.totalLines = lines;
-    auto generated = qxtest::GenerateProject(cache.root / std::to_string(lines), options);
+    auto generated = qxbench::GenerateProject(cache.root / std::to_string(lines), options);
     it = cache.projects.emplace(lines, generated).first;
   }
   return it->second;
 }
 
-std::unique_ptr<ide::Project> OpenAndRead(const qxtest::GeneratedProject& generated) {
+std::unique_ptr<ide::Project> OpenAndRead(const qxbench::GeneratedProject& generated) {
   auto project = ide::Project::Open(generated.vbp.string(), platform::GetCodePage(1252));
   for (std::size_t i = 0; i < project->Count(); ++i)
     project->At(i).File();
   return project;
 }
 
-void SetCounters(benchmark::State& state, const qxtest::GeneratedProject& generated) {
+void SetCounters(benchmark::State& state, const qxbench::GeneratedProject& generated) {
   state.counters["lines"] = static_cast<double>(generated.lines);
   state.counters["components"] = static_cast<double>(generated.components);
   state.counters["lines/s"] = benchmark::Counter(static_cast<double>(generated.lines),
@@ -181,12 +181,12 @@ void BM_RewriteEveryProcedure(benchmark::State& state) {
 // procedure it writes, so this grows with the square of the module's size by the driver's own
 // algorithm; the model's part is one index update per write.
 void BM_RewriteBigModule(benchmark::State& state) {
-  qxtest::GeneratorOptions options;
+  qxbench::GeneratorOptions options;
   options.totalLines = static_cast<std::size_t>(state.range(0));
   options.proceduresPerComponent = options.totalLines / 9;  // one module of about that size
-  options.ends = qxtest::LineEnds::kCrLf;
+  options.ends = qxbench::LineEnds::kCrLf;
   fs::path folder = ScratchRoot() / ("module-" + std::to_string(options.totalLines));
-  auto generated = qxtest::GenerateProject(folder, options);
+  auto generated = qxbench::GenerateProject(folder, options);
   for (auto _ : state) {
     state.PauseTiming();
     auto project = ide::Project::Open(generated.vbp.string(), platform::GetCodePage(1252));

@@ -10,11 +10,11 @@
 #include <string>
 
 #include "automation/error.h"
+#include "bench/generator/project_generator.h"
 #include "fixture_copy.h"
 #include "ide/model/project.h"
 #include "platform/codepage.h"
 #include "support/procedure_text.h"
-#include "support/project_generator.h"
 #include "support/temp_home.h"
 
 namespace {
@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 using idetest::ReadBytes;
 using idetest::RenderThroughLines;
 using idetest::Snapshot;
-using qxtest::LineEnds;
+using qxbench::LineEnds;
 
 const char* StyleName(LineEnds ends) {
   switch (ends) {
@@ -45,11 +45,11 @@ TEST(RoundTrip, GeneratedProjectsInEveryLineEndStyleResaveByteForByte) {
   for (LineEnds ends : {LineEnds::kCrLf, LineEnds::kLf, LineEnds::kCr, LineEnds::kMixed}) {
     SCOPED_TRACE(StyleName(ends));
     qxtest::TempHome home;
-    qxtest::GeneratorOptions options;
+    qxbench::GeneratorOptions options;
     options.totalLines = 600;
     options.proceduresPerComponent = 12;
     options.ends = ends;
-    auto generated = qxtest::GenerateProject(home.path() / "big", options);
+    auto generated = qxbench::GenerateProject(home.path() / "big", options);
     ASSERT_GE(generated.components, 5u);  // module, class (one with a NUL tail), form, ...
     auto before = Snapshot(home.path() / "big");
 
@@ -76,13 +76,13 @@ TEST(RoundTrip, ProceduresRewrittenThroughTheCodeModuleSaveAsExactlyExpected) {
   for (LineEnds ends : {LineEnds::kCrLf, LineEnds::kLf, LineEnds::kCr}) {
     SCOPED_TRACE(StyleName(ends));
     qxtest::TempHome home;
-    qxtest::GeneratorOptions options;
+    qxbench::GeneratorOptions options;
     options.totalLines = 400;
     options.proceduresPerComponent = 8;
     options.ends = ends;
-    auto original = qxtest::GenerateProject(home.path() / "original", options);
+    auto original = qxbench::GenerateProject(home.path() / "original", options);
     options.word = "summed";
-    auto expected = qxtest::GenerateProject(home.path() / "expected", options);
+    auto expected = qxbench::GenerateProject(home.path() / "expected", options);
     auto untouched = Snapshot(home.path() / "original");
     fs::create_directory(home.path() / "saved");
 
@@ -113,11 +113,11 @@ TEST(RoundTrip, ProceduresRewrittenThroughTheCodeModuleSaveAsExactlyExpected) {
 // mixed: the rewritten lines are new and take the file's most common line end.
 TEST(RoundTrip, TextWrittenBackUnchangedOnlyEvensOutMixedLineEnds) {
   qxtest::TempHome home;
-  qxtest::GeneratorOptions options;
+  qxbench::GeneratorOptions options;
   options.totalLines = 1;
   options.proceduresPerComponent = 6;
   options.ends = LineEnds::kMixed;
-  auto generated = qxtest::GenerateProject(home.path() / "mixed", options);
+  auto generated = qxbench::GenerateProject(home.path() / "mixed", options);
   auto project = ide::Project::Open(generated.vbp.string(), platform::GetCodePage(1252));
   ide::Component& module = project->At(0);
   std::string before = ReadBytes(module.FileName());

@@ -16,7 +16,7 @@
 #include <fstream>
 #include <string>
 
-namespace qxtest {
+namespace qxbench {
 
 enum class LineEnds {
   kCycle,  // each component the next of CR LF, LF, lone CR, mixed
@@ -194,4 +194,4 @@ inline GeneratedProject GenerateProject(const std::filesystem::path& folder,
   return result;
 }
 
-}  // namespace qxtest
+}  // namespace qxbench
