@@ -9,5 +9,11 @@ case "$kind" in
   *) echo "usage: scripts/build.sh [plain|sanitize]" >&2; exit 2 ;;
 esac
 bash "$here/scripts/install-deps.sh"
+# ccache keeps compiled objects between builds and between clones of the repository: paths are
+# made relative to the clone, so a second clone of the same sources builds from the cache.
+if command -v ccache >/dev/null; then
+  extra+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+  export CCACHE_BASEDIR="$here" CCACHE_NOHASHDIR=1
+fi
 cmake -S "$here" -B "$dir" -G Ninja -DQX_WERROR=ON "${extra[@]}" >/dev/null
 cmake --build "$dir" -j"$(nproc)"
