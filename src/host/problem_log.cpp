@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "automation/error.h"
+#include "host/problem_log_link.h"
 
 namespace host {
 namespace {
@@ -84,7 +85,24 @@ void ProblemLog::CloseContext(int32_t cookie) {
 void ProblemLog::Record(std::shared_ptr<Problem> problem, std::string siteName) {
   problem->SetSiteName(std::move(siteName));
   problem->SetContext(contexts_.empty() ? std::string() : contexts_.back().site);
-  problems_.push_back(std::move(problem));
+  problems_.push_back(problem);
+  Forward(*problem);
+}
+
+void ProblemLog::Forward(const Problem& problem) const {
+  const auto owner = Owner();
+  if (!owner) return;
+  const automation::ObjectRef target = ProblemLogLink::ForwardTarget(*owner);
+  if (!target || target.get() == this) return;
+  // The linked log is called by name, as it lives in the host's process. Forwarding is best
+  // effort: the problem stays recorded here when the host's log cannot be reached.
+  try {
+    automation::Dispatch(target).Call("ReportRuntimeError", problem.Number(), problem.Description(),
+                                      problem.HelpFile(), problem.HelpContext(),
+                                      problem.ProjectName(), problem.ClassName(),
+                                      problem.ProcName(), problem.Line());
+  } catch (...) {
+  }
 }
 
 }  // namespace host

@@ -6,6 +6,8 @@
 // (the eight fields directly). Contexts bracket the work of an entry point: OpenContext gives a
 // cookie, CloseContext ends the context, and every problem that arrives in between is tagged
 // with the most recent context still open. qx reads the problems back with Count and Item.
+// A problem recorded while a ProblemLogLink of the log's process holds another log is reported
+// into that log too (see problem_log_link.h).
 
 #include <cstdint>
 #include <memory>
@@ -54,6 +56,8 @@ class ProblemLog : public automation::Object {
   };
 
   void Record(std::shared_ptr<Problem> problem, std::string siteName);
+  // Reports the problem into the log that a ProblemLogLink of this log's process links to.
+  void Forward(const Problem& problem) const;
 
   std::vector<std::shared_ptr<Problem>> problems_;
   std::vector<OpenedContext> contexts_;  // the open contexts, the most recent last

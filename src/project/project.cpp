@@ -1,7 +1,5 @@
 #include "project/project.h"
 
-#include <cstdio>
-
 #include "contracts/host_classes.h"
 #include "foundation/globals.h"
 #include "foundation/operation.h"
@@ -62,13 +60,8 @@ bool IsReadOnly(const std::string& file) {
   return (platform::GetAttr(file) & platform::kAttrReadOnly) != 0;
 }
 
-// "yyyymmddhhnnss" of the file's last-modified time, local time.
 std::string VersionOf(const std::string& file) {
-  const platform::LocalTime t = platform::FileDateTime(file);
-  char text[32];
-  std::snprintf(text, sizeof text, "%04d%02d%02d%02d%02d%02d", t.year, t.month, t.day, t.hour,
-                t.minute, t.second);
-  return text;
+  return VersionText(platform::FileDateTime(file));
 }
 
 // A component file named relative to the project folder, or an absolute one, as a full path.

@@ -1,6 +1,6 @@
 #include "project/utility.h"
 
-#include <optional>
+#include <cstdio>
 #include <vector>
 
 #include "contracts/host_classes.h"
@@ -62,6 +62,13 @@ std::string FindFile(const std::string& folder, const std::string& fileName, int
     if (!result.empty()) return result;
   }
   return {};
+}
+
+std::string VersionText(const platform::LocalTime& t) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%04d%02d%02d%02d%02d%02d", t.year, t.month, t.day, t.hour,
+                t.minute, t.second);
+  return text;
 }
 
 }  // namespace project

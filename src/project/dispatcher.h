@@ -1,0 +1,78 @@
+#pragma once
+// Dispatcher: the host's access to one project that the IDE loaded from a file. The add-in makes
+// one per such project inside the IDE's process and registers it under the project file's path;
+// the host-side Project finds it there and calls it across the process boundary. It lists the
+// project's components of each kind as an enumeration string and builds the component objects
+// that the host then works with.
+//
+// The enumeration string: entries joined by CR LF, each of seven tab-separated fields: name,
+// bitmap code, version ("yyyymmddhhnnss" of the file's last-modified time, or empty), whether
+// the file's time could be read ("1"/"0"), whether the file is writable ("1"/"0"), "1", "0".
+
+#include <string>
+
+#include "automation/object.h"
+
+namespace project {
+
+class Dispatcher : public automation::Object {
+ public:
+  static constexpr const char* kProgId = "qxvb60.Dispatcher";
+
+  const automation::ClassInfo& Class() const override;
+
+  // Keeps the add-in that made it and the IDE project; creates the link to the host's log.
+  void Initialize(automation::ObjectRef& parent, automation::ObjectRef& vbProject);
+  // Releases the add-in, the IDE project and the link, then finishes the process's trace.
+  void TearDown();
+  // Hands the host's problem log to the link, so that problems found here reach the host.
+  void Initialize2(automation::ObjectRef& problemLog);
+  automation::ObjectRef VBProject();
+
+  std::string EnumClassModules();
+  std::string EnumDesigners();
+  std::string EnumDHTMLPages();
+  std::string EnumForms();
+  std::string EnumModules();
+  std::string EnumPropertyPages();
+  std::string EnumUserConnections();
+  std::string EnumUserControls();
+  std::string EnumUserDocuments();
+
+  automation::ObjectRef GetClassModule(automation::ObjectRef& project,
+                                       const std::string& objectName);
+  automation::ObjectRef GetDesigner(automation::ObjectRef& project, const std::string& objectName);
+  automation::ObjectRef GetDHTMLPage(automation::ObjectRef& project, const std::string& objectName);
+  automation::ObjectRef GetForm(automation::ObjectRef& project, const std::string& objectName);
+  automation::ObjectRef GetModule(automation::ObjectRef& project, const std::string& objectName);
+  automation::ObjectRef GetPropertyPage(automation::ObjectRef& project,
+                                        const std::string& objectName);
+  automation::ObjectRef GetUserConnection(automation::ObjectRef& project,
+                                          const std::string& objectName);
+  automation::ObjectRef GetUserControl(automation::ObjectRef& project,
+                                       const std::string& objectName);
+  automation::ObjectRef GetUserDocument(automation::ObjectRef& project,
+                                        const std::string& objectName);
+
+  // What the enumeration string says of one component file.
+  struct FileInfo {
+    std::string version;  // empty when the file's time could not be read
+    bool flag = false;    // the file's time could be read
+    bool writable = false;
+  };
+
+  // One kind of component: what selects it among the IDE's components, its bitmap code, its
+  // operations and its component class.
+  struct Kind;
+
+ private:
+  FileInfo GetFileInfo(const std::string& file);
+  std::string Enumerate(const Kind& kind);
+  automation::ObjectRef Build(const Kind& kind, const std::string& objectName);
+
+  automation::ObjectRef parent_;     // the Connection that made this dispatcher
+  automation::ObjectRef vbProject_;  // the IDE's project
+  automation::ObjectRef link_;       // the ProblemLogLink
+};
+
+}  // namespace project
