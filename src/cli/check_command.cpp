@@ -1,10 +1,9 @@
-#include <ostream>
-#include <regex>
+#include <optional>
+#include <string_view>
 
 #include "cli/commands.h"
-#include "cli/report.h"
 #include "cli/session.h"
-#include "contracts/driver_interfaces.h"
+#include "platform/casefold.h"
 #include "platform/home.h"
 #include "project/ide_settings.h"
 #include "project/project_file_check.h"
@@ -12,23 +11,65 @@
 namespace cli {
 namespace {
 
+std::string_view Trim(std::string_view text) {
+  const size_t first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+bool IsIdentifierChar(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F') || c == '-';
+}
+
+// The library identifier ("{...}") of the Object= or Reference= line that the check's message
+// quotes after "Line N: ", if that is the kind of line it quotes. Read in one pass: the line can
+// be as long as the project file allows.
+std::optional<std::string> MissingLibrary(std::string_view message) {
+  static constexpr std::string_view kLine = "\r\nLine ";
+  const size_t at = message.find(kLine);
+  if (at == std::string_view::npos) return std::nullopt;
+  std::string_view rest = message.substr(at + kLine.size());
+  const size_t digits = rest.find_first_not_of("0123456789");
+  if (digits == 0 || digits == std::string_view::npos || rest.substr(digits, 2) != ": ") {
+    return std::nullopt;
+  }
+  rest = rest.substr(digits + 2);
+  const std::string_view line = rest.substr(0, rest.find_first_of("\r\n"));
+  const size_t equals = line.find('=');
+  if (equals == std::string_view::npos) return std::nullopt;
+  const std::string_view key = Trim(line.substr(0, equals));
+  if (!platform::EqualsNoCase(key, "object") && !platform::EqualsNoCase(key, "reference")) {
+    return std::nullopt;
+  }
+  // The check drops every blank of the value before it looks for the identifier.
+  std::string identifier;
+  const std::string_view value = line.substr(equals + 1);
+  const size_t brace = value.find('{');
+  if (brace == std::string_view::npos) return std::nullopt;
+  for (char c : value.substr(brace)) {
+    if (c == ' ') continue;
+    identifier += c;
+    if (c == '}') return identifier.size() > 2 ? std::optional(identifier) : std::nullopt;
+    if (c != '{' && !IsIdentifierChar(c)) return std::nullopt;
+  }
+  return std::nullopt;
+}
+
 // When the missing piece is a type library or control library named by its identifier, tells
 // the user how to register it with qx's stand-in registry.
 std::string RegistrationHint(const std::string& message) {
-  static const std::regex library(R"(Line \d+: *(object|reference) *=[^{]*(\{[0-9A-Fa-f-]+\}))",
-                                  std::regex::icase);
-  std::smatch match;
-  if (!std::regex_search(message, match, library)) return {};
+  const std::optional<std::string> identifier = MissingLibrary(message);
+  if (!identifier) return {};
   const std::string registry = (platform::QxHome() / "registry.reg").string();
   return "\r\n\r\nIf the library is installed on the machine that builds the project, register "
          "its type library with qx by adding this key to " +
-         registry + ":\r\n\r\n[HKEY_CLASSES_ROOT\\TypeLib\\" + match[2].str() +
+         registry + ":\r\n\r\n[HKEY_CLASSES_ROOT\\TypeLib\\" + *identifier +
          "]\r\n@=\"<description of the library>\"";
 }
 
 }  // namespace
 
-int RunCheck(const CheckOptions& options, std::ostream& out, std::ostream& err) {
+int RunCheck(const CheckOptions& options, Printer& printer) {
   try {
     Session session;
     // Opening the project checks that the file exists, with the driver's own message.
@@ -40,10 +81,10 @@ int RunCheck(const CheckOptions& options, std::ostream& out, std::ostream& err) 
       throw automation::Error(e.Number(), e.Source(),
                               e.Description() + RegistrationHint(e.Description()));
     }
-    out << "OK\n";
+    printer.Summary({});
     return kExitMatch;
   } catch (const automation::Error& e) {
-    PrintError(err, e);
+    printer.Error(e);
     return kExitError;
   }
 }

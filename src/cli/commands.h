@@ -1,25 +1,31 @@
 #pragma once
-// The verbs of qx.
+// The verbs of qx. Each prints through the run's printer and returns the exit status.
 
-#include <iosfwd>
 #include <string>
 
+#include "cli/printer.h"
+
 namespace cli {
+
+// Exit statuses, as grep-like tools use them.
+inline constexpr int kExitMatch = 0;
+inline constexpr int kExitNoMatch = 1;
+inline constexpr int kExitError = 2;
 
 struct ListOptions {
   std::string projectFile;
   bool raw = false;
 };
 
-// Lists the project's components per collection; --raw prints each collection's enumeration
-// string exactly as the driver returns it.
-int RunList(const ListOptions& options, std::ostream& out, std::ostream& err);
+// Lists the project's components per collection; with raw, each collection's enumeration string
+// exactly as the driver returns it.
+int RunList(const ListOptions& options, Printer& printer);
 
 struct CheckOptions {
   std::string projectFile;
 };
 
 // Runs the checks the driver makes before it opens a project in the IDE.
-int RunCheck(const CheckOptions& options, std::ostream& out, std::ostream& err);
+int RunCheck(const CheckOptions& options, Printer& printer);
 
 }  // namespace cli

@@ -1,22 +1,51 @@
 // qx: search and replace in Visual Basic 6 projects.
 
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <iostream>
 
 #include "automation/error.h"
 #include "cli/commands.h"
-#include "cli/report.h"
+#include "cli/terminal.h"
 #include "platform/codepage.h"
+
+namespace {
+
+// A command line that qx cannot take: the parser's message, or the verb it does not know, and
+// the error status like every other error.
+int UsageError(const CLI::App& app, const CLI::ParseError& error, bool terminal) {
+  std::string message = error.what();
+  if (app.get_subcommands().empty()) {
+    std::string verbs;
+    for (const CLI::App* verb : app.get_subcommands({}))
+      verbs += (verbs.empty() ? "" : ", ") + verb->get_name();
+    const std::vector<std::string> rest = app.remaining();
+    if (!rest.empty() && !rest.front().empty() && rest.front().front() != '-') {
+      message = "unknown verb \"" + rest.front() + "\"; the verbs are " + verbs;
+    } else if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
+      message = "a verb is required: one of " + verbs;
+    }
+  }
+  std::cerr << "qx: " << (terminal ? cli::EscapeControls(message) : message)
+            << "\nRun 'qx --help' for more information.\n";
+  return cli::kExitError;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   CLI::App app{"qx: search and replace in Visual Basic 6 projects, in code, forms and controls."};
   app.require_subcommand(1);
   bool trace = false;
+  bool json = false;
   int codePage = 0;
   app.add_flag("--trace", trace, "Write the driver's call trace to standard error");
   app.add_option("--codepage", codePage,
                  "ANSI code page of the project's files (default 1252, or QX_CODEPAGE)");
+  constexpr const char* kJsonHelp =
+      "Print JSON lines for tools (problems and errors included) instead of text";
 
   cli::ListOptions list;
   CLI::App* listCommand = app.add_subcommand("list", "List the components of a project");
@@ -24,22 +53,33 @@ int main(int argc, char** argv) {
   listCommand->add_flag("--raw", list.raw,
                         "Print each collection's enumeration string exactly as the driver "
                         "returns it");
+  listCommand->add_flag("--json", json, kJsonHelp);
 
   cli::CheckOptions check;
   CLI::App* checkCommand = app.add_subcommand(
       "check", "Check that the IDE's settings and every file the project names are in order");
   checkCommand->add_option("PROJECT", check.projectFile, "The project file (.vbp)")->required();
+  checkCommand->add_flag("--json", json, kJsonHelp);
 
-  CLI11_PARSE(app, argc, argv);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    // --help is no error: the parser prints the help and says 0.
+    if (e.get_exit_code() == 0) return app.exit(e);
+    return UsageError(app, e, ::isatty(STDERR_FILENO) == 1);
+  }
 
+  const cli::Terminals terminals{::isatty(STDOUT_FILENO) == 1, ::isatty(STDERR_FILENO) == 1};
+  const std::unique_ptr<cli::Printer> printer = cli::MakePrinter(
+      json ? cli::Format::Json : cli::Format::Text, std::cout, std::cerr, terminals);
   if (trace) ::setenv("QX_TRACE", "1", 1);
   try {
     if (codePage != 0) platform::SetCurrentCodePage(codePage);
   } catch (const automation::Error& e) {
-    cli::PrintError(std::cerr, e);
+    printer->Error(e);
     return cli::kExitError;
   }
-  if (listCommand->parsed()) return cli::RunList(list, std::cout, std::cerr);
-  if (checkCommand->parsed()) return cli::RunCheck(check, std::cout, std::cerr);
+  if (listCommand->parsed()) return cli::RunList(list, *printer);
+  if (checkCommand->parsed()) return cli::RunCheck(check, *printer);
   return cli::kExitError;
 }

@@ -50,14 +50,13 @@ automation::ObjectRef Session::OpenProject(const std::string& projectFile) {
   return project;
 }
 
-std::vector<std::string> Session::Problems() const {
-  std::vector<std::string> problems;
+std::vector<Problem> Session::Problems() const {
+  std::vector<Problem> problems;
   const Dispatch log(problemLog_);
   const int32_t count = log.Get("Count").ToLong();
   for (int32_t i = 1; i <= count; ++i) {
     const Dispatch problem(log.Call("Item", i).ToObject());
-    problems.push_back(std::to_string(problem.Get("Number").ToLong()) + ": " +
-                       problem.Get("Description").ToString());
+    problems.push_back({problem.Get("Number").ToLong(), problem.Get("Description").ToString()});
   }
   return problems;
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "automation/object.h"
+#include "cli/results.h"
 
 namespace cli {
 
@@ -25,7 +26,7 @@ class Session {
   automation::ObjectRef OpenProject(const std::string& projectFile);
 
   // The problems that the driver reported into the log instead of failing a call.
-  std::vector<std::string> Problems() const;
+  std::vector<Problem> Problems() const;
 
  private:
   automation::ObjectRef driver_;

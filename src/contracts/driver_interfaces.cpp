@@ -26,4 +26,12 @@ void IDriver::Initialize(ObjectRef& problemLog) const {
   problemLog = args[0].ToObject();
 }
 
+void ProjectObject::GetObjectInfo(const std::string& className, const std::string& objectName,
+                                  std::string& version, bool& isUpdatable) const {
+  automation::Args args{className, objectName, version, isUpdatable};
+  d_.CallArgs("GetObjectInfo", args);
+  version = args[2].ToString();
+  isUpdatable = args[3].ToBool();
+}
+
 }  // namespace contracts

@@ -1,6 +1,7 @@
 #pragma once
-// The four interfaces of the host's type library that the driver implements, as the host calls
-// them: by name, through the interface, so a proxy can stand in for the object.
+// The four interfaces of the host's type library that the driver implements, and the members of
+// the driver's Project that a host reads beside them, as the host calls them: by name, so a proxy
+// can stand in for the object.
 
 #include <cstdint>
 #include <string>
@@ -45,6 +46,24 @@ class IProject {
   std::string EnumCommands() const { return d_.Call("EnumCommands").ToString(); }
   void ExecuteCommand(int32_t index) const { d_.Call("ExecuteCommand", index); }
   const ObjectRef& object() const { return d_.object(); }
+
+ private:
+  automation::Dispatch d_;
+};
+
+// The driver's Project through its default interface (`_Project`): what a host reads of the
+// project file itself, without the IDE.
+class ProjectObject {
+ public:
+  explicit ProjectObject(ObjectRef object) : d_(std::move(object)) {}
+
+  std::string EnumObjects(const std::string& className, int32_t bitmapId) const {
+    return d_.Call("EnumObjects", className, bitmapId).ToString();
+  }
+  // Version and IsUpdatable are in/out: when the kind has no line in the project file they keep
+  // the values passed in.
+  void GetObjectInfo(const std::string& className, const std::string& objectName,
+                     std::string& version, bool& isUpdatable) const;
 
  private:
   automation::Dispatch d_;

@@ -1,0 +1,54 @@
+#pragma once
+// How qx prints: one interface for every verb, as text for people or as JSON lines for tools,
+// chosen once per run. Text goes to standard output, problems and errors to standard error;
+// JSON puts every record, problems and errors included, on standard output, one object a line
+// with its "type". To a terminal, control characters from project files are shown as escapes.
+
+#include <iosfwd>
+#include <memory>
+#include <string_view>
+
+#include "automation/error.h"
+#include "cli/results.h"
+
+namespace cli {
+
+enum class Format { Text, Json };
+
+// Which of the two streams are terminals (isatty).
+struct Terminals {
+  bool out = false;
+  bool err = false;
+};
+
+class Printer {
+ public:
+  virtual ~Printer() = default;
+
+  // One collection's enumeration string, exactly as the driver returned it.
+  virtual void Enumeration(std::string_view collection, std::string_view text) = 0;
+  // One collection with its components.
+  virtual void Collection(const CollectionListing& listing) = 0;
+  virtual void Problem(const cli::Problem& problem) = 0;
+  virtual void Summary(const cli::Summary& summary) = 0;
+  // The error that stopped the run.
+  virtual void Error(const automation::Error& error) = 0;
+};
+
+std::unique_ptr<Printer> MakeTextPrinter(std::ostream& out, std::ostream& err, Terminals terminals);
+std::unique_ptr<Printer> MakeJsonPrinter(std::ostream& out, Terminals terminals);
+
+inline std::unique_ptr<Printer> MakePrinter(Format format, std::ostream& out, std::ostream& err,
+                                            Terminals terminals) {
+  if (format == Format::Json) return MakeJsonPrinter(out, terminals);
+  return MakeTextPrinter(out, err, terminals);
+}
+
+// "20261123091244" as "2026-11-23 09:12:44" (with 'T' between date and time for ISO 8601);
+// anything else as it is.
+std::string ShowVersion(const std::string& version, char separator = ' ');
+
+// The words for a file state: "writable", "read-only", "missing", "read-only or missing".
+std::string_view StateText(FileState state);
+
+}  // namespace cli

@@ -1,0 +1,43 @@
+#pragma once
+// What the verbs of qx find, as records: the printer shows them as text or JSON.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+// What can be done with a component's file.
+enum class FileState {
+  Writable,
+  ReadOnly,
+  Missing,
+  // The listing said "not writable" and nothing could tell which of the two it is.
+  ReadOnlyOrMissing,
+};
+
+struct Component {
+  std::string name;     // empty when nothing names the component
+  std::string version;  // the file's last change, "yyyymmddhhnnss"; empty when unknown
+  FileState state = FileState::Missing;
+  std::vector<std::string> problems;  // what is wrong with it, in words
+};
+
+struct CollectionListing {
+  std::string name;                   // "Forms"
+  std::vector<Component> components;  // in the project's order
+};
+
+// Something wrong that did not stop the run.
+struct Problem {
+  std::optional<int32_t> number;  // the driver's error number; none for qx's own findings
+  std::string description;
+};
+
+// How a run that went through ended.
+struct Summary {
+  std::optional<size_t> components;  // how many components were listed
+};
+
+}  // namespace cli
