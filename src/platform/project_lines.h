@@ -32,9 +32,9 @@ bool HoldsBinaryData(std::string_view bytes);
 void RequireProjectText(std::string_view bytes, std::string_view fileName);
 
 struct ProjectLine {
-  bool hasKey = false;         // the line holds "="
-  std::string_view key;        // blanks around it removed
-  std::string_view value;      // blanks around it removed
+  bool hasKey = false;          // the line holds "="
+  std::string_view key;         // blanks around it removed
+  std::string_view value;       // blanks around it removed
   std::size_t valueOffset = 0;  // where the value begins in the line
 };
 

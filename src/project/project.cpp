@@ -79,7 +79,16 @@ std::string Resolve(const std::string& folder, const std::string& file) {
   return absolute ? file : folder + file;
 }
 
+CollectionFactory& Factory() {
+  static CollectionFactory factory;
+  return factory;
+}
+
 }  // namespace
+
+void SetCollectionFactory(CollectionFactory factory) {
+  Factory() = std::move(factory);
+}
 
 const automation::ClassInfo& Project::Class() const {
   static const automation::ClassInfo info =
@@ -351,7 +360,8 @@ void Project::InitCollections() {
     if (collections_) return;
     const contracts::KeyedList list = contracts::KeyedList::New();
     for (const char* key : kCollectionKeys) {
-      const ObjectRef collection = automation::CreateObject(std::string("qxvb60.") + key);
+      if (!Factory()) automation::Raise(automation::err::kCantCreateObject, std::string(key));
+      const ObjectRef collection = Factory()(key);
       Dispatch(collection).Call("Initialize", shared_from_this());
       list.Add(collection, key);
     }

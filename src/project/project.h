@@ -4,8 +4,10 @@
 // the connection to the IDE's dispatcher once one is needed.
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -13,6 +15,12 @@
 #include "platform/files.h"
 
 namespace project {
+
+// Makes the collection of that key ("Forms") for a project. The collections' layer sets it when
+// the driver loads: the collections are the component's own classes, made without the public
+// class registry.
+using CollectionFactory = std::function<automation::ObjectRef(std::string_view key)>;
+void SetCollectionFactory(CollectionFactory factory);
 
 class Project : public automation::Object {
  public:

@@ -105,7 +105,8 @@ void CheckProjectFile(const std::string& projectFile) {
       foundation::RaiseUserError(
           "One of the components used in the project (or referenced by the project) is "
           "missing. The component is referenced on line " +
-          number + " of the Visual Basic Project (VBP) file.\r\nLine " + number + ": " + reader.Text());
+          number + " of the Visual Basic Project (VBP) file.\r\nLine " + number + ": " +
+          reader.Text());
     }
   }
 }
