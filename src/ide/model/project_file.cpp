@@ -63,13 +63,13 @@ std::unique_ptr<ProjectFile> ProjectFile::Parse(std::string bytes,
 
   bool mainSection = true;
   for (std::size_t i = 0; i < file->lines_.size(); ++i) {
-    const std::string_view text = file->lines_[i].text;
-    const std::string_view trimmed = TrimBlanks(text);
+    const std::string_view lineText = file->lines_[i].text;
+    const std::string_view trimmed = TrimBlanks(lineText);
     if (!trimmed.empty() && trimmed.front() == '[') {
       mainSection = false;  // a tool's section: its keys are that tool's business
       continue;
     }
-    const platform::ProjectLine line = platform::SplitProjectLine(text);
+    const platform::ProjectLine line = platform::SplitProjectLine(lineText);
     if (!mainSection || !line.hasKey) continue;
     if (EqualsAsciiNoCase(line.key, "Name")) {
       file->name_ = Unquote(line.value);
