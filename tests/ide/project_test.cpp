@@ -271,7 +271,7 @@ TEST(Project, ProjectLinesReadAsTheDriverReadsThem) {
       ReadBytes(copy.Path("Lines.vbp")),
       "\xEF\xBB\xBFModule=Tools; m.Bas\r\nModule=Util;\t\"ModUtil.BAS\"\r\nName=\"Lines\"\r\n");
   // A binary file is not a project file.
-  WriteBytes(copy.Path("Binary.vbp"), std::string("Type=Exe\r\n\0\x01\x02\r\nName=\"B\"\r\n", 26));
+  WriteBytes(copy.Path("Binary.vbp"), std::string("Type=Exe\r\n\0\x01\x02\r\nName=\"B\"\r\n", 25));
   EXPECT_EQ(ErrorOf([&] { Project::Open(copy.Path("Binary.vbp")); }), 321);
 }
 
