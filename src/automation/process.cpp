@@ -1,5 +1,6 @@
 #include "automation/process.h"
 
+#include <atomic>
 #include <utility>
 
 namespace automation {
@@ -12,7 +13,13 @@ std::shared_ptr<Process> Process::Create(std::string name) {
 }
 
 Process& Process::Current() {
-  return *CurrentRef();
+  if (!current) current = Create("main");
+  return *current;
+}
+
+std::size_t Process::NextSlot() {
+  static std::atomic<std::size_t> next{0};
+  return next++;
 }
 
 std::shared_ptr<Process> Process::CurrentRef() {
@@ -33,7 +40,9 @@ void Process::End() {
   // Move the values out first: their destructors may look at this process.
   auto values = std::move(values_);
   values_.clear();
-  values.clear();
+  // Later slots were made by higher layers: release them first.
+  while (!values.empty())
+    values.pop_back();
 }
 
 }  // namespace automation

@@ -4,11 +4,10 @@
 // keeps its process-wide values (current problem log, trace flag, caches) in a struct of its own
 // that the context creates on first use, so the runtime needs to know nothing about them.
 
-#include <any>
+#include <cstddef>
 #include <memory>
 #include <string>
-#include <typeindex>
-#include <unordered_map>
+#include <vector>
 
 namespace automation {
 
@@ -34,12 +33,15 @@ class Process : public std::enable_shared_from_this<Process> {
 
   const std::string& Name() const { return name_; }
 
-  // The process-wide values of type T, default-constructed on first use.
+  // The process-wide values of type T, default-constructed on first use. Each type has a fixed
+  // slot, so that reaching the values (a flag tested on every traced call) costs an index.
   template <class T>
   T& Values() {
-    auto& slot = values_[std::type_index(typeid(T))];
-    if (!slot.has_value()) slot = std::make_shared<T>();
-    return *std::any_cast<std::shared_ptr<T>&>(slot);
+    static const std::size_t slot = NextSlot();
+    if (slot >= values_.size()) values_.resize(slot + 1);
+    std::shared_ptr<void>& value = values_[slot];
+    if (!value) value = std::make_shared<T>();
+    return *static_cast<T*>(value.get());
   }
 
   // Ends the process: its values are released (breaking their references) and every later call
@@ -49,10 +51,11 @@ class Process : public std::enable_shared_from_this<Process> {
 
  private:
   explicit Process(std::string name) : name_(std::move(name)) {}
+  static std::size_t NextSlot();
 
   std::string name_;
   bool ended_ = false;
-  std::unordered_map<std::type_index, std::any> values_;
+  std::vector<std::shared_ptr<void>> values_;  // by slot
 };
 
 }  // namespace automation

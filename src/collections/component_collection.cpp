@@ -109,10 +109,12 @@ void ComponentCollection::ICollection_ExecuteObjectCommand(const std::string& ob
 }
 
 void RegisterCollectionClasses() {
-  for (const CollectionKind& kind : CollectionKinds()) {
-    automation::RegisterClass("qxvb60." + std::string(kind.className),
-                              [&kind] { return std::make_shared<ComponentCollection>(kind); });
-  }
+  project::SetCollectionFactory([](std::string_view key) -> ObjectRef {
+    for (const CollectionKind& kind : CollectionKinds()) {
+      if (kind.className == key) return std::make_shared<ComponentCollection>(kind);
+    }
+    automation::Raise(automation::err::kCantCreateObject, std::string(key));
+  });
 }
 
 }  // namespace collections

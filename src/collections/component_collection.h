@@ -33,7 +33,7 @@ class ComponentCollection : public automation::Object {
   std::shared_ptr<project::Project> parent_;
 };
 
-// Registers the nine collection classes ("qxvb60.Forms", ...).
+// Lets projects make the nine collections (they are not creatable from outside).
 void RegisterCollectionClasses();
 
 }  // namespace collections

@@ -7,7 +7,9 @@
 //
 // With tracing on, a probe reports the entry before the body and the exit after the failure
 // path. A failure of the body goes to Promote, which raises it to the caller with a trail line,
-// or logs it (entry points), after which the operation returns a default result.
+// or logs it (entry points), after which the operation returns a default result. An entry point
+// whose result must survive a logged failure uses OperationSettingResult, whose body sets the
+// result as it goes: what it had set when it failed is what the operation returns.
 // OperationWithUndo runs undo steps, with their failures ignored, between SaveError and
 // ReportSavedError.
 
@@ -51,6 +53,19 @@ auto Operation(std::string_view className, std::string_view operationName, Body&
     Promote(automation::CurrentError(), className, operationName);
     if constexpr (!std::is_void_v<Result>) return Result{};
   }
+}
+
+template <class Result, class Body>
+Result OperationSettingResult(std::string_view className, std::string_view operationName,
+                              Body&& body) {
+  TraceScope trace(className, operationName);
+  Result result{};
+  try {
+    body(result);
+  } catch (...) {
+    Promote(automation::CurrentError(), className, operationName);
+  }
+  return result;
 }
 
 template <class Body, class Undo>

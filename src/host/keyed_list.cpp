@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "automation/error.h"
-#include "platform/casefold.h"
 
 namespace host {
 
@@ -23,7 +22,7 @@ const automation::ClassInfo& KeyedList::Class() const {
 }
 
 void KeyedList::Add(const Variant& item, const std::string& key) {
-  auto [it, added] = byKey_.try_emplace(platform::FoldCase(key), entries_.size());
+  auto [it, added] = byKey_.try_emplace(key, entries_.size());
   if (!added) automation::Raise(automation::err::kDuplicateKey, key);
   try {
     entries_.push_back(Entry{item, key});
@@ -35,7 +34,7 @@ void KeyedList::Add(const Variant& item, const std::string& key) {
 
 int32_t KeyedList::Find(const Variant& keyOrPosition) const {
   if (keyOrPosition.IsString()) {
-    auto it = byKey_.find(platform::FoldCase(keyOrPosition.ToString()));
+    auto it = byKey_.find(keyOrPosition.ToString());
     return it == byKey_.end() ? 0 : static_cast<int32_t>(it->second + 1);
   }
   if (!keyOrPosition.IsNumeric()) automation::Raise(automation::err::kTypeMismatch);
@@ -66,16 +65,13 @@ std::string KeyedList::Key(int32_t locator) const {
 
 void KeyedList::Rekey(int32_t locator, const std::string& newKey) {
   const size_t index = IndexOf(locator);
-  std::string folded = platform::FoldCase(newKey);
-  auto it = byKey_.find(folded);
+  auto it = byKey_.find(newKey);
   if (it != byKey_.end()) {
     if (it->second != index) automation::Raise(automation::err::kDuplicateKey, newKey);
-    entries_[index].key = newKey;  // the same key in another letter case
-    return;
+    return;  // the key it has
   }
-  const std::string oldFolded = platform::FoldCase(entries_[index].key);
-  byKey_.emplace(std::move(folded), index);
-  byKey_.erase(oldFolded);
+  byKey_.emplace(newKey, index);
+  byKey_.erase(entries_[index].key);
   entries_[index].key = newKey;
 }
 

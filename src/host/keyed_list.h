@@ -3,8 +3,9 @@
 //
 // An item is reached through a locator: Find gives the locator of a key or of a 0-based
 // position, and ItemAt, Key and Rekey take it. The locator of position p is p + 1, so 0 always
-// means "not there". Keys compare without regard to letter case, as VB's Collection does, and
-// each key is unique. Look-up by key is a hash look-up of the folded key.
+// means "not there". Keys are strings compared exactly, letter case included (the driver keys
+// its projects by the host's parameter text as given), and each key is unique. Look-up by key
+// is a hash look-up.
 
 #include <cstdint>
 #include <string>
@@ -43,7 +44,7 @@ class KeyedList : public automation::Object {
   size_t IndexOf(int32_t locator) const;
 
   std::vector<Entry> entries_;
-  std::unordered_map<std::string, size_t> byKey_;  // folded key -> index into entries_
+  std::unordered_map<std::string, size_t> byKey_;  // key -> index into entries_
 };
 
 }  // namespace host

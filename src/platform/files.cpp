@@ -159,6 +159,13 @@ LocalTime FileDateTime(std::string_view path) {
   return {tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, tm.tm_hour, tm.tm_min, tm.tm_sec};
 }
 
+std::optional<FileStamp> StampOf(std::string_view path) {
+  struct stat st;
+  if (path.empty() || !StatPath(ToNative(path), st) || !S_ISREG(st.st_mode)) return std::nullopt;
+  return FileStamp{static_cast<int64_t>(st.st_size),
+                   static_cast<int64_t>(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec};
+}
+
 std::string ReadFile(std::string_view path) {
   const fs::path native = ToNative(path);
   if (path.empty()) automation::Raise(err::kFileNotFound, path);

@@ -4,6 +4,7 @@
 // error, 61 disk full.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +32,17 @@ struct LocalTime {
 
 // Last-modified time in local time. Raises 53 when the path does not exist.
 LocalTime FileDateTime(std::string_view path);
+
+// What tells one version of a file from another without reading it: its size and its
+// last-modified time to the nanosecond.
+struct FileStamp {
+  int64_t size = 0;
+  int64_t modifiedNs = 0;
+  bool operator==(const FileStamp&) const = default;
+};
+
+// The stamp of a regular file (symbolic links followed); nullopt when there is none.
+std::optional<FileStamp> StampOf(std::string_view path);
 
 // The whole file as bytes. Raises 53 when missing, 70 when not readable, 75 for a folder.
 std::string ReadFile(std::string_view path);

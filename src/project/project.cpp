@@ -10,6 +10,7 @@
 #include "platform/files.h"
 #include "platform/lines.h"
 #include "platform/paths.h"
+#include "platform/project_lines.h"
 #include "project/ide_settings.h"
 #include "project/project_file_check.h"
 #include "project/utility.h"
@@ -71,7 +72,16 @@ std::string Resolve(const std::string& folder, const std::string& file) {
   return absolute ? file : folder + file;
 }
 
+CollectionFactory& Factory() {
+  static CollectionFactory factory;
+  return factory;
+}
+
 }  // namespace
+
+void SetCollectionFactory(CollectionFactory factory) {
+  Factory() = std::move(factory);
+}
 
 const automation::ClassInfo& Project::Class() const {
   static const automation::ClassInfo info =
@@ -222,54 +232,93 @@ void Project::Activate() {
   });
 }
 
-void Project::ForEachEntry(const std::string& className,
-                           const std::function<bool(const Entry&)>& visit) const {
-  const auto separator = platform::LastSeparator(fileName_);
-  const std::string folder =
-      separator == std::string::npos ? std::string() : fileName_.substr(0, separator + 1);
-  const std::string bytes = platform::ReadFile(fileName_);
-  const platform::CodePage& codePage = platform::CurrentCodePage();
-  platform::LineReader reader(bytes);
-  std::string_view raw;
-  while (reader.Next(raw)) {
-    const std::string line = codePage.Decode(raw);
-    const auto split = SplitAt(line, '=');
-    if (!split.found || !platform::EqualsNoCase(Trim(split.before), className)) continue;
-    const std::string_view value = Trim(split.after);
-    Entry entry;
-    const auto parts = SplitAt(value, ';');
-    if (parts.found) {
-      entry.name = Trim(parts.before);
-      entry.written = Trim(parts.after);
-    } else {
-      entry.written = value;
+Project::Kind* Project::KindOf(const std::string& className) {
+  const std::optional<platform::FileStamp> stamp = platform::StampOf(fileName_);
+  if (!listing_ || !stamp || listing_->stamp != *stamp) {
+    listing_.reset();
+    // The stamp is taken before the bytes are read: a change made while reading shows as a
+    // newer stamp on the next call, which reads the file again.
+    const std::string bytes = platform::ReadFile(fileName_);
+    const auto separator = platform::LastSeparator(fileName_);
+    const std::string folder =
+        separator == std::string::npos ? std::string() : fileName_.substr(0, separator + 1);
+    Listing listing;
+    listing.stamp = stamp.value_or(platform::FileStamp{});
+    platform::ProjectLineReader reader(bytes, platform::CurrentCodePage(), fileName_);
+    while (reader.Next()) {
+      const platform::ProjectLine& line = reader.Line();
+      if (!line.hasKey) continue;
+      const platform::ComponentValue value = platform::SplitComponentValue(line.value);
+      Entry entry;
+      entry.hasName = value.hasName;
+      entry.name = value.name;
+      entry.written = value.file;
+      entry.file = folder + entry.written;
+      entry.resolved = Resolve(folder, entry.written);
+      listing.kinds[platform::FoldCase(line.key)].entries.push_back(listing.entries.size());
+      listing.entries.push_back(std::move(entry));
     }
-    entry.file = folder + entry.written;
-    entry.resolved = Resolve(folder, entry.written);
-    if (!parts.found) {
-      entry.namedFromFile = NameFromFile(entry.file, entry.name);
-    }
-    if (!visit(entry)) return;
+    listing_ = std::move(listing);
   }
+  const auto found = listing_->kinds.find(platform::FoldCase(className));
+  return found == listing_->kinds.end() ? nullptr : &found->second;
+}
+
+bool Project::RefreshName(Entry& entry) {
+  if (entry.hasName) return false;
+  const std::optional<platform::FileStamp> stamp = platform::StampOf(entry.file);
+  if (stamp && entry.nameStamp == stamp) return false;
+  std::string name;
+  const bool namedFromFile = NameFromFile(entry.file, name);
+  // A file that could not be read is read again next time.
+  entry.nameStamp = namedFromFile ? stamp : std::nullopt;
+  const bool changed = name != entry.name || namedFromFile != entry.namedFromFile;
+  entry.name = std::move(name);
+  entry.namedFromFile = namedFromFile;
+  return changed;
+}
+
+Project::Entry* Project::FindEntry(Kind& kind, const std::string& objectName) {
+  const std::string wanted = platform::FoldCase(objectName);
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    if (!kind.indexed || attempt > 0) {
+      kind.byName.clear();
+      for (const std::size_t index : kind.entries) {
+        Entry& entry = listing_->entries[index];
+        RefreshName(entry);
+        kind.byName.try_emplace(platform::FoldCase(entry.name), index);
+      }
+      kind.indexed = true;
+      attempt = 1;
+    }
+    const auto found = kind.byName.find(wanted);
+    if (found != kind.byName.end()) {
+      Entry& entry = listing_->entries[found->second];
+      // A component file may have renamed its component since the index was made.
+      if (!RefreshName(entry) || platform::EqualsNoCase(entry.name, objectName)) return &entry;
+    }
+  }
+  return nullptr;
 }
 
 std::string Project::EnumObjects(const std::string& className, int32_t bitmapId) {
   return Operation(kClass, "EnumObjects", [&] {
     std::string result;
-    bool first = true;
-    ForEachEntry(className, [&](const Entry& entry) {
+    Kind* kind = KindOf(className);
+    if (kind == nullptr) return result;
+    for (const std::size_t index : kind->entries) {
+      Entry& entry = listing_->entries[index];
+      if (RefreshName(entry)) kind->indexed = false;
       bool writable = false;
       try {
         writable = !IsReadOnly(entry.file);
       } catch (...) {
         writable = false;
       }
-      if (!first) result += "\r\n";
-      first = false;
+      if (!result.empty()) result += "\r\n";  // every entry is a non-empty text
       result += entry.name + "\t" + std::to_string(bitmapId) + "\t\t" +
                 (entry.namedFromFile ? "1" : "0") + "\t" + (writable ? "1" : "0") + "\t1\t0";
-      return true;
-    });
+    }
     return result;
   });
 }
@@ -279,22 +328,24 @@ void Project::GetObjectInfo(const std::string& className, const std::string& obj
   Operation(kClass, "GetObjectInfo", [&] {
     // The component is chosen by its name among the lines of its kind, and its file is
     // resolved against the project folder, as the listing does.
-    ForEachEntry(className, [&](const Entry& entry) {
-      if (!platform::EqualsNoCase(entry.name, objectName)) return true;
-      try {
-        version = VersionOf(entry.resolved);
-        isUpdatable = !IsReadOnly(entry.resolved);
-      } catch (...) {
-        version.clear();
-        isUpdatable = false;
-      }
-      return false;
-    });
+    Kind* kind = KindOf(className);
+    const Entry* entry = kind == nullptr ? nullptr : FindEntry(*kind, objectName);
+    if (entry == nullptr) return;
+    try {
+      version = VersionOf(entry->resolved);
+      isUpdatable = !IsReadOnly(entry->resolved);
+    } catch (...) {
+      version.clear();
+      isUpdatable = false;
+    }
   });
 }
 
 void Project::IProject_UpdateName(const std::string& projectName) {
-  Operation(kClass, "IProject_UpdateName", [&] { projectName_ = projectName; });
+  Operation(kClass, "IProject_UpdateName", [&] {
+    projectName_ = projectName;
+    listing_.reset();
+  });
 }
 
 void Project::InitCollections() {
@@ -302,7 +353,8 @@ void Project::InitCollections() {
     if (collections_) return;
     const contracts::KeyedList list = contracts::KeyedList::New();
     for (const char* key : kCollectionKeys) {
-      const ObjectRef collection = automation::CreateObject(std::string("qxvb60.") + key);
+      if (!Factory()) automation::Raise(automation::err::kCantCreateObject, std::string(key));
+      const ObjectRef collection = Factory()(key);
       Dispatch(collection).Call("Initialize", shared_from_this());
       list.Add(collection, key);
     }

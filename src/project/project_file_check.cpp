@@ -9,8 +9,8 @@
 #include "foundation/vxhandler.h"
 #include "platform/codepage.h"
 #include "platform/files.h"
-#include "platform/lines.h"
 #include "platform/paths.h"
+#include "platform/project_lines.h"
 
 namespace project {
 namespace {
@@ -48,10 +48,7 @@ class Checker {
 
   // Whether the component or resource file of this value can be found.
   bool ComponentFound(std::string_view value) const {
-    const auto split = SplitAt(value, ';');
-    std::string file(split.found ? Trim(split.after) : value);
-    if (!file.empty() && file.front() == '"')
-      file = file.size() >= 2 ? file.substr(1, file.size() - 2) : "";
+    const std::string file(platform::SplitComponentValue(value).file);
     return Exists(file) || Exists(folder_ + "\\" + file);
   }
 
@@ -91,17 +88,12 @@ class Checker {
 void CheckProjectFile(const std::string& projectFile) {
   const Checker checker(projectFile);
   const std::string bytes = platform::ReadFile(projectFile);
-  const platform::CodePage& codePage = platform::CurrentCodePage();
-  platform::LineReader reader(bytes);
-  std::string_view raw;
-  int32_t lineNumber = 0;
-  while (reader.Next(raw)) {
-    ++lineNumber;
-    const std::string line = codePage.Decode(raw);
-    const auto split = SplitAt(line, '=');
-    if (!split.found) continue;
-    const std::string key = LCase(Trim(split.before));
-    const std::string value = LCase(Trim(split.after));
+  platform::ProjectLineReader reader(bytes, platform::CurrentCodePage(), projectFile);
+  while (reader.Next()) {
+    const platform::ProjectLine& line = reader.Line();
+    if (!line.hasKey) continue;
+    const std::string key = LCase(line.key);
+    const std::string value = LCase(line.value);
     bool found = true;
     if (IsComponentKey(key)) {
       found = checker.ComponentFound(value);
@@ -109,11 +101,12 @@ void CheckProjectFile(const std::string& projectFile) {
       found = checker.LibraryFound(key, value);
     }
     if (!found) {
-      const std::string number = std::to_string(lineNumber);
+      const std::string number = std::to_string(reader.Number());
       foundation::RaiseUserError(
           "One of the components used in the project (or referenced by the project) is "
           "missing. The component is referenced on line " +
-          number + " of the Visual Basic Project (VBP) file.\r\nLine " + number + ": " + line);
+          number + " of the Visual Basic Project (VBP) file.\r\nLine " + number + ": " +
+          reader.Text());
     }
   }
 }

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <string>
+#include <tuple>
+#include <vector>
+
 #include "automation/object.h"
 #include "contracts/driver_interfaces.h"
 #include "support/driver_env.h"
@@ -80,19 +84,32 @@ TEST_F(Collections, ComponentsNeedTheIde) {
 }
 
 TEST_F(Collections, MemberOrderFollowsTheHostInterfaces) {
-  const std::pair<ObjectRef, const char*> objects[] = {
-      {driver_, "IDriver"},
-      {project_, "IProject"},
-      {automation::CreateObject("qxvb60.Forms"), "ICollection"},
+  using Members = std::vector<std::string>;
+  const std::tuple<ObjectRef, const char*, Members> objects[] = {
+      {driver_, "IDriver", {"Initialize", "Shutdown", "GetProject"}},
+      {project_,
+       "IProject",
+       {"UpdateName", "EnumCollections", "GetCollection", "Deactivate", "ResetActivationFlags",
+        "EnumCommands", "ExecuteCommand"}},
+      {contracts::IProject(project_).GetCollection("Forms"),
+       "ICollection",
+       {"EnumObjects", "GetObject", "EnumCommands", "ExecuteCommand", "EnumObjectCommands",
+        "ExecuteObjectCommand"}},
   };
-  for (const auto& [object, interfaceName] : objects) {
+  for (const auto& [object, interfaceName, expected] : objects) {
     const automation::Interface* info = object->Class().FindInterface(interfaceName);
     ASSERT_NE(info, nullptr) << interfaceName;
-    const auto& expected = contracts::InterfaceMembers(interfaceName);
-    ASSERT_EQ(info->members.size(), expected.size()) << interfaceName;
-    for (size_t i = 0; i < expected.size(); ++i)
-      EXPECT_EQ(info->members[i].name, expected[i]);
+    Members members;
+    for (const auto& member : info->members)
+      members.push_back(member.name);
+    EXPECT_EQ(members, expected) << interfaceName;
   }
+}
+
+TEST_F(Collections, OnlyTheDriverIsCreatableFromOutside) {
+  EXPECT_TRUE(automation::IsClassRegistered("qxvb60.Driver"));
+  for (const char* progId : {"qxvb60.Project", "qxvb60.Forms", "qxvb60.Modules", "qxvb60.Probe"})
+    EXPECT_FALSE(automation::IsClassRegistered(progId)) << progId;
 }
 
 }  // namespace

@@ -72,13 +72,13 @@ TEST_F(VxHandler, EntryPointRule) {
   EXPECT_FALSE(foundation::IsEntryPoint("_"));
 }
 
-TEST_F(VxHandler, EntryPointsLogAndReturnNormally) {
-  bool after = false;
-  const int result = Operation("Connection", "ProjectEvents_ItemAdded",
-                               [&]() -> int { throw automation::Error(-32767, "", "Refused."); });
-  after = true;
-  EXPECT_TRUE(after);
-  EXPECT_EQ(result, 0);
+TEST_F(VxHandler, EntryPointsLogAndKeepTheResultTheyHadSet) {
+  const std::string result = foundation::OperationSettingResult<std::string>(
+      "Connection", "ProjectEvents_ItemAdded", [](std::string& set) {
+        set = "set before the failure";
+        throw automation::Error(-32767, "", "Refused.");
+      });
+  EXPECT_EQ(result, "set before the failure");
   const auto logged = Logged();
   ASSERT_EQ(logged.size(), 1u);
   EXPECT_EQ(logged[0], std::string("-32767|Refused.") + kHeading +
@@ -140,10 +140,10 @@ TEST_F(VxHandler, ContextsOpenInTheCurrentLog) {
   automation::ObjectRef context =
       foundation::CreateContext("qxvb60", "Connection", "ProjectEvents_ItemAdded", true, true);
   EXPECT_NE(context, nullptr);
-  // A broken log costs the report, never the caller.
+  // A broken log costs the report, never the caller: the context is still made.
   foundation::GetGlobals().problemLog = nullptr;
-  EXPECT_EQ(foundation::CreateContext("qxvb60", "C", "P", true, true) != nullptr, true);
-  foundation::LogRuntimeError(5, "x", "", 0, "qxvb60", "C", "P", 1);
+  EXPECT_NE(foundation::CreateContext("qxvb60", "C", "P", true, true), nullptr);
+  EXPECT_NO_THROW(foundation::LogRuntimeError(5, "x", "", 0, "qxvb60", "C", "P", 1));
 }
 
 }  // namespace

@@ -119,15 +119,4 @@ TEST_F(HostUtilityTest, FilesAndSystemFolders) {
   EXPECT_TRUE(utility.Call("FileExists", resolve("OLD.OCX")).ToBool());
 }
 
-TEST_F(HostUtilityTest, LaunchAndConnectIsNotAvailableYet) {
-  auto e = Caught([&] {
-    utility.Call("LaunchAndConnect", "\"c:\\vb6.exe\" \"c:\\a.vbp\"", "c:\\a.vbp", "", "", 0, 0,
-                 30000);
-  });
-  EXPECT_EQ(e.Number(), -32767);
-  EXPECT_EQ(e.Description(),
-            "No IDE connection is available: starting the VB6 IDE comes with a later version of "
-            "qx.");
-}
-
 }  // namespace

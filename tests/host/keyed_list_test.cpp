@@ -18,7 +18,7 @@ class KeyedListTest : public ::testing::Test {
   void SetUp() override { host::RegisterClasses(); }
 };
 
-TEST_F(KeyedListTest, FindsByKeyInAnyCaseAndByPosition) {
+TEST_F(KeyedListTest, FindsByExactKeyAndByPosition) {
   Dispatch list(automation::CreateObject("qxlib41.KeyedList"));
   auto first = std::make_shared<host::KeyedList>();  // any object will do as an item
   list.Call("Add", first, "Form1");
@@ -26,10 +26,11 @@ TEST_F(KeyedListTest, FindsByKeyInAnyCaseAndByPosition) {
   list.Call("Add", 42, "Grüße");
   EXPECT_EQ(list.Get("Count").ToLong(), 3);
 
-  EXPECT_EQ(list.Call("Find", "form1").ToLong(), 1);
-  EXPECT_EQ(list.Call("Find", "MODULES").ToLong(), 2);
-  EXPECT_EQ(list.Call("Find", "GRÜSSE").ToLong(), 0);  // folding is per letter, not ß -> ss
-  EXPECT_EQ(list.Call("Find", "GRÜßE").ToLong(), 3);
+  EXPECT_EQ(list.Call("Find", "Form1").ToLong(), 1);
+  EXPECT_EQ(list.Call("Find", "form1").ToLong(), 0);  // letter case counts
+  EXPECT_EQ(list.Call("Find", "Modules").ToLong(), 2);
+  EXPECT_EQ(list.Call("Find", "Grüße").ToLong(), 3);
+  EXPECT_EQ(list.Call("Find", "GRÜßE").ToLong(), 0);
   EXPECT_EQ(list.Call("Find", "Form2").ToLong(), 0);
   EXPECT_EQ(list.Call("Find", "").ToLong(), 0);
 
@@ -52,13 +53,15 @@ TEST_F(KeyedListTest, RekeyMovesTheKeyAndKeepsThePosition) {
   list.Add(1, "Alpha");
   list.Add(2, "Beta");
   list.Rekey(1, "Gamma");
-  EXPECT_EQ(list.Find(Variant("alpha")), 0);
-  EXPECT_EQ(list.Find(Variant("GAMMA")), 1);
+  EXPECT_EQ(list.Find(Variant("Alpha")), 0);
+  EXPECT_EQ(list.Find(Variant("Gamma")), 1);
   EXPECT_EQ(list.Key(1), "Gamma");
-  list.Rekey(1, "gamma");  // the same key in another case is not a duplicate
+  list.Rekey(1, "Gamma");  // its own key again changes nothing
+  list.Rekey(1, "gamma");  // another letter case is another key
+  EXPECT_EQ(list.Find(Variant("Gamma")), 0);
   EXPECT_EQ(list.Key(1), "gamma");
   list.Add(3, "Alpha");  // the old key is free again
-  EXPECT_EQ(list.Find(Variant("alpha")), 3);
+  EXPECT_EQ(list.Find(Variant("Alpha")), 3);
   EXPECT_EQ(list.ItemAt(2).ToLong(), 2);
 }
 
@@ -67,15 +70,15 @@ TEST_F(KeyedListTest, ErrorsNameTheKeyOrLocator) {
   list.Call("Add", 1, "Form1");
   list.Call("Add", 2, "Form2");
 
-  auto e = Caught([&] { list.Call("Add", 3, "FORM1"); });
+  auto e = Caught([&] { list.Call("Add", 3, "Form1"); });
   EXPECT_EQ(e.Number(), 457);
   EXPECT_EQ(e.Description(),
-            "This key is already associated with an element of this collection: FORM1");
+            "This key is already associated with an element of this collection: Form1");
   EXPECT_EQ(list.Get("Count").ToLong(), 2);  // nothing was added
 
-  e = Caught([&] { list.Call("Rekey", 2, "form1"); });
+  e = Caught([&] { list.Call("Rekey", 2, "Form1"); });
   EXPECT_EQ(e.Number(), 457);
-  EXPECT_NE(e.Description().find("form1"), std::string::npos);
+  EXPECT_NE(e.Description().find("Form1"), std::string::npos);
   EXPECT_EQ(list.Call("Key", 2).ToString(), "Form2");
 
   for (int locator : {0, -1, 3}) {

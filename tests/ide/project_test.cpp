@@ -248,4 +248,31 @@ TEST(Project, NamesAndPathsAreDecodedBeforeTheyAreSplit) {
   EXPECT_EQ(cased->At(1).Code().ProcBodyLine("A", ProcKind::kProc), 1);
 }
 
+TEST(Project, ProjectLinesReadAsTheDriverReadsThem) {
+  FixtureCopy copy("ledger");
+  WriteBytes(copy.Path("m.Bas"), "Attribute VB_Name = \"Helpers\"\r\nSub A()\r\nEnd Sub\r\n");
+  WriteBytes(copy.Path("q.frm"), ReadBytes(copy.Path("ModUtil.BAS")));
+  const std::string vbp =
+      "\xEF\xBB\xBFModule=m.Bas\r\nModule=Util;\t\"ModUtil.BAS\"\r\nName=\"Lines\"\r\n";
+  WriteBytes(copy.Path("Lines.vbp"), vbp);
+  auto project = Project::Open(copy.Path("Lines.vbp"));
+  // The first line counts past the byte-order mark; a module line without a name part names
+  // the file, and its component takes the name its file gives.
+  ASSERT_EQ(project->Count(), 2u);
+  EXPECT_EQ(project->At(0).FileName(), copy.Path("m.Bas"));
+  EXPECT_EQ(project->At(0).Name(), "Helpers");
+  // Quotes and a tab around a path are not part of it.
+  EXPECT_EQ(project->At(1).FileName(), copy.Path("ModUtil.BAS"));
+  // Renaming writes the name part in front of the file; the byte-order mark stays.
+  project->At(0).SetName("Tools");
+  project->At(0).Save();
+  project->Save();
+  EXPECT_EQ(
+      ReadBytes(copy.Path("Lines.vbp")),
+      "\xEF\xBB\xBFModule=Tools; m.Bas\r\nModule=Util;\t\"ModUtil.BAS\"\r\nName=\"Lines\"\r\n");
+  // A binary file is not a project file.
+  WriteBytes(copy.Path("Binary.vbp"), std::string("Type=Exe\r\n\0\x01\x02\r\nName=\"B\"\r\n", 25));
+  EXPECT_EQ(ErrorOf([&] { Project::Open(copy.Path("Binary.vbp")); }), 321);
+}
+
 }  // namespace

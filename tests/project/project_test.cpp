@@ -5,6 +5,7 @@
 
 #include "automation/object.h"
 #include "contracts/driver_interfaces.h"
+#include "foundation/globals.h"
 #include "support/driver_env.h"
 #include "support/errors.h"
 
@@ -40,8 +41,13 @@ TEST_F(ProjectTest, GetProjectCachesByParameterText) {
   const auto folder = Folder({{"A.vbp", "Type=Exe\r\n"}});
   const ObjectRef a = Open(folder / "A.vbp");
   EXPECT_EQ(Open(folder / "A.vbp"), a);
-  // The same file under another parameter text is another project.
-  EXPECT_NE(GetProject("FileName=" + (folder / "A.vbp").string()), a);
+  // The same file under another parameter text is another project, also when the texts differ
+  // only in letter case.
+  const ObjectRef b = GetProject("FileName=" + (folder / "A.vbp").string());
+  EXPECT_NE(b, a);
+  const ObjectRef c = GetProject("filename=" + (folder / "A.vbp").string());
+  EXPECT_NE(c, b);
+  EXPECT_EQ(GetProject("filename=" + (folder / "A.vbp").string()), c);
   EXPECT_EQ(Dispatch(a).Get("FileName").ToString(), (folder / "A.vbp").string());
 }
 
@@ -73,8 +79,6 @@ TEST_F(ProjectTest, CollectionsAreCreatedOnceInTableOrder) {
   EXPECT_EQ(project.GetCollection("Forms"), forms);
   EXPECT_EQ(forms->Class().name, "Forms");
   EXPECT_EQ(project.EnumCommands(), "");
-  project.ExecuteCommand(3);
-  project.ResetActivationFlags();
   EXPECT_EQ(Caught([&] { project.GetCollection("Nope"); }).Number(), 9);
   Dispatch(project.object()).Call("TearDown");  // breaks the project <-> collection cycle
 }
@@ -133,16 +137,13 @@ TEST_F(ProjectTest, GetObjectInfoChoosesTheComponentByName) {
 
 TEST_F(ProjectTest, AwkwardProjectFilesNeverCrash) {
   std::string huge = "Module=M; " + std::string(2'000'000, 'x') + ".bas\r\n";
-  std::string binary;
-  for (int i = 0; i < 256; ++i)
-    binary += static_cast<char>(i);
   const auto folder = Folder({
       {"empty.vbp", ""},
-      {"binary.vbp", binary + "\r\nModule=\xFE\xFF; \x01.bas"},
+      {"odd.vbp", "\xFE\xFF\x01\r\nModule=\xFE\xFF; \x01.bas"},
       {"huge.vbp", huge},
       {"truncated.vbp", "Type=Exe\r\nModule=Trunc"},
   });
-  for (const char* name : {"empty.vbp", "binary.vbp", "huge.vbp", "truncated.vbp"}) {
+  for (const char* name : {"empty.vbp", "odd.vbp", "huge.vbp", "truncated.vbp"}) {
     const Dispatch p(Open(folder / name));
     for (const char* key : {"Module", "Form", "Class"}) {
       const std::string listed = p.Call("EnumObjects", key, 1).ToString();
@@ -153,6 +154,81 @@ TEST_F(ProjectTest, AwkwardProjectFilesNeverCrash) {
   }
   EXPECT_EQ(Dispatch(Open(folder / "truncated.vbp")).Call("EnumObjects", "Module", 5).ToString(),
             "\t5\t\t0\t0\t1\t0");
+}
+
+TEST_F(ProjectTest, ProjectFileLinesReadAsTheCheckReadsThem) {
+  std::string binary = "Type=Exe\r\n";
+  for (int i = 0; i < 256; ++i)
+    binary += static_cast<char>(i);
+  const auto folder = Folder({
+      {"P.vbp",
+       "\xEF\xBB\xBF"
+       "Form=first.frm\r\nForm=\"quoted.frm\"\r\nForm=\ttabbed.frm\r\nModule=m.Bas\r\n"},
+      {"first.frm", "Attribute VB_Name = \"First\"\r\n"},
+      {"quoted.frm", "Attribute VB_Name = \"Quoted\"\r\n"},
+      {"tabbed.frm", "Attribute VB_Name = \"Tabbed\"\r\n"},
+      {"m.Bas", "Attribute VB_Name = \"M\"\r\n"},
+      {"binary.vbp", binary + "\r\nForm=first.frm\r\n"},
+  });
+  const Dispatch p(Open(folder / "P.vbp"));
+  // The first line counts past the byte-order mark; quotes and tabs around a file go.
+  EXPECT_EQ(p.Call("EnumObjects", "Form", 4).ToString(),
+            "First\t4\t\t1\t1\t1\t0\r\nQuoted\t4\t\t1\t1\t1\t0\r\nTabbed\t4\t\t1\t1\t1\t0");
+  // A module line without a name part names its component from the file.
+  EXPECT_EQ(p.Call("EnumObjects", "Module", 5).ToString(), "M\t5\t\t1\t1\t1\t0");
+  automation::Args args{"Form", "Quoted", "", false};
+  p.CallArgs("GetObjectInfo", args);
+  EXPECT_EQ(args[2].ToString().size(), 14u);
+  // A binary file is not a project file.
+  const Dispatch binaryProject(Open(folder / "binary.vbp"));
+  EXPECT_EQ(Caught([&] { binaryProject.Call("EnumObjects", "Form", 4); }).Number(), 321);
+}
+
+TEST_F(ProjectTest, ListingFollowsChangesOfTheProjectAndComponentFiles) {
+  const auto folder = Folder({
+      {"P.vbp", "Form=a.frm\r\n"},
+      {"a.frm", "Attribute VB_Name = \"A\"\r\n"},
+  });
+  const Dispatch p(Open(folder / "P.vbp"));
+  EXPECT_EQ(p.Call("EnumObjects", "Form", 4).ToString(), "A\t4\t\t1\t1\t1\t0");
+  // A component file that renames its component (same size, another time).
+  DriverEnv::Write(folder / "a.frm", "Attribute VB_Name = \"Bee\"\r\n");
+  EXPECT_EQ(p.Call("EnumObjects", "Form", 4).ToString(), "Bee\t4\t\t1\t1\t1\t0");
+  automation::Args args{"Form", "Bee", "", false};
+  p.CallArgs("GetObjectInfo", args);
+  EXPECT_EQ(args[2].ToString().size(), 14u);
+  // Renamed again without a listing in between: GetObjectInfo still finds it by its new name.
+  DriverEnv::Write(folder / "a.frm", "Attribute VB_Name = \"CC\"\r\n");
+  args = {"Form", "CC", "", false};
+  p.CallArgs("GetObjectInfo", args);
+  EXPECT_EQ(args[2].ToString().size(), 14u);
+  // A project file that changes is read again.
+  DriverEnv::Write(folder / "P.vbp", "Form=a.frm\r\nModule=M; m.bas\r\n");
+  EXPECT_EQ(p.Call("EnumObjects", "Module", 5).ToString(), "M\t5\t\t0\t0\t1\t0");
+  // UpdateName keeps the new name and lists as before.
+  contracts::IProject(p.object()).UpdateName("Renamed");
+  EXPECT_EQ(std::static_pointer_cast<project::Project>(p.object())->ProjectName(), "Renamed");
+  EXPECT_EQ(p.Call("EnumObjects", "Form", 4).ToString(), "CC\t4\t\t1\t1\t1\t0");
+  // A project file that vanished cannot be listed.
+  std::filesystem::remove(folder / "P.vbp");
+  const auto e = Caught([&] { p.Call("EnumObjects", "Form", 4); });
+  EXPECT_EQ(e.Number(), 53);
+  EXPECT_NE(e.Description().find("qxvb60.Project.EnumObjects.1"), std::string::npos);
+}
+
+TEST_F(ProjectTest, ShutdownReleasesTheProjectsAndPutsANewLogInPlace) {
+  const auto folder = Folder({{"A.vbp", "Type=Exe\r\n"}});
+  ObjectRef hostLog = automation::CreateObject("qxlib41.ProblemLog");
+  contracts::IDriver(driver_).Initialize(hostLog);
+  EXPECT_EQ(foundation::GetGlobals().problemLog, hostLog);
+  const ObjectRef before = Open(folder / "A.vbp");
+  const std::weak_ptr<automation::Object> watched = before;
+  contracts::IDriver(driver_).Shutdown();
+  EXPECT_NE(foundation::GetGlobals().problemLog, nullptr);
+  EXPECT_NE(foundation::GetGlobals().problemLog, hostLog);
+  EXPECT_EQ(watched.use_count(), 1);  // only this test holds the project now
+  // The driver goes on after a shutdown with an empty cache.
+  EXPECT_NE(Open(folder / "A.vbp"), before);
 }
 
 TEST_F(ProjectTest, DeactivateWithoutDispatcherAndDispatcherWithoutIde) {

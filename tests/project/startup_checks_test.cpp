@@ -81,6 +81,24 @@ TEST_F(StartupChecks, ProjectFileCheckReportsTheFirstMissingLine) {
   EXPECT_EQ(MissingMessage("Object=mylib.dll; nowhere\\mylib.dll\r\n"), "");
 }
 
+TEST_F(StartupChecks, ProjectFileCheckReadsLinesAsTheListingDoes) {
+  DriverEnv::Write(env_.work() / "f.frm", "x");
+  DriverEnv::Write(env_.work() / "m.Bas", "x");
+  // A byte-order mark, a tab before a path, a module line without a name part.
+  EXPECT_EQ(MissingMessage("\xEF\xBB\xBF"
+                           "Form=\tf.frm\r\nModule=m.Bas\r\n"),
+            "");
+  EXPECT_NE(MissingMessage("\xEF\xBB\xBF"
+                           "Form=gone.frm\r\n")
+                .find("Line 1: Form=gone.frm"),
+            std::string::npos);
+  // A binary file is not a project file that passes.
+  const auto e = Caught([&] {
+    project::CheckProjectFile(Project(std::string("Type=Exe\r\n\0\x01\r\nForm=f.frm\r\n", 26)));
+  });
+  EXPECT_EQ(e.Number(), 321);
+}
+
 TEST_F(StartupChecks, WindowStateMarksWindowsClosed) {
   const std::string vbp = Project("Type=Exe\r\n");
   const auto vbw = env_.work() / "P.vbw";

@@ -6,15 +6,13 @@
 #include "automation/error.h"
 #include "ide/text/source_text.h"
 #include "platform/codepage.h"
+#include "platform/project_lines.h"
 #include "platform/text.h"
 
 namespace ide {
 namespace {
 
-constexpr int32_t kInvalidFileFormat = 321;
-
 using platform::EqualsAsciiNoCase;
-using platform::IsBlank;
 using platform::TrimBlanks;
 
 struct EntryKey {
@@ -52,48 +50,41 @@ std::unique_ptr<ProjectFile> ProjectFile::Parse(std::string bytes,
   std::unique_ptr<ProjectFile> file(new ProjectFile());
   file->codePage_ = &codePage;
   file->original_ = std::move(bytes);
+  // A byte-order mark is kept apart from the first line and written back in front of it.
+  platform::RequireProjectText(file->original_, fileName);
+  file->byteOrderMark_ = file->original_.substr(0, platform::ByteOrderMarkLength(file->original_));
+  file->disk_ = file->original_;
+  file->original_.erase(0, file->byteOrderMark_.size());
   SourceText text = SplitText(file->original_, codePage);
-  if (file->original_.find('\0') < text.tailOffset) {
-    automation::RaiseMessage(kInvalidFileFormat, "Invalid file format: " + std::string(fileName) +
-                                                     ": a project file holds no NUL bytes");
-  }
   file->lines_ = std::move(text.lines);
   file->dominant_ = text.dominant;
   file->finalBreak_ = text.finalBreak;
   file->tailOffset_ = text.tailOffset;
-  file->disk_ = file->original_;
 
   bool mainSection = true;
   for (std::size_t i = 0; i < file->lines_.size(); ++i) {
-    std::string_view line = file->lines_[i].text;
-    std::string_view trimmed = TrimBlanks(line);
+    const std::string_view lineText = file->lines_[i].text;
+    const std::string_view trimmed = TrimBlanks(lineText);
     if (!trimmed.empty() && trimmed.front() == '[') {
       mainSection = false;  // a tool's section: its keys are that tool's business
       continue;
     }
-    std::size_t eq = line.find('=');
-    if (!mainSection || eq == std::string_view::npos) continue;
-    std::string_view key = TrimBlanks(line.substr(0, eq));
-    std::string_view value = line.substr(eq + 1);
-    if (EqualsAsciiNoCase(key, "Name")) {
-      file->name_ = Unquote(TrimBlanks(value));
+    const platform::ProjectLine line = platform::SplitProjectLine(lineText);
+    if (!mainSection || !line.hasKey) continue;
+    if (EqualsAsciiNoCase(line.key, "Name")) {
+      file->name_ = Unquote(line.value);
       continue;
     }
     for (const EntryKey& known : kEntryKeys) {
-      if (!EqualsAsciiNoCase(key, known.key)) continue;
+      if (!EqualsAsciiNoCase(line.key, known.key)) continue;
+      const platform::ComponentValue value = platform::SplitComponentValue(line.value);
       ProjectEntry entry;
       entry.kind = known.kind;
       entry.line = i;
-      if (known.kind == FileKind::kModule || known.kind == FileKind::kClass) {
-        std::size_t semi = value.find(';');
-        std::string_view name = value.substr(0, semi);
-        std::size_t lead = name.find_first_not_of(" \t");
-        entry.nameOffset = eq + 1 + (lead == std::string_view::npos ? name.size() : lead);
-        entry.name.assign(TrimBlanks(name));
-        if (semi != std::string_view::npos) entry.path.assign(TrimBlanks(value.substr(semi + 1)));
-      } else {
-        entry.path.assign(TrimBlanks(value));
-      }
+      entry.hasName = value.hasName;
+      entry.name.assign(value.name);
+      entry.nameOffset = line.valueOffset + value.nameOffset;
+      entry.path.assign(value.file);
       file->entries_.push_back(std::move(entry));
       break;
     }
@@ -105,7 +96,13 @@ void ProjectFile::RenameEntry(std::size_t index, std::string_view name) {
   ProjectEntry& entry = entries_.at(index);
   if (entry.kind != FileKind::kModule && entry.kind != FileKind::kClass) return;
   SourceLine& line = lines_[entry.line];
-  line.text.replace(entry.nameOffset, entry.name.size(), name);
+  if (entry.hasName) {
+    line.text.replace(entry.nameOffset, entry.name.size(), name);
+  } else {
+    // A line that gave only the file gets the name part VB writes: "name; file".
+    line.text.insert(entry.nameOffset, std::string(name) + "; ");
+    entry.hasName = true;
+  }
   line.original = false;
   entry.name.assign(name);
   dirty_ = true;
@@ -116,7 +113,8 @@ std::string ProjectFile::Render() const {
   TextWriter writer(original_, *codePage_, dominant_);
   for (const SourceLine& line : lines_)
     writer.Add(line);
-  return writer.Finish(finalBreak_, std::string_view(original_).substr(tailOffset_));
+  return byteOrderMark_ +
+         writer.Finish(finalBreak_, std::string_view(original_).substr(tailOffset_));
 }
 
 void ProjectFile::MarkSaved(std::string written) {

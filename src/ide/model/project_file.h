@@ -26,15 +26,16 @@ namespace ide {
 
 struct ProjectEntry {
   FileKind kind = FileKind::kModule;
-  std::string name;  // Module= and Class= entries name their component; "" for the others
-  std::string path;  // as written (decoded), blanks around it removed
+  std::string name;      // the name part of "name; file"; "" when the line gives only a file
+  std::string path;      // as written (decoded), blanks and quotes around it removed
+  bool hasName = false;  // the line holds "name; file"
   std::size_t line = 0;
-  std::size_t nameOffset = 0;  // where the name is in the line's text
+  std::size_t nameOffset = 0;  // where the name is (or goes) in the line's text
 };
 
 class ProjectFile {
  public:
-  // Raises 321 "Invalid file format" for a file with NUL bytes in it (not a project file).
+  // Raises 321 "Invalid file format" for a binary file (not a project file).
   static std::unique_ptr<ProjectFile> Parse(std::string bytes, const platform::CodePage& codePage,
                                             std::string_view fileName);
 
@@ -44,7 +45,8 @@ class ProjectFile {
   const std::vector<SourceLine>& Lines() const { return lines_; }
 
   // A Module= or Class= entry takes a new component name; only its line changes, and in it only
-  // the name (the path keeps its spelling, blanks stay where they were).
+  // the name (the path keeps its spelling, blanks stay where they were). A line that gave only
+  // the file gets a name part in front of it.
   void RenameEntry(std::size_t entry, std::string_view name);
 
   bool IsDirty() const { return dirty_; }
@@ -56,7 +58,8 @@ class ProjectFile {
   ProjectFile() = default;
 
   const platform::CodePage* codePage_ = nullptr;
-  std::string original_;
+  std::string original_;       // as read, without its byte-order mark
+  std::string byteOrderMark_;  // the UTF-8 byte-order mark the file began with, if any
   std::string disk_;
   std::vector<SourceLine> lines_;
   std::vector<ProjectEntry> entries_;
