@@ -113,7 +113,8 @@ void BM_QxList(benchmark::State& state) {
     automation::Process::Scope scope(process);
     std::ostringstream out;
     std::ostringstream err;
-    cli::RunList({generated.vbp.string(), false}, out, err);
+    const auto printer = cli::MakeTextPrinter(out, err, {});
+    cli::RunList({generated.vbp.string(), false}, *printer);
     benchmark::DoNotOptimize(out);
     process->End();
   }
