@@ -2,8 +2,8 @@
 
 #include <cmath>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
-#include "platform/casefold.h"
 
 namespace host {
 
@@ -23,7 +23,7 @@ const automation::ClassInfo& KeyedList::Class() const {
 }
 
 void KeyedList::Add(const Variant& item, const std::string& key) {
-  auto [it, added] = byKey_.try_emplace(platform::FoldCase(key), entries_.size());
+  auto [it, added] = byKey_.try_emplace(automation::FoldCaseUnicode(key), entries_.size());
   if (!added) automation::Raise(automation::err::kDuplicateKey, key);
   try {
     entries_.push_back(Entry{item, key});
@@ -35,7 +35,7 @@ void KeyedList::Add(const Variant& item, const std::string& key) {
 
 int32_t KeyedList::Find(const Variant& keyOrPosition) const {
   if (keyOrPosition.IsString()) {
-    auto it = byKey_.find(platform::FoldCase(keyOrPosition.ToString()));
+    auto it = byKey_.find(automation::FoldCaseUnicode(keyOrPosition.ToString()));
     return it == byKey_.end() ? 0 : static_cast<int32_t>(it->second + 1);
   }
   if (!keyOrPosition.IsNumeric()) automation::Raise(automation::err::kTypeMismatch);
@@ -66,14 +66,14 @@ std::string KeyedList::Key(int32_t locator) const {
 
 void KeyedList::Rekey(int32_t locator, const std::string& newKey) {
   const size_t index = IndexOf(locator);
-  std::string folded = platform::FoldCase(newKey);
+  std::string folded = automation::FoldCaseUnicode(newKey);
   auto it = byKey_.find(folded);
   if (it != byKey_.end()) {
     if (it->second != index) automation::Raise(automation::err::kDuplicateKey, newKey);
     entries_[index].key = newKey;  // the same key in another letter case
     return;
   }
-  const std::string oldFolded = platform::FoldCase(entries_[index].key);
+  const std::string oldFolded = automation::FoldCaseUnicode(entries_[index].key);
   byKey_.emplace(std::move(folded), index);
   byKey_.erase(oldFolded);
   entries_[index].key = newKey;

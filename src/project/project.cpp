@@ -2,12 +2,12 @@
 
 #include <cstdio>
 
+#include "automation/casefold.h"
 #include "contracts/host_classes.h"
 #include "foundation/globals.h"
 #include "foundation/operation.h"
 #include "foundation/vbstrings.h"
 #include "foundation/vxhandler.h"
-#include "platform/casefold.h"
 #include "platform/codepage.h"
 #include "platform/files.h"
 #include "platform/lines.h"
@@ -47,7 +47,8 @@ bool NameFromFile(const std::string& file, std::string& name) {
   while (reader.Next(raw)) {
     const std::string line = codePage.Decode(raw);
     const auto split = SplitAt(Trim(line), '=');
-    if (!split.found || !platform::EqualsNoCase(Trim(split.before), "Attribute VB_Name")) continue;
+    if (!split.found || !automation::EqualsNoCaseUnicode(Trim(split.before), "Attribute VB_Name"))
+      continue;
     std::string value(Trim(split.after));
     if (!value.empty() && value.front() == '"') {
       value = value.size() >= 2 ? value.substr(1, value.size() - 2) : std::string();
@@ -241,7 +242,7 @@ void Project::ForEachEntry(const std::string& className,
   while (reader.Next(raw)) {
     const std::string line = codePage.Decode(raw);
     const auto split = SplitAt(line, '=');
-    if (!split.found || !platform::EqualsNoCase(Trim(split.before), className)) continue;
+    if (!split.found || !automation::EqualsNoCaseUnicode(Trim(split.before), className)) continue;
     const std::string_view value = Trim(split.after);
     Entry entry;
     const auto parts = SplitAt(value, ';');
@@ -287,7 +288,7 @@ void Project::GetObjectInfo(const std::string& className, const std::string& obj
     // The component is chosen by its name among the lines of its kind, and its file is
     // resolved against the project folder, as the listing does.
     ForEachEntry(className, [&](const Entry& entry) {
-      if (!platform::EqualsNoCase(entry.name, objectName)) return true;
+      if (!automation::SameVbName(entry.name, objectName)) return true;
       try {
         version = VersionOf(entry.resolved);
         isUpdatable = !IsReadOnly(entry.resolved);

@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
 #include "ide/text/source_text.h"
 #include "platform/codepage.h"
@@ -11,9 +12,9 @@
 namespace ide {
 namespace {
 
-constexpr int32_t kInvalidFileFormat = 321;
+using automation::err::kInvalidFileFormat;
 
-using platform::EqualsAsciiNoCase;
+using automation::EqualsAsciiNoCase;
 using platform::IsBlank;
 using platform::TrimBlanks;
 

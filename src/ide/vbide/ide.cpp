@@ -3,7 +3,7 @@
 #include <set>
 #include <utility>
 
-#include "ide/code/statement.h"
+#include "automation/casefold.h"
 #include "ide/model/project.h"
 #include "ide/vbide/add_in.h"
 #include "ide/vbide/events.h"
@@ -73,7 +73,7 @@ void Ide::LoadAddIns() {
   }
   std::set<std::string> seen;  // an add-in named twice loads once
   for (const auto& [progId, value] : entries) {
-    if (value != "1" || !seen.insert(FoldIdentifier(progId)).second) continue;
+    if (value != "1" || !seen.insert(automation::VbNameKey(progId)).second) continue;
     ObjectRef instance;
     try {
       instance = automation::CreateObject(progId);
