@@ -3,6 +3,8 @@
 # LeakSanitizer, and runs every test in both builds.
 set -euo pipefail
 here="$(cd "$(dirname "$0")/.." && pwd)"
+# Includes between the layers follow their order (cheap, so first).
+python3 "$here/scripts/check_layers.py"
 bash "$here/scripts/build.sh" plain
 bash "$here/scripts/build.sh" sanitize
 clang-format --dry-run --Werror $(git -C "$here" ls-files 'src/*.cpp' 'src/*.h' 'tests/*.cpp' 'tests/*.h' 'bench/*.cpp' 'bench/*.h' | sed "s|^|$here/|")

@@ -15,7 +15,8 @@
 #include "automation/process.h"
 #include "bench/generator/project_generator.h"
 #include "cli/commands.h"
-#include "cli/session.h"
+#include "host/register.h"
+#include "special/qxvb60.h"
 #include "support/temp_home.h"
 
 namespace {
@@ -44,7 +45,8 @@ class Host {
  public:
   explicit Host(const std::filesystem::path& vbp) : process_(automation::Process::Create("host")) {
     automation::Process::Scope scope(process_);
-    cli::LoadDriver();
+    host::RegisterClasses();
+    special::LoadDriver();
     driver_ = automation::CreateObject("qxvb60.Driver");
     project_ = Dispatch(driver_, "IDriver")
                    .Call("GetProject", "Big", 0, "FileName=" + vbp.string())

@@ -1,5 +1,7 @@
 #include "automation/error.h"
 
+#include <algorithm>
+#include <iterator>
 #include <new>
 #include <utility>
 
@@ -14,144 +16,91 @@ Error::Error(int32_t number, std::string source, std::string description, std::s
       helpContext_(helpContext),
       line_(line) {}
 
+namespace {
+
+struct StandardEntry {
+  int32_t number;
+  std::string_view text;
+};
+
+// VB's runtime errors and their texts, by number.
+constexpr StandardEntry kStandardErrors[] = {
+    {3, "Return without GoSub"},
+    {5, "Invalid procedure call or argument"},
+    {6, "Overflow"},
+    {7, "Out of memory"},
+    {9, "Subscript out of range"},
+    {10, "This array is fixed or temporarily locked"},
+    {11, "Division by zero"},
+    {13, "Type mismatch"},
+    {14, "Out of string space"},
+    {17, "Can't perform requested operation"},
+    {20, "Resume without error"},
+    {28, "Out of stack space"},
+    {35, "Sub or Function not defined"},
+    {48, "Error in loading DLL"},
+    {49, "Bad DLL calling convention"},
+    {51, "Internal error"},
+    {52, "Bad file name or number"},
+    {53, "File not found"},
+    {54, "Bad file mode"},
+    {55, "File already open"},
+    {57, "Device I/O error"},
+    {58, "File already exists"},
+    {61, "Disk full"},
+    {62, "Input past end of file"},
+    {67, "Too many files"},
+    {68, "Device unavailable"},
+    {70, "Permission denied"},
+    {71, "Disk not ready"},
+    {74, "Can't rename with different drive"},
+    {75, "Path/File access error"},
+    {76, "Path not found"},
+    {91, "Object variable or With block variable not set"},
+    {92, "For loop not initialized"},
+    {93, "Invalid pattern string"},
+    {94, "Invalid use of Null"},
+    {321, "Invalid file format"},
+    {380, "Invalid property value"},
+    {381, "Invalid property array index"},
+    {382, "Set not supported at runtime"},
+    {383, "Set not supported (read-only property)"},
+    {385, "Need property array index"},
+    {387, "Set not permitted"},
+    {393, "Get not supported at runtime"},
+    {394, "Get not supported (write-only property)"},
+    {422, "Property not found"},
+    {423, "Property or method not found"},
+    {424, "Object required"},
+    {429, "ActiveX component can't create object"},
+    {430, "Class does not support Automation or does not support expected interface"},
+    {438, "Object doesn't support this property or method"},
+    {440, "Automation error"},
+    {445, "Object doesn't support this action"},
+    {446, "Object doesn't support named arguments"},
+    {448, "Named argument not found"},
+    {449, "Argument not optional"},
+    {450, "Wrong number of arguments or invalid property assignment"},
+    {451, "Property let procedure not defined and property get procedure did not return an object"},
+    {457, "This key is already associated with an element of this collection"},
+    {458, "Variable uses an Automation type not supported in Visual Basic"},
+    {461, "Method or data member not found"},
+    {462, "The remote server machine does not exist or is unavailable"},
+    {463, "Class not registered on local machine"},
+    {481, "Invalid picture"},
+    {482, "Printer error"},
+    {735, "Can't save file to TEMP"},
+    {744, "Search text not found"},
+    {746, "Replacements too long"},
+};
+
+}  // namespace
+
 std::string_view StandardText(int32_t number) {
-  switch (number) {
-    case 3:
-      return "Return without GoSub";
-    case 5:
-      return "Invalid procedure call or argument";
-    case 6:
-      return "Overflow";
-    case 7:
-      return "Out of memory";
-    case 9:
-      return "Subscript out of range";
-    case 10:
-      return "This array is fixed or temporarily locked";
-    case 11:
-      return "Division by zero";
-    case 13:
-      return "Type mismatch";
-    case 14:
-      return "Out of string space";
-    case 17:
-      return "Can't perform requested operation";
-    case 20:
-      return "Resume without error";
-    case 28:
-      return "Out of stack space";
-    case 35:
-      return "Sub or Function not defined";
-    case 48:
-      return "Error in loading DLL";
-    case 49:
-      return "Bad DLL calling convention";
-    case 51:
-      return "Internal error";
-    case 52:
-      return "Bad file name or number";
-    case 53:
-      return "File not found";
-    case 54:
-      return "Bad file mode";
-    case 55:
-      return "File already open";
-    case 57:
-      return "Device I/O error";
-    case 58:
-      return "File already exists";
-    case 61:
-      return "Disk full";
-    case 62:
-      return "Input past end of file";
-    case 67:
-      return "Too many files";
-    case 68:
-      return "Device unavailable";
-    case 70:
-      return "Permission denied";
-    case 71:
-      return "Disk not ready";
-    case 74:
-      return "Can't rename with different drive";
-    case 75:
-      return "Path/File access error";
-    case 76:
-      return "Path not found";
-    case 91:
-      return "Object variable or With block variable not set";
-    case 92:
-      return "For loop not initialized";
-    case 93:
-      return "Invalid pattern string";
-    case 94:
-      return "Invalid use of Null";
-    case 380:
-      return "Invalid property value";
-    case 381:
-      return "Invalid property array index";
-    case 382:
-      return "Set not supported at runtime";
-    case 383:
-      return "Set not supported (read-only property)";
-    case 385:
-      return "Need property array index";
-    case 387:
-      return "Set not permitted";
-    case 393:
-      return "Get not supported at runtime";
-    case 394:
-      return "Get not supported (write-only property)";
-    case 422:
-      return "Property not found";
-    case 423:
-      return "Property or method not found";
-    case 424:
-      return "Object required";
-    case 429:
-      return "ActiveX component can't create object";
-    case 430:
-      return "Class does not support Automation or does not support expected interface";
-    case 438:
-      return "Object doesn't support this property or method";
-    case 440:
-      return "Automation error";
-    case 445:
-      return "Object doesn't support this action";
-    case 446:
-      return "Object doesn't support named arguments";
-    case 448:
-      return "Named argument not found";
-    case 449:
-      return "Argument not optional";
-    case 450:
-      return "Wrong number of arguments or invalid property assignment";
-    case 451:
-      return "Property let procedure not defined and property get procedure did not return an "
-             "object";
-    case 457:
-      return "This key is already associated with an element of this collection";
-    case 458:
-      return "Variable uses an Automation type not supported in Visual Basic";
-    case 461:
-      return "Method or data member not found";
-    case 462:
-      return "The remote server machine does not exist or is unavailable";
-    case 463:
-      return "Class not registered on local machine";
-    case 481:
-      return "Invalid picture";
-    case 482:
-      return "Printer error";
-    case 735:
-      return "Can't save file to TEMP";
-    case 744:
-      return "Search text not found";
-    case 746:
-      return "Replacements too long";
-    default:
-      return "Application-defined or object-defined error";
-  }
+  static_assert(std::ranges::is_sorted(kStandardErrors, {}, &StandardEntry::number));
+  const auto* entry = std::ranges::lower_bound(kStandardErrors, number, {}, &StandardEntry::number);
+  if (entry != std::end(kStandardErrors) && entry->number == number) return entry->text;
+  return "Application-defined or object-defined error";
 }
 
 Error StandardError(int32_t number) {

@@ -33,7 +33,7 @@ class Error : public std::exception {
   int32_t line_ = 0;
 };
 
-// Standard VB runtime error numbers used across the runtime.
+// Error numbers used across the program: VB runtime errors, and the one user-level number.
 namespace err {
 inline constexpr int32_t kInvalidCall = 5;
 inline constexpr int32_t kOverflow = 6;
@@ -47,6 +47,7 @@ inline constexpr int32_t kDeviceIo = 57;
 inline constexpr int32_t kPermissionDenied = 70;
 inline constexpr int32_t kPathFileAccess = 75;
 inline constexpr int32_t kPathNotFound = 76;
+inline constexpr int32_t kInvalidFileFormat = 321;
 inline constexpr int32_t kObjectNotSet = 91;
 inline constexpr int32_t kInvalidPropertyValue = 380;
 inline constexpr int32_t kReadOnlyProperty = 383;
@@ -58,6 +59,9 @@ inline constexpr int32_t kWrongArgumentCount = 450;
 inline constexpr int32_t kDuplicateKey = 457;
 inline constexpr int32_t kServerUnavailable = 462;
 inline constexpr int32_t kClassNotRegistered = 463;
+// Not VB's own: the number that the driver and the host library give every refusal or
+// user-level problem they find, with an empty source and a full-sentence message.
+inline constexpr int32_t kUserError = -32767;
 }  // namespace err
 
 // The text VB's runtime gives a standard error number ("Application-defined or object-defined

@@ -3,18 +3,16 @@
 #include <algorithm>
 #include <map>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
 #include "automation/process.h"
 
 namespace automation {
 namespace {
 
-std::string Lower(std::string_view s) {
-  std::string out(s);
-  for (char& c : out) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return out;
+// Class names match as the registry's keys do.
+std::string ProgIdKey(std::string_view progId) {
+  return FoldCaseUnicode(progId);
 }
 
 std::map<std::string, Factory>& Classes() {
@@ -27,11 +25,11 @@ std::map<std::string, Factory>& Classes() {
 void Interface::Index() {
   byName_.clear();
   for (size_t i = 0; i < members.size(); ++i)
-    byName_[Lower(members[i].name)].push_back(i);
+    byName_[VbNameKey(members[i].name)].push_back(i);
 }
 
 const Member* Interface::Find(std::string_view memberName, MemberKind kind) const {
-  auto it = byName_.find(Lower(memberName));
+  auto it = byName_.find(VbNameKey(memberName));
   if (it == byName_.end()) return nullptr;
   for (size_t i : it->second) {
     if (members[i].kind == kind) return &members[i];
@@ -40,13 +38,13 @@ const Member* Interface::Find(std::string_view memberName, MemberKind kind) cons
 }
 
 bool Interface::Has(std::string_view memberName) const {
-  return byName_.count(Lower(memberName)) != 0;
+  return byName_.count(VbNameKey(memberName)) != 0;
 }
 
 const Interface* ClassInfo::FindInterface(std::string_view interfaceName) const {
   if (interfaceName.empty()) return &defaultInterface;
   for (const auto& i : implemented) {
-    if (Lower(i.name) == Lower(interfaceName)) return &i;
+    if (SameVbName(i.name, interfaceName)) return &i;
   }
   return nullptr;
 }
@@ -89,15 +87,15 @@ Variant Invoke(const ObjectRef& object, std::string_view interfaceName, std::str
 }
 
 void RegisterClass(std::string progId, Factory factory) {
-  Classes()[Lower(progId)] = std::move(factory);
+  Classes()[ProgIdKey(progId)] = std::move(factory);
 }
 
 bool IsClassRegistered(std::string_view progId) {
-  return Classes().count(Lower(progId)) != 0;
+  return Classes().count(ProgIdKey(progId)) != 0;
 }
 
 ObjectRef CreateObject(std::string_view progId) {
-  auto it = Classes().find(Lower(progId));
+  auto it = Classes().find(ProgIdKey(progId));
   if (it == Classes().end()) Raise(err::kCantCreateObject, progId);
   return it->second();
 }

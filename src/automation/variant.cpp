@@ -1,10 +1,13 @@
 #include "automation/variant.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
+#include <type_traits>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
 
 namespace automation {
@@ -15,17 +18,6 @@ namespace {
 }
 [[noreturn]] void Overflow() {
   Raise(err::kOverflow);
-}
-
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    char x = a[i], y = b[i];
-    if (x >= 'A' && x <= 'Z') x = static_cast<char>(x - 'A' + 'a');
-    if (y >= 'A' && y <= 'Z') y = static_cast<char>(y - 'A' + 'a');
-    if (x != y) return false;
-  }
-  return true;
 }
 
 std::string_view Trim(std::string_view s) {
@@ -42,6 +34,10 @@ struct ParsedNumber {
   bool isPattern = false;
   uint64_t pattern = 0;
   double value = 0;
+  // The decimal digits as written ("123.45e-6"), without sign; empty for True, False and
+  // patterns. Currency is converted from these exactly, not through the double.
+  std::string decimal;
+  bool negative = false;
 };
 
 // Parses a string as VB converts strings to numbers: blanks around it, a leading or trailing
@@ -50,8 +46,8 @@ struct ParsedNumber {
 ParsedNumber ParseNumber(std::string_view text) {
   std::string_view s = Trim(text);
   if (s.empty()) Mismatch();
-  if (EqualsNoCase(s, "True")) return {false, 0, -1};
-  if (EqualsNoCase(s, "False")) return {false, 0, 0};
+  if (EqualsAsciiNoCase(s, "True")) return {false, 0, -1, {}, false};
+  if (EqualsAsciiNoCase(s, "False")) return {false, 0, 0, {}, false};
   if (s.size() >= 2 && s[0] == '&' && (s[1] == 'H' || s[1] == 'h' || s[1] == 'O' || s[1] == 'o')) {
     const bool hex = s[1] == 'H' || s[1] == 'h';
     std::string_view digits = s.substr(2);
@@ -72,7 +68,7 @@ ParsedNumber ParseNumber(std::string_view text) {
       value = value * (hex ? 16 : 8) + static_cast<uint64_t>(d);
       if (value > 0xFFFFFFFFull) Overflow();
     }
-    return {true, value, 0};
+    return {true, value, 0, {}, false};
   }
   bool negative = false;
   if (s.front() == '(' && s.back() == ')') {
@@ -115,7 +111,7 @@ ParsedNumber ParseNumber(std::string_view text) {
   const double value = std::strtod(clean.c_str(), &end);
   if (end != clean.c_str() + clean.size()) Mismatch();
   if (!std::isfinite(value)) Overflow();
-  return {false, 0, negative ? -value : value};
+  return {false, 0, negative ? -value : value, std::move(clean), negative};
 }
 
 // Rounds half to even after a range check on half-open bounds, as VB's integer conversions do.
@@ -143,6 +139,91 @@ Int IntegerFrom(const ParsedNumber& parsed) {
   return static_cast<Int>(
       RoundToRange(parsed.value, static_cast<double>(Lim::min()), static_cast<double>(Lim::max())));
 }
+
+constexpr int64_t kCurrencyScale = 10000;
+constexpr uint64_t kCurrencyMagnitudeLimit = uint64_t{1} << 63;  // |Currency| of its minimum
+
+// Currency from a decimal text ("123.45678", "1.5e3"), exactly: the digits are scaled by 10,000
+// in integers and the digits below the fourth decimal round half to even, as VB's CCur rounds.
+Currency CurrencyFromDecimal(std::string_view text, bool negative) {
+  std::string_view mantissa = text;
+  long long exponent = 0;
+  if (const auto e = text.find('e'); e != std::string_view::npos) {
+    mantissa = text.substr(0, e);
+    std::string_view digits = text.substr(e + 1);
+    const bool negativeExponent = !digits.empty() && digits.front() == '-';
+    if (!digits.empty() && (digits.front() == '-' || digits.front() == '+'))
+      digits.remove_prefix(1);
+    for (char c : digits) {
+      // Beyond any exponent that can matter, keep the size but stop growing.
+      if (exponent < 100000) exponent = exponent * 10 + (c - '0');
+    }
+    if (negativeExponent) exponent = -exponent;
+  }
+  // The digits without the point, and where the point stands among them.
+  std::string digits;
+  long long point = -1;
+  for (char c : mantissa) {
+    if (c == '.') {
+      point = static_cast<long long>(digits.size());
+    } else {
+      digits += c;
+    }
+  }
+  if (point < 0) point = static_cast<long long>(digits.size());
+  const std::size_t leading = std::min(digits.find_first_not_of('0'), digits.size());
+  digits.erase(0, leading);
+  point -= static_cast<long long>(leading);
+  if (digits.empty()) return Currency{0};
+  // The scaled value's integer digits are the first `whole` digits (padded with zeros).
+  const long long whole = point + exponent + 4;
+  if (whole > 19) Overflow();
+  uint64_t magnitude = 0;
+  for (long long k = 0; k < whole; ++k) {
+    const int d = k < static_cast<long long>(digits.size()) ? digits[k] - '0' : 0;
+    magnitude = magnitude * 10 + static_cast<uint64_t>(d);
+    if (magnitude > kCurrencyMagnitudeLimit) Overflow();
+  }
+  if (whole >= 0 && whole < static_cast<long long>(digits.size())) {
+    const int first = digits[whole] - '0';
+    const bool rest = digits.find_first_not_of('0', whole + 1) != std::string::npos;
+    if (first > 5 || (first == 5 && (rest || magnitude % 2 == 1))) ++magnitude;
+  }
+  if (magnitude > kCurrencyMagnitudeLimit - (negative ? 0 : 1)) Overflow();
+  return Currency{negative ? static_cast<int64_t>(0 - magnitude) : static_cast<int64_t>(magnitude)};
+}
+
+Currency CurrencyFromDouble(double value) {
+  const double scaled = std::nearbyint(value * static_cast<double>(kCurrencyScale));
+  // 2^63 is exact in a double: the range is [-2^63, 2^63).
+  constexpr double kLimit = 9223372036854775808.0;
+  if (!(scaled >= -kLimit && scaled < kLimit)) Overflow();
+  return Currency{static_cast<int64_t>(scaled)};
+}
+
+// The text of a Currency as CStr writes it: the integer part, then up to four decimals without
+// trailing zeros, and no point when there are none.
+std::string FormatCurrency(Currency value) {
+  const bool negative = value.scaled < 0;
+  const uint64_t magnitude =
+      negative ? 0 - static_cast<uint64_t>(value.scaled) : static_cast<uint64_t>(value.scaled);
+  std::string text = std::to_string(magnitude / kCurrencyScale);
+  uint64_t fraction = magnitude % kCurrencyScale;
+  if (fraction != 0) {
+    std::string decimals = std::to_string(fraction + kCurrencyScale).substr(1);
+    decimals.erase(decimals.find_last_not_of('0') + 1);
+    text += '.' + decimals;
+  }
+  return negative ? '-' + text : text;
+}
+
+// Lets std::visit take one lambda per alternative.
+template <class... F>
+struct Overloaded : F... {
+  using F::operator()...;
+};
+template <class... F>
+Overloaded(F...) -> Overloaded<F...>;
 
 }  // namespace
 
@@ -175,28 +256,19 @@ std::string_view VarTypeName(VarType type) {
 }
 
 VarType Variant::Type() const {
-  switch (value_.index()) {
-    case 0:
-      return VarType::Empty;
-    case 1:
-      return VarType::Boolean;
-    case 2:
-      return VarType::Byte;
-    case 3:
-      return VarType::Integer;
-    case 4:
-      return VarType::Long;
-    case 5:
-      return VarType::Single;
-    case 6:
-      return VarType::Double;
-    case 7:
-      return VarType::Currency;
-    case 8:
-      return VarType::String;
-    default:
-      return VarType::Object;
-  }
+  return std::visit(Overloaded{
+                        [](std::monostate) { return VarType::Empty; },
+                        [](bool) { return VarType::Boolean; },
+                        [](uint8_t) { return VarType::Byte; },
+                        [](int16_t) { return VarType::Integer; },
+                        [](int32_t) { return VarType::Long; },
+                        [](float) { return VarType::Single; },
+                        [](double) { return VarType::Double; },
+                        [](Currency) { return VarType::Currency; },
+                        [](const std::string&) { return VarType::String; },
+                        [](const ObjectRef&) { return VarType::Object; },
+                    },
+                    value_);
 }
 
 bool Variant::IsNumeric() const {
@@ -215,30 +287,21 @@ bool Variant::IsNumeric() const {
 }
 
 double Variant::ToDouble() const {
-  switch (value_.index()) {
-    case 0:
-      return 0;
-    case 1:
-      return std::get<bool>(value_) ? -1 : 0;
-    case 2:
-      return std::get<uint8_t>(value_);
-    case 3:
-      return std::get<int16_t>(value_);
-    case 4:
-      return std::get<int32_t>(value_);
-    case 5:
-      return std::get<float>(value_);
-    case 6:
-      return std::get<double>(value_);
-    case 7:
-      return static_cast<double>(std::get<Currency>(value_).scaled) / 10000.0;
-    case 8: {
-      const ParsedNumber p = ParseNumber(std::get<std::string>(value_));
-      return p.isPattern ? static_cast<double>(IntegerFrom<int32_t>(p)) : p.value;
-    }
-    default:
-      Mismatch();
-  }
+  return std::visit(
+      Overloaded{
+          [](std::monostate) -> double { return 0; },
+          [](bool b) -> double { return b ? -1 : 0; },
+          [](Currency c) -> double {
+            return static_cast<double>(c.scaled) / static_cast<double>(kCurrencyScale);
+          },
+          [](const std::string& s) -> double {
+            const ParsedNumber p = ParseNumber(s);
+            return p.isPattern ? static_cast<double>(IntegerFrom<int32_t>(p)) : p.value;
+          },
+          [](const ObjectRef&) -> double { Mismatch(); },
+          [](auto number) -> double { return static_cast<double>(number); },
+      },
+      value_);
 }
 
 namespace {
@@ -270,28 +333,40 @@ float Variant::ToSingle() const {
 }
 
 Currency Variant::ToCurrency() const {
-  if (const auto* c = std::get_if<Currency>(&value_)) return *c;
-  const double scaled = ToDouble() * 10000.0;
-  if (!(std::fabs(scaled) < 9.2233720368547758e18)) Overflow();
-  return Currency{static_cast<int64_t>(std::nearbyint(scaled))};
+  return std::visit(
+      Overloaded{
+          [](std::monostate) { return Currency{0}; },
+          [](bool b) { return Currency{b ? -kCurrencyScale : 0}; },
+          [](Currency c) { return c; },
+          [](float f) { return CurrencyFromDouble(f); },
+          [](double d) { return CurrencyFromDouble(d); },
+          [](const std::string& s) {
+            const ParsedNumber p = ParseNumber(s);
+            if (p.isPattern) return Currency{IntegerFrom<int32_t>(p) * kCurrencyScale};
+            if (p.decimal.empty()) return CurrencyFromDouble(p.value);  // True, False
+            return CurrencyFromDecimal(p.decimal, p.negative);
+          },
+          [](const ObjectRef&) -> Currency { Mismatch(); },
+          [](auto integer) { return Currency{static_cast<int64_t>(integer) * kCurrencyScale}; },
+      },
+      value_);
 }
 
 bool Variant::ToBool() const {
-  switch (value_.index()) {
-    case 1:
-      return std::get<bool>(value_);
-    case 8: {
-      const std::string_view s = Trim(std::get<std::string>(value_));
-      if (EqualsNoCase(s, "True") || s == "#TRUE#") return true;
-      if (EqualsNoCase(s, "False") || s == "#FALSE#") return false;
-      const ParsedNumber p = ParseNumber(s);
-      return p.isPattern ? p.pattern != 0 : p.value != 0;
-    }
-    case 9:
-      Mismatch();
-    default:
-      return ToDouble() != 0;
-  }
+  return std::visit(Overloaded{
+                        [](bool b) { return b; },
+                        [](const std::string& text) {
+                          const std::string_view s = Trim(text);
+                          if (EqualsAsciiNoCase(s, "True") || s == "#TRUE#") return true;
+                          if (EqualsAsciiNoCase(s, "False") || s == "#FALSE#") return false;
+                          const ParsedNumber p = ParseNumber(s);
+                          return p.isPattern ? p.pattern != 0 : p.value != 0;
+                        },
+                        [](Currency c) { return c.scaled != 0; },
+                        [](const ObjectRef&) -> bool { Mismatch(); },
+                        [this](const auto&) { return ToDouble() != 0; },
+                    },
+                    value_);
 }
 
 std::string FormatDouble(double value, int significantDigits) {
@@ -302,28 +377,17 @@ std::string FormatDouble(double value, int significantDigits) {
 }
 
 std::string Variant::ToString() const {
-  switch (value_.index()) {
-    case 0:
-      return {};
-    case 1:
-      return std::get<bool>(value_) ? "True" : "False";
-    case 2:
-      return std::to_string(std::get<uint8_t>(value_));
-    case 3:
-      return std::to_string(std::get<int16_t>(value_));
-    case 4:
-      return std::to_string(std::get<int32_t>(value_));
-    case 5:
-      return FormatDouble(std::get<float>(value_), 7);
-    case 6:
-      return FormatDouble(std::get<double>(value_), 15);
-    case 7:
-      return FormatDouble(static_cast<double>(std::get<Currency>(value_).scaled) / 10000.0);
-    case 8:
-      return std::get<std::string>(value_);
-    default:
-      Mismatch();
-  }
+  return std::visit(Overloaded{
+                        [](std::monostate) { return std::string(); },
+                        [](bool b) { return std::string(b ? "True" : "False"); },
+                        [](float f) { return FormatDouble(f, 7); },
+                        [](double d) { return FormatDouble(d, 15); },
+                        [](Currency c) { return FormatCurrency(c); },
+                        [](const std::string& s) { return s; },
+                        [](const ObjectRef&) -> std::string { Mismatch(); },
+                        [](auto integer) { return std::to_string(integer); },
+                    },
+                    value_);
 }
 
 ObjectRef Variant::ToObject() const {

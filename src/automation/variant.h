@@ -58,7 +58,7 @@ class Variant {
   static Variant Byte(uint8_t value) { return Variant(Tag{}, value); }
 
   VarType Type() const;
-  bool IsEmpty() const { return value_.index() == 0; }
+  bool IsEmpty() const { return std::holds_alternative<std::monostate>(value_); }
   bool IsString() const { return std::holds_alternative<std::string>(value_); }
   bool IsObject() const { return std::holds_alternative<ObjectRef>(value_); }
   bool IsNumeric() const;

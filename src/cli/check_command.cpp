@@ -1,9 +1,9 @@
 #include <optional>
 #include <string_view>
 
+#include "automation/casefold.h"
 #include "cli/commands.h"
 #include "cli/session.h"
-#include "platform/casefold.h"
 #include "platform/home.h"
 #include "project/ide_settings.h"
 #include "project/project_file_check.h"
@@ -38,7 +38,8 @@ std::optional<std::string> MissingLibrary(std::string_view message) {
   const size_t equals = line.find('=');
   if (equals == std::string_view::npos) return std::nullopt;
   const std::string_view key = Trim(line.substr(0, equals));
-  if (!platform::EqualsNoCase(key, "object") && !platform::EqualsNoCase(key, "reference")) {
+  if (!automation::EqualsAsciiNoCase(key, "object") &&
+      !automation::EqualsAsciiNoCase(key, "reference")) {
     return std::nullopt;
   }
   // The check drops every blank of the value before it looks for the identifier.

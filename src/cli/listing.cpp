@@ -2,10 +2,10 @@
 
 #include <map>
 
+#include "automation/casefold.h"
 #include "collections/collection_kinds.h"
 #include "contracts/driver_interfaces.h"
 #include "contracts/enumeration.h"
-#include "platform/casefold.h"
 
 namespace cli {
 namespace {
@@ -51,7 +51,7 @@ ProjectListing ListComponents(const automation::ObjectRef& project,
     entries.push_back(contracts::ParseEnumeration(collection.text));
     for (const contracts::EnumerationEntry& entry : entries.back()) {
       if (entry.name.empty()) continue;
-      NameUse& use = projectNames[platform::FoldCase(entry.name)];
+      NameUse& use = projectNames[automation::VbNameKey(entry.name)];
       if (use.count++ == 0) use.name = entry.name;
       if (use.collections.empty() || use.collections.back() != collection.name)
         use.collections.push_back(collection.name);
@@ -64,7 +64,7 @@ ProjectListing ListComponents(const automation::ObjectRef& project,
     const std::string key = ProjectFileKey(collections[c].name);
     std::map<std::string, size_t> kindNames;
     for (const contracts::EnumerationEntry& entry : entries[c])
-      ++kindNames[platform::FoldCase(entry.name)];
+      ++kindNames[automation::VbNameKey(entry.name)];
 
     CollectionListing out{collections[c].name, {}};
     for (const contracts::EnumerationEntry& entry : entries[c]) {
@@ -74,7 +74,7 @@ ProjectListing ListComponents(const automation::ObjectRef& project,
         // An IDE that has the project open filled in the time itself.
         component.version = entry.version;
         component.state = entry.writable ? FileState::Writable : FileState::ReadOnly;
-      } else if (kindNames[platform::FoldCase(entry.name)] == 1) {
+      } else if (kindNames[automation::VbNameKey(entry.name)] == 1) {
         std::string version;
         bool updatable = false;
         projectObject.GetObjectInfo(key, entry.name, version, updatable);
@@ -87,7 +87,8 @@ ProjectListing ListComponents(const automation::ObjectRef& project,
       }
       if (entry.name.empty()) {
         component.problems.push_back(MissingName(entry, component.state));
-      } else if (const NameUse& use = projectNames[platform::FoldCase(entry.name)]; use.count > 1) {
+      } else if (const NameUse& use = projectNames[automation::VbNameKey(entry.name)];
+                 use.count > 1) {
         component.problems.push_back("name used " + std::to_string(use.count) + " times");
       }
       out.components.push_back(std::move(component));

@@ -1,24 +1,16 @@
 #include "cli/session.h"
 
-#include "collections/component_collection.h"
 #include "contracts/driver_interfaces.h"
-#include "foundation/globals.h"
 #include "host/register.h"
-#include "project/register.h"
+#include "special/qxvb60.h"
 
 namespace cli {
 
 using automation::Dispatch;
 
-void LoadDriver() {
-  host::RegisterClasses();
-  project::RegisterProjectClasses();
-  collections::RegisterCollectionClasses();
-  foundation::Main();
-}
-
 Session::Session() {
-  LoadDriver();
+  host::RegisterClasses();
+  special::LoadDriver();
   problemLog_ = automation::CreateObject("qxlib41.ProblemLog");
   driver_ = automation::CreateObject("qxvb60.Driver");
   automation::ObjectRef log = problemLog_;

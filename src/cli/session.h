@@ -10,10 +10,6 @@
 
 namespace cli {
 
-// Registers the classes of the host library and of the driver, and runs the driver's start
-// routine, as loading the driver into a host process does.
-void LoadDriver();
-
 class Session {
  public:
   Session();

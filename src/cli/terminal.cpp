@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
+#include "automation/utf8.h"
 #include "platform/codepage.h"
-#include "platform/utf8.h"
 
 namespace cli {
 namespace {
@@ -40,8 +40,8 @@ std::string EscapeControls(std::string_view text) {
   size_t pos = 0;
   while (pos < text.size()) {
     const size_t start = pos;
-    const char32_t cp = platform::utf8::Next(text, pos);
-    if (cp == platform::utf8::kInvalid) {
+    const char32_t cp = automation::utf8::Next(text, pos);
+    if (cp == automation::utf8::kInvalid) {
       AppendEscape(out, "\\x%02x", static_cast<unsigned char>(text[start]));
     } else if ((cp < 0x20 && cp != '\t' && cp != '\n') || cp == 0x7F) {
       AppendEscape(out, "\\x%02x", static_cast<unsigned>(cp));
@@ -62,7 +62,7 @@ std::string EscapeJsonControls(std::string_view json) {
   size_t pos = 0;
   while (pos < json.size()) {
     const size_t start = pos;
-    const char32_t cp = platform::utf8::Next(json, pos);
+    const char32_t cp = automation::utf8::Next(json, pos);
     if (cp == 0x7F || IsC1(cp)) {
       AppendEscape(out, "\\u%04x", static_cast<unsigned>(cp));
     } else {

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "automation/casefold.h"
+
 namespace foundation {
 
 // VB's Trim: leading and trailing blanks (spaces) removed; tabs stay.
@@ -15,13 +17,9 @@ inline std::string_view Trim(std::string_view s) {
   return s;
 }
 
-// VB's LCase for the ASCII letters, which is all that keys of VB's files use.
+// VB's LCase: every letter in lower case.
 inline std::string LCase(std::string_view s) {
-  std::string out(s);
-  for (char& c : out) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return out;
+  return automation::FoldCaseUnicode(s);
 }
 
 // The text before and after the first occurrence of a separator (npos: no separator).

@@ -60,7 +60,7 @@ void LogRuntimeError(int32_t number, const std::string& description, const std::
                      const std::string& className, const std::string& procedureName, int32_t line);
 
 // The fixed errors of the driver.
-inline constexpr int32_t kUserError = -32767;
+inline constexpr int32_t kUserError = automation::err::kUserError;
 inline constexpr int32_t kInvalidCaseSelector = -32753;
 inline constexpr int32_t kUndefinedProperty = -32749;
 

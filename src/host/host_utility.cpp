@@ -4,9 +4,9 @@
 #include <mutex>
 #include <vector>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
 #include "automation/process.h"
-#include "platform/casefold.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 
@@ -103,7 +103,7 @@ bool HostUtility::FileExists(const std::string& path) {
 automation::ObjectRef HostUtility::LaunchAndConnect(const std::string&, const std::string&,
                                                     const std::string&, const std::string&, int32_t,
                                                     int32_t, int32_t) {
-  automation::RaiseMessage(-32767,
+  automation::RaiseMessage(automation::err::kUserError,
                            "No IDE connection is available: starting the VB6 IDE comes with a "
                            "later version of qx.");
 }
@@ -153,7 +153,7 @@ std::string HostUtility::ResolvePath(const std::string& name) {
 }
 
 std::string HostUtility::NormalizeName(std::string_view name) {
-  std::string out = platform::FoldCase(name);
+  std::string out = automation::FoldCaseUnicode(name);
   for (char& c : out) {
     if (c == '/') c = '\\';
   }

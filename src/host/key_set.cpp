@@ -1,7 +1,7 @@
 #include "host/key_set.h"
 
+#include "automation/casefold.h"
 #include "automation/error.h"
-#include "platform/casefold.h"
 
 namespace host {
 
@@ -16,7 +16,7 @@ const automation::ClassInfo& KeySet::Class() const {
 }
 
 void KeySet::Add(const std::string& key) {
-  std::string folded = platform::FoldCase(key);
+  std::string folded = automation::FoldCaseUnicode(key);
   if (byKey_.count(folded)) automation::Raise(automation::err::kDuplicateKey, key);
   folded_.reserve(folded_.size() + 1);
   byKey_.emplace(folded, folded_.size());
@@ -24,7 +24,7 @@ void KeySet::Add(const std::string& key) {
 }
 
 int32_t KeySet::Find(const std::string& key) const {
-  auto it = byKey_.find(platform::FoldCase(key));
+  auto it = byKey_.find(automation::FoldCaseUnicode(key));
   return it == byKey_.end() ? 0 : static_cast<int32_t>(it->second + 1);
 }
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
-#include "platform/casefold.h"
 #include "platform/text.h"
 
 namespace host {
@@ -130,7 +130,7 @@ std::string ParameterList::Text() const {
 
 void ParameterList::Set(std::vector<Pair>& pairs, std::string name, std::string value) {
   for (Pair& pair : pairs) {
-    if (platform::EqualsNoCase(pair.name, name)) {
+    if (automation::EqualsNoCaseUnicode(pair.name, name)) {
       pair.value = std::move(value);
       return;
     }
@@ -140,7 +140,7 @@ void ParameterList::Set(std::vector<Pair>& pairs, std::string name, std::string 
 
 const ParameterList::Pair* ParameterList::FindPair(std::string_view name) const {
   for (const Pair& pair : pairs_) {
-    if (platform::EqualsNoCase(pair.name, name)) return &pair;
+    if (automation::EqualsNoCaseUnicode(pair.name, name)) return &pair;
   }
   return nullptr;
 }

@@ -13,10 +13,11 @@
 #include <optional>
 
 #include "automation/error.h"
-#include "platform/utf8.h"
+#include "automation/utf8.h"
 
 namespace platform {
 namespace {
+namespace utf8 = automation::utf8;
 
 constexpr int kWindows1252 = 1252;
 

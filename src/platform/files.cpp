@@ -11,11 +11,11 @@
 #include <random>
 #include <system_error>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
-#include "platform/casefold.h"
+#include "automation/utf8.h"
 #include "platform/os_error.h"
 #include "platform/paths.h"
-#include "platform/utf8.h"
 
 namespace fs = std::filesystem;
 
@@ -23,6 +23,7 @@ namespace platform {
 namespace {
 
 namespace err = automation::err;
+namespace utf8 = automation::utf8;
 
 bool StatPath(const fs::path& path, struct stat& st) {
   return ::stat(path.c_str(), &st) == 0;
@@ -118,7 +119,7 @@ std::u32string FoldedCodePoints(std::string_view text) {
     const std::size_t start = pos;
     const char32_t cp = utf8::Next(text, pos);
     out += cp == utf8::kInvalid ? (0x80000000u | static_cast<unsigned char>(text[start]))
-                                : FoldChar(cp);
+                                : automation::FoldCodePoint(cp);
   }
   return out;
 }
@@ -306,7 +307,7 @@ std::vector<std::string> Dir(std::string_view pattern, bool includeFolders) {
     if (WildcardMatch(wildcard, entry)) names.push_back(std::move(entry));
   }
   std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
-    const int order = CompareNoCase(a, b);
+    const int order = automation::CompareNoCaseUnicode(a, b);
     return order != 0 ? order < 0 : a < b;
   });
   return names;

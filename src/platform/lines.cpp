@@ -1,5 +1,6 @@
 #include "platform/lines.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "platform/codepage.h"
@@ -7,31 +8,32 @@
 
 namespace platform {
 
+LineReader::LineReader(std::string_view text, LineEnds ends)
+    : text_(text),
+      cr_(Find('\r', 0)),
+      lf_(ends == LineEnds::kAny ? Find('\n', 0) : std::string_view::npos) {}
+
+std::size_t LineReader::Find(char c, std::size_t from) const {
+  if (from >= text_.size()) return std::string_view::npos;
+  const void* hit = std::memchr(text_.data() + from, c, text_.size() - from);
+  return hit == nullptr ? std::string_view::npos
+                        : static_cast<std::size_t>(static_cast<const char*>(hit) - text_.data());
+}
+
 bool LineReader::Next(std::string_view& line) {
   const std::size_t size = text_.size();
   if (pos_ >= size) {
     lastEnd_ = {};
     return false;
   }
-  const char* data = text_.data();
-  const std::size_t start = pos_;
-  std::size_t end = start;
-  if (ends_ == LineEnds::kAny) {
-    while (end < size && data[end] != '\n' && data[end] != '\r')
-      ++end;
-  } else {
-    const void* cr = std::memchr(data + start, '\r', size - start);
-    end = cr != nullptr ? static_cast<std::size_t>(static_cast<const char*>(cr) - data) : size;
-  }
-  line = text_.substr(start, end - start);
+  // A position found earlier stays valid until the reading passes it; npos never needs renewing.
+  if (cr_ < pos_) cr_ = Find('\r', pos_);
+  if (lf_ < pos_) lf_ = Find('\n', pos_);
+  const std::size_t end = std::min({cr_, lf_, size});
+  line = text_.substr(pos_, end - pos_);
   std::size_t next = end;
-  if (end < size) {
-    if (data[end] == '\r' && end + 1 < size && data[end + 1] == '\n') {
-      next = end + 2;
-    } else {
-      next = end + 1;
-    }
-  }
+  if (end < size)
+    next = (text_[end] == '\r' && end + 1 < size && text_[end + 1] == '\n') ? end + 2 : end + 1;
   lastEnd_ = text_.substr(end, next - end);
   pos_ = next;
   return true;

@@ -4,7 +4,7 @@
 #include <system_error>
 #include <vector>
 
-#include "platform/casefold.h"
+#include "automation/casefold.h"
 #include "platform/home.h"
 
 namespace fs = std::filesystem;
@@ -27,7 +27,8 @@ std::optional<std::string> MatchNoCase(const fs::path& folder, const std::string
   for (; it != fs::directory_iterator(); it.increment(ec)) {
     if (ec) break;
     std::string name = it->path().filename().string();
-    if (EqualsNoCase(name, part) && (!best || name < *best)) best = std::move(name);
+    if (automation::EqualsNoCaseUnicode(name, part) && (!best || name < *best))
+      best = std::move(name);
   }
   return best;
 }

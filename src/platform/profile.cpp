@@ -3,8 +3,8 @@
 #include <optional>
 #include <system_error>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
-#include "platform/casefold.h"
 #include "platform/codepage.h"
 #include "platform/files.h"
 #include "platform/lines.h"
@@ -71,7 +71,8 @@ std::optional<std::string_view> KeyOf(std::string_view line, std::string_view* v
 // Index of the header line of the first section with this name, or nullopt.
 std::optional<std::size_t> FindSection(const Profile& profile, std::string_view section) {
   for (std::size_t i = 0; i < profile.lines.size(); ++i) {
-    if (auto name = SectionName(profile.lines[i].text); name && EqualsNoCase(*name, section)) {
+    if (auto name = SectionName(profile.lines[i].text);
+        name && automation::EqualsNoCaseUnicode(*name, section)) {
       return i;
     }
   }
@@ -112,7 +113,8 @@ bool WritePrivateProfileString(std::string_view section, std::string_view key,
       for (std::size_t i = *header + 1; i < lines.size(); ++i) {
         if (SectionName(lines[i].text)) break;
         if (!TrimBlanks(lines[i].text).empty()) insertAfter = i;
-        if (auto existing = KeyOf(lines[i].text); existing && EqualsNoCase(*existing, key)) {
+        if (auto existing = KeyOf(lines[i].text);
+            existing && automation::EqualsNoCaseUnicode(*existing, key)) {
           found = i;
           break;
         }
@@ -162,7 +164,7 @@ std::string GetPrivateProfileString(std::string_view section, std::string_view k
       if (SectionName(profile.lines[i].text)) break;
       std::string_view value;
       if (auto existing = KeyOf(profile.lines[i].text, &value);
-          existing && EqualsNoCase(*existing, TrimBlanks(key))) {
+          existing && automation::EqualsNoCaseUnicode(*existing, TrimBlanks(key))) {
         return std::string(value);
       }
     }

@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <system_error>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
-#include "platform/casefold.h"
 #include "platform/files.h"
 #include "platform/home.h"
 #include "platform/paths.h"
@@ -34,7 +34,7 @@ std::string NormalizeOrRaise(std::string_view keyPath) {
 
 RegistryValue* FindValue(RegistryKeyEntry& key, std::string_view name) {
   for (auto& value : key.values) {
-    if (EqualsNoCase(value.name, name)) return &value;
+    if (automation::EqualsNoCaseUnicode(value.name, name)) return &value;
   }
   return nullptr;
 }
@@ -127,7 +127,7 @@ void Registry::Save() {
 
 RegistryKeyEntry* Registry::Find(const std::string& normalizedPath) {
   for (auto& key : data_.keys) {
-    if (EqualsNoCase(key.path, normalizedPath)) return &key;
+    if (automation::EqualsNoCaseUnicode(key.path, normalizedPath)) return &key;
   }
   return nullptr;
 }
@@ -143,9 +143,9 @@ bool Registry::KeyExists(std::string_view keyPath) {
   Refresh();
   const std::string path = NormalizeKeyPath(keyPath);
   if (path.empty()) return false;
-  const std::string folded = FoldCase(path);
+  const std::string folded = automation::FoldCaseUnicode(path);
   for (const auto& key : data_.keys) {
-    const std::string candidate = FoldCase(key.path);
+    const std::string candidate = automation::FoldCaseUnicode(key.path);
     if (candidate == folded) return true;
     if (candidate.size() > folded.size() && candidate.compare(0, folded.size(), folded) == 0 &&
         candidate[folded.size()] == '\\') {

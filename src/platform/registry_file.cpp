@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <map>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
-#include "platform/casefold.h"
 #include "platform/lines.h"
 #include "platform/text.h"
 
@@ -89,7 +89,7 @@ class Parser {
       Fail("unknown root key in [" + std::string(inner) +
            "]; use HKEY_CLASSES_ROOT, HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE or HKEY_USERS");
     }
-    std::string folded = FoldCase(path);
+    std::string folded = automation::FoldCaseUnicode(path);
     auto [it, inserted] = index_.emplace(std::move(folded), file_.keys.size());
     if (inserted) file_.keys.push_back({std::move(path), {}, {}});
     current_ = &file_.keys[it->second];
@@ -155,7 +155,7 @@ class Parser {
     value.comments = std::move(pending_);
     pending_.clear();
     for (auto& existing : current_->values) {
-      if (EqualsNoCase(existing.name, value.name)) {
+      if (automation::EqualsNoCaseUnicode(existing.name, value.name)) {
         existing = std::move(value);
         return;
       }
@@ -197,8 +197,8 @@ std::string NormalizeKeyPath(std::string_view keyPath) {
       first = false;
       const Hive* hive = nullptr;
       for (const Hive& h : kHives) {
-        if (EqualsNoCase(part, h.longName) ||
-            (!h.shortName.empty() && EqualsNoCase(part, h.shortName))) {
+        if (automation::EqualsNoCaseUnicode(part, h.longName) ||
+            (!h.shortName.empty() && automation::EqualsNoCaseUnicode(part, h.shortName))) {
           hive = &h;
         }
       }

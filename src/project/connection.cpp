@@ -3,11 +3,11 @@
 #include <memory>
 #include <utility>
 
+#include "automation/casefold.h"
 #include "contracts/host_classes.h"
 #include "foundation/globals.h"
 #include "foundation/operation.h"
 #include "foundation/vxhandler.h"
-#include "platform/casefold.h"
 #include "project/dispatcher.h"
 
 namespace project {
@@ -120,7 +120,7 @@ void Connection::ProjectEvents_ItemRemoved(const ObjectRef& vbProject) {
     int32_t write = 0;
     for (int32_t position = 0; position < walked; ++position) {
       Entry& entry = entries_[static_cast<size_t>(position)];
-      if (!platform::EqualsNoCase(project.Get("FileName").ToString(), entry.fileName)) {
+      if (!automation::EqualsNoCaseUnicode(project.Get("FileName").ToString(), entry.fileName)) {
         if (write < position) entries_[static_cast<size_t>(write)] = std::move(entry);
         ++write;
         continue;

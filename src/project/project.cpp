@@ -1,11 +1,11 @@
 #include "project/project.h"
 
+#include "automation/casefold.h"
 #include "contracts/host_classes.h"
 #include "foundation/globals.h"
 #include "foundation/operation.h"
 #include "foundation/vbstrings.h"
 #include "foundation/vxhandler.h"
-#include "platform/casefold.h"
 #include "platform/codepage.h"
 #include "platform/files.h"
 #include "platform/lines.h"
@@ -46,7 +46,8 @@ bool NameFromFile(const std::string& file, std::string& name) {
   while (reader.Next(raw)) {
     const std::string line = codePage.Decode(raw);
     const auto split = SplitAt(Trim(line), '=');
-    if (!split.found || !platform::EqualsNoCase(Trim(split.before), "Attribute VB_Name")) continue;
+    if (!split.found || !automation::EqualsNoCaseUnicode(Trim(split.before), "Attribute VB_Name"))
+      continue;
     std::string value(Trim(split.after));
     if (!value.empty() && value.front() == '"') {
       value = value.size() >= 2 ? value.substr(1, value.size() - 2) : std::string();
@@ -255,12 +256,12 @@ Project::Kind* Project::KindOf(const std::string& className) {
       entry.written = value.file;
       entry.file = folder + entry.written;
       entry.resolved = Resolve(folder, entry.written);
-      listing.kinds[platform::FoldCase(line.key)].entries.push_back(listing.entries.size());
+      listing.kinds[automation::LowerAscii(line.key)].entries.push_back(listing.entries.size());
       listing.entries.push_back(std::move(entry));
     }
     listing_ = std::move(listing);
   }
-  const auto found = listing_->kinds.find(platform::FoldCase(className));
+  const auto found = listing_->kinds.find(automation::LowerAscii(className));
   return found == listing_->kinds.end() ? nullptr : &found->second;
 }
 
@@ -279,14 +280,14 @@ bool Project::RefreshName(Entry& entry) {
 }
 
 Project::Entry* Project::FindEntry(Kind& kind, const std::string& objectName) {
-  const std::string wanted = platform::FoldCase(objectName);
+  const std::string wanted = automation::VbNameKey(objectName);
   for (int attempt = 0; attempt < 2; ++attempt) {
     if (!kind.indexed || attempt > 0) {
       kind.byName.clear();
       for (const std::size_t index : kind.entries) {
         Entry& entry = listing_->entries[index];
         RefreshName(entry);
-        kind.byName.try_emplace(platform::FoldCase(entry.name), index);
+        kind.byName.try_emplace(automation::VbNameKey(entry.name), index);
       }
       kind.indexed = true;
       attempt = 1;
@@ -295,7 +296,7 @@ Project::Entry* Project::FindEntry(Kind& kind, const std::string& objectName) {
     if (found != kind.byName.end()) {
       Entry& entry = listing_->entries[found->second];
       // A component file may have renamed its component since the index was made.
-      if (!RefreshName(entry) || platform::EqualsNoCase(entry.name, objectName)) return &entry;
+      if (!RefreshName(entry) || automation::SameVbName(entry.name, objectName)) return &entry;
     }
   }
   return nullptr;

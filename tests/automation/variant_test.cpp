@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <limits>
+
 #include "automation/error.h"
 #include "support/errors.h"
 
@@ -60,6 +63,48 @@ TEST(Variant, BooleansAndStrings) {
   EXPECT_EQ(Variant(-0.0).ToString(), "0");
   EXPECT_EQ(Variant::Cur(automation::Currency{15000}).ToString(), "1.5");
   EXPECT_EQ(Variant().ToString(), "");
+}
+
+TEST(Variant, CurrencyKeepsEveryDigitBothWays) {
+  using automation::Currency;
+  constexpr int64_t kMax = std::numeric_limits<int64_t>::max();
+  constexpr int64_t kMin = std::numeric_limits<int64_t>::min();
+  // Text from the 64-bit integer: no rounding to 15 digits, no exponent, no trailing zeros.
+  EXPECT_EQ(Variant::Cur(Currency{kMax}).ToString(), "922337203685477.5807");
+  EXPECT_EQ(Variant::Cur(Currency{kMin}).ToString(), "-922337203685477.5808");
+  EXPECT_EQ(Variant::Cur(Currency{12345678901234567}).ToString(), "1234567890123.4567");
+  EXPECT_EQ(Variant::Cur(Currency{-5}).ToString(), "-0.0005");
+  EXPECT_EQ(Variant::Cur(Currency{1000000000000}).ToString(), "100000000");
+  EXPECT_EQ(Variant::Cur(Currency{0}).ToString(), "0");
+  // And back, exactly.
+  EXPECT_EQ(Variant("922337203685477.5807").ToCurrency(), Currency{kMax});
+  EXPECT_EQ(Variant("-922337203685477.5808").ToCurrency(), Currency{kMin});
+  EXPECT_EQ(Variant("1234567890123.4567").ToCurrency(), Currency{12345678901234567});
+  EXPECT_EQ(Variant("$1,234.5").ToCurrency(), Currency{12345000});
+  EXPECT_EQ(Variant("1.5E3").ToCurrency(), Currency{15000000});
+  EXPECT_EQ(Variant("(0.25)").ToCurrency(), Currency{-2500});
+  EXPECT_EQ(Variant("&H10").ToCurrency(), Currency{160000});
+  EXPECT_EQ(Variant("True").ToCurrency(), Currency{-10000});
+  // Digits below the fourth decimal round half to even.
+  EXPECT_EQ(Variant("0.00005").ToCurrency(), Currency{0});
+  EXPECT_EQ(Variant("0.00015").ToCurrency(), Currency{2});
+  EXPECT_EQ(Variant("0.000051").ToCurrency(), Currency{1});
+  EXPECT_EQ(Variant("-2.00025").ToCurrency(), Currency{-20002});
+  EXPECT_EQ(Variant("1E-30").ToCurrency(), Currency{0});
+  // One past either end overflows, also when rounding carries it there.
+  EXPECT_EQ(ErrorOf([] { Variant("922337203685477.5808").ToCurrency(); }), 6);
+  EXPECT_EQ(ErrorOf([] { Variant("-922337203685477.5809").ToCurrency(); }), 6);
+  EXPECT_EQ(ErrorOf([] { Variant("922337203685477.58075").ToCurrency(); }), 6);
+  EXPECT_EQ(ErrorOf([] { Variant("1E20").ToCurrency(); }), 6);
+  EXPECT_EQ(ErrorOf([] { Variant(1e20).ToCurrency(); }), 6);
+  EXPECT_EQ(Variant(-922337203685477.5808).ToCurrency(), Currency{kMin});
+  // Round trip of ordinary values through their text.
+  for (int64_t scaled : {int64_t{1}, int64_t{-10000}, int64_t{123456789}, int64_t{-99990}}) {
+    const Variant v = Variant::Cur(Currency{scaled});
+    EXPECT_EQ(Variant(v.ToString()).ToCurrency(), Currency{scaled}) << v.ToString();
+  }
+  EXPECT_EQ(Variant::Integer(-3).ToCurrency(), Currency{-30000});
+  EXPECT_EQ(Variant::Cur(Currency{25000}).ToLong(), 2);
 }
 
 TEST(Variant, ObjectsAndTypes) {

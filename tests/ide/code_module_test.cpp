@@ -11,6 +11,7 @@
 #include "automation/error.h"
 #include "ide/code/code_module.h"
 #include "module_text.h"
+#include "platform/codepage.h"
 #include "support/errors.h"
 
 namespace {
@@ -265,6 +266,15 @@ TEST(CodeModule, RangesAtTheEdgesOfTheModule) {
 
 // VB6 loads a module that declares a name twice (it only refuses to compile it): look-ups find
 // the first, and the driver's walk still moves through the module.
+// VB takes names that differ only in letter case for one, in every script of its code page.
+TEST(CodeModule, ProceduresAreFoundWhateverTheCaseOfTheirLetters) {
+  auto file = Module(platform::GetCodePage(1252).Encode(
+      Crlf({"Sub Ärger()", "End Sub", "Property Get Größe()", "End Property"})));
+  CodeModule& code = file->Code();
+  EXPECT_EQ(code.ProcStartLine("äRGER", ProcKind::kProc), 1);
+  EXPECT_EQ(code.ProcStartLine("GRÖßE", ProcKind::kGet), 3);
+}
+
 TEST(CodeModule, TheFirstOfTwoProceduresWithOneNameIsFound) {
   auto file = Module(Crlf({"Sub Twice()", "    x = 1", "End Sub", "", "Sub Twice()", "End Sub",
                            "Sub Other()", "End Sub"}));

@@ -8,9 +8,11 @@
 #include "automation/process.h"
 #include "fixture_copy.h"
 #include "ide/vbide/add_in.h"
+#include "ide/vbide/events.h"
 #include "ide/vbide/ide.h"
 #include "ide/vbide/vbe.h"
 #include "ide/vbide/vbproject.h"
+#include "ide/vbide/vbprojects_events.h"
 #include "platform/windows.h"
 #include "vbide_support.h"
 
@@ -161,6 +163,44 @@ TEST(VbideLifetime, EventSinksComeAndGoByCookie) {
   EXPECT_EQ(first.use_count(), 1);
   EXPECT_EQ(second.use_count(), 1);
   Dispatch(second, "IDTExtensibility").Call("OnStartupComplete", automation::Variant());
+}
+
+// A sink whose process has gone: asked for its class, it raises 462, as a proxy does.
+class Vanished : public automation::Object {
+ public:
+  const automation::ClassInfo& Class() const override {
+    if (gone) automation::Raise(automation::err::kServerUnavailable);
+    return vbidetest::Recorder().Class();
+  }
+  bool gone = false;
+};
+
+TEST(VbideLifetime, ASinkThatFailsOddlyNeitherStopsTheEndNorOutlivesTheIde) {
+  vbidetest::RegisterTestAddIns();
+  FixtureCopy copy("ledger");
+  auto ide = ide::Ide::Start(copy.Path("Ledger.vbp"));
+  // Add-ins can hold the event source past the IDE's end.
+  const std::shared_ptr<ide::vbide::VBProjectsEvents> events =
+      ide->VBE()->Events()->VBProjectsEvents();
+  auto vanished = std::make_shared<Vanished>();
+  events->Advise(vanished);
+  vanished->gone = true;
+
+  // Its failure is recorded, and the end goes through: sinks dropped, projects and add-ins
+  // torn down (LeakSanitizer reports the cycles otherwise).
+  EXPECT_NO_THROW(ide->End());
+  EXPECT_EQ(events->SinkCount(), 0u);
+  EXPECT_EQ(vanished.use_count(), 1);
+  ASSERT_EQ(ide->Problems().size(), 1u);
+  EXPECT_EQ(ide->Problems()[0].Text(),
+            "the ItemRemoved handler of an event sink: The remote server machine does not exist "
+            "or is unavailable (error 462)");
+
+  // With the IDE gone, a failing handler on the surviving source reaches no freed memory.
+  ide.reset();
+  events->Advise(std::make_shared<vbidetest::Grumpy>());
+  events->Fire("ItemAdded", nullptr);
+  EXPECT_EQ(Log().back(), "Grumpy.ItemAdded");
 }
 
 }  // namespace

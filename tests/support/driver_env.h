@@ -12,7 +12,8 @@
 
 #include "automation/error.h"
 #include "automation/process.h"
-#include "cli/session.h"
+#include "host/register.h"
+#include "special/qxvb60.h"
 #include "support/temp_home.h"
 
 namespace qxtest {
@@ -20,7 +21,8 @@ namespace qxtest {
 class DriverEnv {
  public:
   DriverEnv() : process_(automation::Process::Create("host")), scope_(process_) {
-    cli::LoadDriver();
+    host::RegisterClasses();
+    special::LoadDriver();
   }
   ~DriverEnv() { process_->End(); }
 

@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <utility>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
+#include "ide/text/attribute_line.h"
 #include "ide/text/source_text.h"
+#include "platform/lines.h"
 #include "platform/text.h"
 
 namespace ide {
@@ -25,8 +28,8 @@ void CheckKind(ProcKind kind) {
 
 // Whether a line declares the member: the name appears in it as a whole word.
 bool MentionsWord(std::string_view line, std::string_view word) {
-  std::string folded = FoldIdentifier(line);
-  std::string key = FoldIdentifier(word);
+  std::string folded = automation::VbNameKey(line);
+  std::string key = automation::VbNameKey(word);
   for (std::size_t pos = folded.find(key); pos != std::string::npos;
        pos = folded.find(key, pos + 1)) {
     bool before = pos == 0 || !IsIdentChar(folded[pos - 1]);
@@ -107,59 +110,13 @@ Piece ReadPiece(int32_t i, int32_t limit, const FactsAt& factsAt, const TextAt& 
 }  // namespace
 
 std::size_t CodeModule::ProcKeyHash::operator()(const ProcKey& key) const {
-  // FNV-1a over the name with ASCII letters folded, as VB compares names, then the kind.
-  std::size_t hash = 14695981039346656037ull;
-  for (char c : key.name) {
-    hash ^= static_cast<unsigned char>((c >= 'A' && c <= 'Z') ? c - 'A' + 'a' : c);
-    hash *= 1099511628211ull;
-  }
-  return hash ^ static_cast<std::size_t>(key.kind);
+  // The name folded as VB compares names, then the kind.
+  return std::hash<std::string>{}(automation::VbNameKey(key.name)) ^
+         static_cast<std::size_t>(key.kind);
 }
 
 bool CodeModule::ProcKeyEqual::operator()(const ProcKey& a, const ProcKey& b) const {
-  return a.kind == b.kind && SameIdentifier(a.name, b.name);
-}
-
-std::string_view AttributeMember(std::string_view line) {
-  std::size_t pos = 0;
-  while (pos < line.size() && IsBlank(line[pos]))
-    ++pos;
-  constexpr std::string_view kWord = "attribute";
-  if (line.size() - pos <= kWord.size() || !SameIdentifier(line.substr(pos, kWord.size()), kWord) ||
-      !IsBlank(line[pos + kWord.size()])) {
-    return {};
-  }
-  pos += kWord.size();
-  while (pos < line.size() && IsBlank(line[pos]))
-    ++pos;
-  std::size_t start = pos;
-  while (pos < line.size() && (IsIdentChar(line[pos]) || line[pos] == '.'))
-    ++pos;
-  std::string_view path = line.substr(start, pos - start);
-  std::size_t dot = path.find('.');
-  if (dot == std::string_view::npos) return {};
-  return path.substr(0, dot);
-}
-
-bool IsAttributeLine(std::string_view line) {
-  std::size_t pos = 0;
-  while (pos < line.size() && IsBlank(line[pos]))
-    ++pos;
-  constexpr std::string_view kWord = "attribute";
-  if (line.size() - pos <= kWord.size() || !SameIdentifier(line.substr(pos, kWord.size()), kWord) ||
-      !IsBlank(line[pos + kWord.size()])) {
-    return false;
-  }
-  pos += kWord.size();
-  while (pos < line.size() && IsBlank(line[pos]))
-    ++pos;
-  std::size_t start = pos;
-  while (pos < line.size() && (IsIdentChar(line[pos]) || line[pos] == '.'))
-    ++pos;
-  if (pos == start) return false;
-  while (pos < line.size() && IsBlank(line[pos]))
-    ++pos;
-  return pos < line.size() && line[pos] == '=';
+  return a.kind == b.kind && automation::SameVbName(a.name, b.name);
 }
 
 CodeModule::CodeModule() = default;
@@ -238,7 +195,7 @@ void CodeModule::BuildIndex() const {
         // alternative headings (a declaration that differs per platform or version).
         auto alternative = [&](const Proc& p) {
           return block != 0 && p.ifBlock == block && p.ifBranch != branch && p.kind == st.kind &&
-                 SameIdentifier(p.name, st.name);
+                 automation::SameVbName(p.name, st.name);
         };
         if (open != nullptr) {
           if (alternative(*open)) break;
@@ -483,7 +440,7 @@ const CodeModule::Proc& CodeModule::FindProc(std::string_view name, ProcKind kin
   // The driver asks for the procedure that ProcOfLine has just named: answer that without the
   // hash table (unless an earlier procedure has the same name, which the table answers).
   if (const Proc* p = idx.recent) {
-    if (p->firstOfKey && p->kind == kind && SameIdentifier(p->name, name)) return *p;
+    if (p->firstOfKey && p->kind == kind && automation::SameVbName(p->name, name)) return *p;
   }
   auto it = idx.byKey.find(ProcKey{name, kind});
   if (it == idx.byKey.end()) {
@@ -546,7 +503,9 @@ void CodeModule::DeleteLines(int32_t start, int32_t count) {
   for (auto it = first; it != last; ++it) {
     if (!it->hidden) continue;
     for (SourceLine& hidden : *it->hidden) {
-      std::string member = FoldIdentifier(AttributeMember(hidden.text));
+      const auto attribute = ParseAttributeLine(hidden.text);
+      std::string member =
+          automation::VbNameKey(attribute ? attribute->Member() : std::string_view{});
       auto group = std::find_if(detached_.begin(), detached_.end(),
                                 [&](const Detached& d) { return d.member == member; });
       if (group == detached_.end()) {
@@ -567,20 +526,21 @@ void CodeModule::InsertLines(int32_t line, std::string_view text) {
   CheckLine(line, n + 1);
   std::vector<CodeLine> added;
   std::vector<LineFacts> addedFacts;
-  LineEndFinder finder(text);
-  std::size_t pos = 0;
-  for (;;) {
-    std::size_t stop = finder.Next(pos);
-    std::string_view piece =
-        text.substr(pos, stop == std::string_view::npos ? std::string_view::npos : stop - pos);
+  auto add = [&](std::string_view piece) {
     addedFacts.push_back(AnalyzeLine(piece));
     CodeLine code;
     code.line = SourceLine::New(std::string(piece));
     added.push_back(std::move(code));
-    if (stop == std::string_view::npos) break;
-    pos = stop + 1;
-    if (text[stop] == '\r' && pos < text.size() && text[pos] == '\n') ++pos;
+  };
+  // Every line end starts a line, so text that ends with one (or is empty) adds an empty line.
+  platform::LineReader reader(text);
+  std::string_view piece;
+  bool ended = true;
+  while (reader.Next(piece)) {
+    add(piece);
+    ended = !reader.LastLineEnd().empty();
   }
+  if (ended) add({});
   auto count = static_cast<int32_t>(added.size());
   const bool indexKept = IndexAfterInsert(line - 1, added, addedFacts);
   lines_.insert(lines_.begin() + (line - 1), std::make_move_iterator(added.begin()),
@@ -604,7 +564,8 @@ void CodeModule::Reattach(int32_t first, int32_t count) {
     if (group.member.empty()) continue;
     // A procedure of that name among the new lines: after its heading, continuation included.
     for (const auto& p : idx.procs) {
-      if (p->body < first || p->body >= first + count || FoldIdentifier(p->name) != group.member) {
+      if (p->body < first || p->body >= first + count ||
+          automation::VbNameKey(p->name) != group.member) {
         continue;
       }
       int32_t at = p->body;

@@ -156,10 +156,4 @@ class CodeModule {
   bool dirty_ = false;
 };
 
-// The member an `Attribute X.VB_...` line belongs to ("X"), or "" for another line.
-std::string_view AttributeMember(std::string_view line);
-
-// Whether a line of the code part is a hidden attribute line.
-bool IsAttributeLine(std::string_view line);
-
 }  // namespace ide

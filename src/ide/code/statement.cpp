@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "automation/casefold.h"
 #include "platform/text.h"
 
 namespace ide {
@@ -22,15 +23,11 @@ bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-char Lower(char c) {
-  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 // Case-insensitive comparison with an ASCII keyword written in lower case.
 bool IsWord(std::string_view word, std::string_view keyword) {
   if (word.size() != keyword.size()) return false;
   for (std::size_t i = 0; i < word.size(); ++i) {
-    if (Lower(word[i]) != keyword[i]) return false;
+    if (automation::LowerAscii(word[i]) != keyword[i]) return false;
   }
   return true;
 }
@@ -269,21 +266,6 @@ void AppendContinued(std::string& out, std::string_view line, bool continues) {
   }
   out.append(line);
   out.push_back(' ');
-}
-
-bool SameIdentifier(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (Lower(a[i]) != Lower(b[i])) return false;
-  }
-  return true;
-}
-
-std::string FoldIdentifier(std::string_view name) {
-  std::string out(name);
-  for (char& c : out)
-    c = Lower(c);
-  return out;
 }
 
 }  // namespace ide

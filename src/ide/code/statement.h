@@ -66,9 +66,4 @@ void AppendContinued(std::string& out, std::string_view line, bool continues);
 // Whether a character can be part of an identifier (letters of every script, digits, "_").
 bool IsIdentChar(char c);
 
-// VB's case-insensitive comparison of identifiers (ASCII letters fold; other characters compare
-// as they are, which is what matters for names written the same way in one module).
-bool SameIdentifier(std::string_view a, std::string_view b);
-std::string FoldIdentifier(std::string_view name);
-
 }  // namespace ide

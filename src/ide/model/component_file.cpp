@@ -2,7 +2,9 @@
 
 #include <utility>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
+#include "ide/text/attribute_line.h"
 #include "ide/text/source_text.h"
 #include "platform/codepage.h"
 #include "platform/text.h"
@@ -11,7 +13,7 @@ namespace ide {
 namespace {
 
 // VB's run-time error for a file whose contents are not what its kind requires.
-constexpr int32_t kInvalidFileFormat = 321;
+using automation::err::kInvalidFileFormat;
 
 [[noreturn]] void Invalid(std::string_view fileName, std::string_view problem) {
   std::string text = "Invalid file format: ";
@@ -21,7 +23,7 @@ constexpr int32_t kInvalidFileFormat = 321;
   automation::RaiseMessage(kInvalidFileFormat, std::move(text));
 }
 
-using platform::EqualsAsciiNoCase;
+using automation::EqualsAsciiNoCase;
 using platform::IsBlank;
 using platform::TrimBlanks;
 
@@ -50,12 +52,9 @@ bool IsFormLike(FileKind kind) {
 
 // The quoted value of `Attribute VB_Name = "X"`; npos positions when the line is not one.
 bool NameAttribute(std::string_view line, std::size_t& open, std::size_t& close) {
-  if (!IsAttributeLine(line)) return false;
-  std::size_t pos = line.find_first_not_of(" \t");
-  pos = line.find_first_not_of(" \t", pos + 9);
-  std::size_t eq = line.find('=', pos);
-  if (!EqualsAsciiNoCase(TrimBlanks(line.substr(pos, eq - pos)), "VB_Name")) return false;
-  open = line.find('"', eq);
+  const auto attribute = ParseAttributeLine(line);
+  if (!attribute || !EqualsAsciiNoCase(attribute->name, "VB_Name")) return false;
+  open = line.find('"', attribute->valueStart);
   if (open == std::string_view::npos) return false;
   close = line.find('"', open + 1);
   if (close == std::string_view::npos) close = line.size();
@@ -106,7 +105,7 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
       std::string_view word = FirstWord(lines[i].text);
       if (EqualsAsciiNoCase(word, "Begin") || EqualsAsciiNoCase(word, "BeginProperty")) {
         DescriptionBlock block;
-        block.isProperty = word.size() > 5;
+        block.isProperty = EqualsAsciiNoCase(word, "BeginProperty");
         BeginWords(lines[i].text, block.type, block.name);
         block.firstLine = static_cast<int32_t>(i);
         block.parent = open.empty() ? -1 : open.back();
@@ -137,7 +136,7 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
   }
 
   attributesStart_ = static_cast<int32_t>(i);
-  while (i < n && IsAttributeLine(lines[i].text)) {
+  while (i < n && ParseAttributeLine(lines[i].text)) {
     std::size_t open = 0;
     std::size_t close = 0;
     if (nameLine_ < 0 && NameAttribute(lines[i].text, open, close)) {
@@ -151,7 +150,7 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
     header_.push_back(std::move(lines[k]));
   code_->ReserveLines(n - i);
   for (std::size_t k = i; k < n; ++k) {
-    if (IsAttributeLine(lines[k].text) && code_->AppendHiddenLine(lines[k])) continue;
+    if (ParseAttributeLine(lines[k].text) && code_->AppendHiddenLine(lines[k])) continue;
     code_->AppendLoadedLine(std::move(lines[k]));
   }
 }

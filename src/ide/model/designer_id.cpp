@@ -3,8 +3,8 @@
 #include <array>
 #include <string_view>
 
+#include "automation/casefold.h"
 #include "ide/model/component_file.h"
-#include "platform/text.h"
 
 namespace ide {
 namespace {
@@ -55,10 +55,10 @@ bool LooksLikeUserConnection(const ComponentFile& file) {
     if (start == std::string_view::npos) continue;
     std::size_t stop = text.find_first_of(" \t=", start);
     std::string_view key = text.substr(start, stop - start);
-    if (platform::EqualsAsciiNoCase(key, "Connect")) connect = true;
-    if (platform::EqualsAsciiNoCase(key, "QueryTimeout") ||
-        platform::EqualsAsciiNoCase(key, "LoginTimeout") ||
-        platform::EqualsAsciiNoCase(key, "CursorDriver")) {
+    if (automation::EqualsAsciiNoCase(key, "Connect")) connect = true;
+    if (automation::EqualsAsciiNoCase(key, "QueryTimeout") ||
+        automation::EqualsAsciiNoCase(key, "LoginTimeout") ||
+        automation::EqualsAsciiNoCase(key, "CursorDriver")) {
       rdo = true;
     }
   }
@@ -87,7 +87,7 @@ std::string DesignerIdOf(const ComponentFile& file) {
   }
   std::string clsid = file.DesignerClsid();
   for (const KnownDesigner& known : kKnown) {
-    if (platform::EqualsAsciiNoCase(clsid, known.clsid)) return std::string(known.progId);
+    if (automation::EqualsAsciiNoCase(clsid, known.clsid)) return std::string(known.progId);
   }
   if (LooksLikeUserConnection(file)) return std::string(kUserConnection);
   // Another designer: its CLSID is the one identifier the file gives.

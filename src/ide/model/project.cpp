@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "ide/code/statement.h"
+#include "automation/casefold.h"
 #include "ide/model/designer_id.h"
 #include "ide/model/safe_save.h"
 #include "platform/codepage.h"
@@ -152,7 +152,7 @@ Project::~Project() = default;
 
 Component* Project::Find(std::string_view name) {
   for (auto& component : components_) {
-    if (SameIdentifier(component->Name(), name)) return component.get();
+    if (automation::SameVbName(component->Name(), name)) return component.get();
   }
   return nullptr;
 }

@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
 #include "ide/text/source_text.h"
 #include "platform/codepage.h"
@@ -12,7 +13,7 @@
 namespace ide {
 namespace {
 
-using platform::EqualsAsciiNoCase;
+using automation::EqualsAsciiNoCase;
 using platform::TrimBlanks;
 
 struct EntryKey {

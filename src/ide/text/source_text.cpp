@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 #include "platform/codepage.h"
+#include "platform/lines.h"
 
 namespace ide {
 
@@ -22,23 +22,6 @@ std::string_view LineEndBytes(LineEnd end) {
   return {};
 }
 
-LineEndFinder::LineEndFinder(std::string_view bytes)
-    : bytes_(bytes), cr_(Find('\r', 0)), lf_(Find('\n', 0)) {}
-
-std::size_t LineEndFinder::Find(char c, std::size_t pos) const {
-  if (pos >= bytes_.size()) return std::string_view::npos;
-  const void* hit = std::memchr(bytes_.data() + pos, c, bytes_.size() - pos);
-  return hit == nullptr ? std::string_view::npos
-                        : static_cast<std::size_t>(static_cast<const char*>(hit) - bytes_.data());
-}
-
-std::size_t LineEndFinder::Next(std::size_t pos) {
-  // A position found earlier stays valid until the search passes it; npos never needs renewing.
-  if (cr_ < pos) cr_ = Find('\r', pos);
-  if (lf_ < pos) lf_ = Find('\n', pos);
-  return std::min(cr_, lf_);
-}
-
 namespace {
 
 struct Span {
@@ -47,29 +30,21 @@ struct Span {
   LineEnd end;
 };
 
+LineEnd LineEndOf(std::string_view bytes) {
+  if (bytes == "\r\n") return LineEnd::kCrLf;
+  if (bytes == "\n") return LineEnd::kLf;
+  if (bytes == "\r") return LineEnd::kCr;
+  return LineEnd::kNone;
+}
+
 // The lines of a buffer, without decoding.
 std::vector<Span> SplitSpans(std::string_view bytes) {
   std::vector<Span> spans;
-  LineEndFinder finder(bytes);
-  std::size_t pos = 0;
-  while (pos < bytes.size()) {
-    std::size_t stop = finder.Next(pos);
-    if (stop == std::string_view::npos) {
-      spans.push_back({pos, bytes.size() - pos, LineEnd::kNone});
-      break;
-    }
-    LineEnd end = LineEnd::kLf;
-    std::size_t next = stop + 1;
-    if (bytes[stop] == '\r') {
-      if (next < bytes.size() && bytes[next] == '\n') {
-        end = LineEnd::kCrLf;
-        ++next;
-      } else {
-        end = LineEnd::kCr;
-      }
-    }
-    spans.push_back({pos, stop - pos, end});
-    pos = next;
+  platform::LineReader reader(bytes);
+  std::string_view line;
+  while (reader.Next(line)) {
+    spans.push_back({static_cast<std::size_t>(line.data() - bytes.data()), line.size(),
+                     LineEndOf(reader.LastLineEnd())});
   }
   return spans;
 }

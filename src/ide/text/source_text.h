@@ -24,23 +24,6 @@ struct SourceText {
   LineEnd dominant = LineEnd::kCrLf;  // the most common line end (CR LF when none or a tie)
 };
 
-// Finds the line ends (CR or LF) of a buffer from left to right. It keeps the next CR and the
-// next LF apart and searches for each with memchr, so every byte is looked at about once: a
-// search for "either byte" would test each byte against the set one call at a time.
-class LineEndFinder {
- public:
-  explicit LineEndFinder(std::string_view bytes);
-  // The position of the first CR or LF at or after pos, or npos when there is none.
-  std::size_t Next(std::size_t pos);
-
- private:
-  std::size_t Find(char c, std::size_t pos) const;
-
-  std::string_view bytes_;
-  std::size_t cr_;
-  std::size_t lf_;
-};
-
 // Splits and decodes. Trailing runs of NUL and Ctrl-Z bytes after the last line (editors and old
 // tools leave them) are not lines: they are kept as the tail and written back as they were.
 SourceText SplitText(std::string_view bytes, const platform::CodePage& codePage);

@@ -3,7 +3,7 @@
 #include <set>
 #include <utility>
 
-#include "ide/code/statement.h"
+#include "automation/casefold.h"
 #include "ide/model/project.h"
 #include "ide/vbide/add_in.h"
 #include "ide/vbide/events.h"
@@ -27,6 +27,29 @@ constexpr int32_t kDisconnectHostShutdown = 0;
 
 constexpr const char* kExtensibility = "IDTExtensibility";
 
+// Runs an action when the scope is left, also by an exception.
+template <class F>
+class ScopeExit {
+ public:
+  explicit ScopeExit(F action) : action_(std::move(action)) {}
+  ~ScopeExit() { action_(); }
+  ScopeExit(const ScopeExit&) = delete;
+  ScopeExit& operator=(const ScopeExit&) = delete;
+
+ private:
+  F action_;
+};
+
+// The class name of an event sink for a problem's context. A sink in a process that has gone
+// cannot tell its class; that must not turn one failed handler into a failed IDE.
+std::string SinkName(const ObjectRef& sink) {
+  try {
+    return sink->Class().name;
+  } catch (...) {
+    return "an event sink";
+  }
+}
+
 }  // namespace
 
 std::string IdeProblem::Text() const {
@@ -38,12 +61,14 @@ std::unique_ptr<Ide> Ide::Start(std::string_view projectPath) {
   ide->process_ = automation::Process::Create("vb6");
   automation::Process::Scope scope(ide->process_);
   ide->vbe_ = vbide::VBE::Create();
-  // The event source lives no longer than this IDE: End drops the handler with the sinks.
+  // End drops the handler with the sinks; until then add-ins can reach the event source, and
+  // the handler writes into the problem list only while the list is still there.
   ide->vbe_->Events()->VBProjectsEvents()->SetFailureHandler(
-      [raw = ide.get()](const ObjectRef& sink, std::string_view event,
-                        const automation::Error& error) {
-        raw->problems_.push_back(
-            {"the " + std::string(event) + " handler of " + sink->Class().name, error});
+      [problems = std::weak_ptr(ide->problems_)](const ObjectRef& sink, std::string_view event,
+                                                 const automation::Error& error) {
+        if (const auto list = problems.lock()) {
+          list->push_back({"the " + std::string(event) + " handler of " + SinkName(sink), error});
+        }
       });
   ide->LoadAddIns();
   if (!projectPath.empty()) ide->OpenProject(projectPath);
@@ -60,7 +85,7 @@ Ide::~Ide() {
 }
 
 void Ide::Record(std::string context) {
-  problems_.push_back({std::move(context), automation::CurrentError()});
+  problems_->push_back({std::move(context), automation::CurrentError()});
 }
 
 void Ide::LoadAddIns() {
@@ -73,7 +98,7 @@ void Ide::LoadAddIns() {
   }
   std::set<std::string> seen;  // an add-in named twice loads once
   for (const auto& [progId, value] : entries) {
-    if (value != "1" || !seen.insert(FoldIdentifier(progId)).second) continue;
+    if (value != "1" || !seen.insert(automation::VbNameKey(progId)).second) continue;
     ObjectRef instance;
     try {
       instance = automation::CreateObject(progId);
@@ -122,30 +147,29 @@ void Ide::Notify(std::string_view member, automation::Args arguments) {
 void Ide::End() {
   if (ended_ || !process_) return;
   ended_ = true;
-  if (!vbe_) {  // the start failed before the IDE had its root
-    process_->End();
-    return;
-  }
   std::vector<std::shared_ptr<vbide::VBProject>> removed;
-  {
-    automation::Process::Scope scope(process_);
-    const auto& projects = vbe_->VBProjects();
-    while (!projects->Items().empty()) {
-      std::shared_ptr<vbide::VBProject> project = projects->Items().front();
-      vbe_->Events()->VBProjectsEvents()->Fire("ItemRemoved", project);
-      projects->Remove(project);
-      removed.push_back(std::move(project));
-    }
-    Notify("OnDisconnection", {Variant::Long(kDisconnectHostShutdown), Variant()});
+  // Whatever fails below, the process ends and the references among the IDE's objects are
+  // broken: projects, add-ins, the root with its events (and their failure handler).
+  const ScopeExit finish([&] {
+    process_->End();
+    for (const auto& project : removed)
+      project->TearDown();
     for (const auto& addIn : addIns_)
-      addIn->SetConnected(false);
+      addIn->TearDown();
+    if (vbe_) vbe_->TearDown();
+  });
+  if (!vbe_) return;  // the start failed before the IDE had its root
+  automation::Process::Scope scope(process_);
+  const auto& projects = vbe_->VBProjects();
+  while (!projects->Items().empty()) {
+    std::shared_ptr<vbide::VBProject> project = projects->Items().front();
+    removed.push_back(project);
+    vbe_->Events()->VBProjectsEvents()->Fire("ItemRemoved", project);
+    projects->Remove(project);
   }
-  process_->End();
-  for (const auto& project : removed)
-    project->TearDown();
+  Notify("OnDisconnection", {Variant::Long(kDisconnectHostShutdown), Variant()});
   for (const auto& addIn : addIns_)
-    addIn->TearDown();
-  vbe_->TearDown();
+    addIn->SetConnected(false);
 }
 
 }  // namespace ide

@@ -71,7 +71,7 @@ class Ide {
   const std::shared_ptr<vbide::VBProject>& VBProject() const { return project_; }
   // The add-ins created at start, connected or not (AddIn.Connect tells).
   const std::vector<std::shared_ptr<vbide::AddIn>>& AddIns() const { return addIns_; }
-  const std::vector<IdeProblem>& Problems() const { return problems_; }
+  const std::vector<IdeProblem>& Problems() const { return *problems_; }
 
  private:
   Ide() = default;
@@ -86,7 +86,9 @@ class Ide {
   std::shared_ptr<vbide::VBE> vbe_;
   std::shared_ptr<vbide::VBProject> project_;
   std::vector<std::shared_ptr<vbide::AddIn>> addIns_;
-  std::vector<IdeProblem> problems_;
+  // Shared with the failure handler of the project events, which holds it weakly: the event
+  // source is reachable by add-ins and may outlive this object.
+  std::shared_ptr<std::vector<IdeProblem>> problems_ = std::make_shared<std::vector<IdeProblem>>();
   bool ended_ = false;
 };
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <utility>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
-#include "ide/code/statement.h"
 #include "ide/model/project.h"
 #include "ide/vbide/make.h"
 #include "ide/vbide/vbe.h"
@@ -30,7 +30,7 @@ std::shared_ptr<VBProject> VBProjects::Item(const automation::Variant& index) {
   if (index.IsString()) {
     const std::string name = index.ToString();
     for (const auto& project : items_) {
-      if (SameIdentifier(project->Name(), name)) return project;
+      if (automation::SameVbName(project->Name(), name)) return project;
     }
     automation::Raise(automation::err::kSubscript, "no project named \"" + name + "\"");
   }

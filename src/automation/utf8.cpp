@@ -1,8 +1,8 @@
-#include "platform/utf8.h"
+#include "automation/utf8.h"
 
 #include <cstdio>
 
-namespace platform::utf8 {
+namespace automation::utf8 {
 
 char32_t Next(std::string_view text, std::size_t& pos) {
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
@@ -68,4 +68,4 @@ std::string CodePointName(char32_t cp) {
   return buffer;
 }
 
-}  // namespace platform::utf8
+}  // namespace automation::utf8

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace platform::utf8 {
+namespace automation::utf8 {
 
 // Returned by Next for a byte that does not start a well-formed sequence.
 inline constexpr char32_t kInvalid = 0xFFFFFFFF;
@@ -22,4 +22,4 @@ void Append(std::string& out, char32_t cp);
 // "U+20AC" style name of a code point.
 std::string CodePointName(char32_t cp);
 
-}  // namespace platform::utf8
+}  // namespace automation::utf8

@@ -1,11 +1,11 @@
-#include "platform/casefold.h"
+#include "automation/casefold.h"
 
 #include <locale.h>
 #include <wctype.h>
 
-#include "platform/utf8.h"
+#include "automation/utf8.h"
 
-namespace platform {
+namespace automation {
 namespace {
 
 // glibc's UTF-8 locale knows the case pairs of every script; without it (a stripped-down
@@ -24,26 +24,26 @@ char32_t Fold(std::string_view text, std::size_t& pos) {
   const std::size_t start = pos;
   const char32_t cp = utf8::Next(text, pos);
   if (cp == utf8::kInvalid) return 0x80000000u | static_cast<unsigned char>(text[start]);
-  return FoldChar(cp);
+  return FoldCodePoint(cp);
 }
 
 }  // namespace
 
-char32_t FoldChar(char32_t cp) {
-  if (cp < 0x80) return (cp >= 'A' && cp <= 'Z') ? cp + 32 : cp;
+char32_t FoldCodePoint(char32_t cp) {
+  if (cp < 0x80) return static_cast<unsigned char>(LowerAscii(static_cast<char>(cp)));
   const locale_t locale = Utf8Locale();
   if (locale == static_cast<locale_t>(0)) return cp;
   return static_cast<char32_t>(towlower_l(static_cast<wint_t>(cp), locale));
 }
 
-std::string FoldCase(std::string_view text) {
+std::string FoldCaseUnicode(std::string_view text) {
   std::string out;
   out.reserve(text.size());
   std::size_t pos = 0;
   while (pos < text.size()) {
     const unsigned char c = static_cast<unsigned char>(text[pos]);
     if (c < 0x80) {
-      out += static_cast<char>((c >= 'A' && c <= 'Z') ? c + 32 : c);
+      out += LowerAscii(static_cast<char>(c));
       ++pos;
       continue;
     }
@@ -52,13 +52,13 @@ std::string FoldCase(std::string_view text) {
     if (cp == utf8::kInvalid) {
       out += text[start];
     } else {
-      utf8::Append(out, FoldChar(cp));
+      utf8::Append(out, FoldCodePoint(cp));
     }
   }
   return out;
 }
 
-int CompareNoCase(std::string_view a, std::string_view b) {
+int CompareNoCaseUnicode(std::string_view a, std::string_view b) {
   std::size_t i = 0;
   std::size_t j = 0;
   while (i < a.size() && j < b.size()) {
@@ -71,8 +71,23 @@ int CompareNoCase(std::string_view a, std::string_view b) {
   return 0;
 }
 
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  return CompareNoCase(a, b) == 0;
+bool EqualsNoCaseUnicode(std::string_view a, std::string_view b) {
+  return CompareNoCaseUnicode(a, b) == 0;
 }
 
-}  // namespace platform
+std::string LowerAscii(std::string_view text) {
+  std::string out(text);
+  for (char& c : out)
+    c = LowerAscii(c);
+  return out;
+}
+
+bool EqualsAsciiNoCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (LowerAscii(a[i]) != LowerAscii(b[i])) return false;
+  }
+  return true;
+}
+
+}  // namespace automation
