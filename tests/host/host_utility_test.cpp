@@ -35,6 +35,7 @@ void Touch(const fs::path& file) {
 }
 
 TEST_F(HostUtilityTest, RegisteredObjectsMatchAsWindowsPaths) {
+  qxtest::TempHome home;
   auto dispatcher = std::make_shared<host::ProblemLog>();  // any object will do
   std::weak_ptr<host::ProblemLog> watch = dispatcher;
   const size_t before = host::HostUtility::RegisteredCount();
@@ -117,17 +118,6 @@ TEST_F(HostUtilityTest, FilesAndSystemFolders) {
   EXPECT_EQ(resolve("missing.dll"), "c:\\windows\\system32\\missing.dll");
   EXPECT_EQ(resolve("c:\\elsewhere\\old.ocx"), "c:\\windows\\system\\old.ocx");
   EXPECT_TRUE(utility.Call("FileExists", resolve("OLD.OCX")).ToBool());
-}
-
-TEST_F(HostUtilityTest, LaunchAndConnectIsNotAvailableYet) {
-  auto e = Caught([&] {
-    utility.Call("LaunchAndConnect", "\"c:\\vb6.exe\" \"c:\\a.vbp\"", "c:\\a.vbp", "", "", 0, 0,
-                 30000);
-  });
-  EXPECT_EQ(e.Number(), -32767);
-  EXPECT_EQ(e.Description(),
-            "No IDE connection is available: starting the VB6 IDE comes with a later version of "
-            "qx.");
 }
 
 }  // namespace

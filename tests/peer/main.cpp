@@ -1,8 +1,10 @@
 // qx_test_peer: the far side of the cross-process tests.
 //
 //   qx_test_peer serve SOCKET     serves a Peer object on the socket until killed
-//   qx_test_peer register NAME    registers a Peer object under NAME in the object table of
-//                                 $QX_HOME and serves until killed
+//   qx_test_peer register NAME [LOG]
+//                                 registers a Peer object under NAME in the object table of
+//                                 $QX_HOME and serves until killed; first, with LOG, reports
+//                                 "starting" to the problem log registered under LOG
 //   qx_test_peer exit CODE        ends at once with that exit status
 //
 // The peer ends with the test process that started it (a parent-death signal), so a test that
@@ -125,8 +127,9 @@ class Peer : public automation::Object {
 int main(int argc, char** argv) {
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
   const std::string verb = argc > 1 ? argv[1] : "";
-  if (argc != 3 || (verb != "serve" && verb != "register" && verb != "exit")) {
-    std::cerr << "usage: qx_test_peer serve SOCKET | register NAME | exit CODE\n";
+  if (argc < 3 || argc > (verb == "register" ? 4 : 3) ||
+      (verb != "serve" && verb != "register" && verb != "exit")) {
+    std::cerr << "usage: qx_test_peer serve SOCKET | register NAME [LOG] | exit CODE\n";
     return 2;
   }
   if (verb == "exit") return std::atoi(argv[2]);
@@ -136,8 +139,12 @@ int main(int argc, char** argv) {
       automation::Listener listener(argv[2], std::make_shared<Peer>("root"));
       ServeForever();
     }
-    auto peer = std::make_shared<Peer>(argv[2]);
-    host::HostUtility::Instance()->RegisterObject(argv[2], peer);
+    auto utility = host::HostUtility::Instance();
+    if (argc == 4) {
+      Dispatch(utility->GetRegisteredObject(argv[3]))
+          .Call("ReportRuntimeError", 0, "starting", "", 0, "Peer", "Peer", "main", 0);
+    }
+    utility->RegisterObject(argv[2], std::make_shared<Peer>(argv[2]));
     ServeForever();
   } catch (const automation::Error& e) {
     std::cerr << "qx_test_peer: " << e.Number() << " " << e.Description() << "\n";
