@@ -188,6 +188,11 @@ TEST_F(RemoteTest, CallsIntoAKilledProcessRaise462) {
   auto root = StartPeer();
   Dispatch peer(root);
   ObjectRef child = peer.Call("Make", "child").ToObject();
+  // An object of ours that the peer holds is released when the peer dies.
+  auto held = std::make_shared<Caller>();
+  std::weak_ptr<Caller> watchHeld = held;
+  peer.Call("Keep", held);
+  held.reset();
 
   // The peer dies in the middle of a call: the peer calls back, and while this process serves
   // that call the peer is killed. The outer call, still waiting for its answer, fails.
@@ -204,6 +209,7 @@ TEST_F(RemoteTest, CallsIntoAKilledProcessRaise462) {
       Caught([&] { automation::Connect((home.path() / "run" / "peer.sock").string()); }).Number(),
       462);
   child.reset();  // dropping proxies of an ended process is harmless
+  EXPECT_TRUE(ServeUntil([&] { return watchHeld.expired(); }));
 }
 
 TEST_F(RemoteTest, AListenerServesUntilItGoesAndRefusesBadSockets) {
