@@ -8,6 +8,7 @@
 #include "automation/apartment.h"
 #include "automation/error.h"
 #include "automation/marshal.h"
+#include "automation/process.h"
 
 namespace automation {
 namespace {
@@ -83,6 +84,9 @@ class ObjectServer final : public wire::Dispatch::Server {
       const Args given = args;
       Variant result;
       std::optional<Error> fault;
+      // The call runs in the (simulated) process that made the object, with its values.
+      std::optional<Process::Scope> scope;
+      if (auto owner = object->Owner()) scope.emplace(std::move(owner));
       try {
         result = object->Invoke(interfaceName, memberName, kind, args);
       } catch (...) {
