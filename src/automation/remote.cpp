@@ -131,7 +131,7 @@ ObjectRef Connect(const std::string& socketPath) {
     auto root = connection.client->bootstrap().castAs<wire::Root>();
     auto response = apartment.Await(root.rootRequest().send());
     return ImportObject(response.getObject());
-  } catch (const kj::Exception& e) {
+  } catch (const kj::Exception&) {
     Raise(err::kServerUnavailable, socketPath);
   }
 }

@@ -62,7 +62,14 @@ class ObjectServer final : public wire::Dispatch::Server {
   explicit ObjectServer(ObjectRef object) : object_(std::move(object)), id_(TheExports().next++) {
     TheExports().servers.emplace(id_, this);
   }
-  ~ObjectServer() { TheExports().servers.erase(id_); }
+  // The other side dropped its last reference, or its connection ended. This runs inside an
+  // event callback, where nothing may wait; the object's own destructor may call other
+  // processes (a problem context closes its context in the log), so the object is released as
+  // a job.
+  ~ObjectServer() {
+    TheExports().servers.erase(id_);
+    Apartment::Get().Post([object = std::move(object_)]() mutable { object.reset(); });
+  }
 
   const ObjectRef& Object() const { return object_; }
   uint64_t Id() const { return id_; }

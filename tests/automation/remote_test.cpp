@@ -175,6 +175,30 @@ TEST_F(RemoteTest, ObjectsCrossBothWaysAndAreReleasedWhereTheyLive) {
   EXPECT_EQ(automation::ExportedObjectCount(), exportedBefore);
 }
 
+// An object whose destructor calls another process, as a problem context closes its context in
+// the log.
+class Closer : public automation::Object {
+ public:
+  Closer(ObjectRef peer, bool& closed) : peer_(std::move(peer)), closed_(closed) {}
+  ~Closer() override { closed_ = Dispatch(peer_).Call("Echo", true).ToBool(); }
+  const automation::ClassInfo& Class() const override {
+    static const automation::ClassInfo info = automation::ClassBuilder<Closer>("Closer").Build();
+    return info;
+  }
+
+ private:
+  ObjectRef peer_;
+  bool& closed_;
+};
+
+TEST_F(RemoteTest, AReleasedObjectMayCallOtherProcessesAsItGoes) {
+  auto peer = StartPeer();
+  bool closed = false;
+  Dispatch(peer).Call("Keep", std::make_shared<Closer>(peer, closed));
+  Dispatch(peer).Call("Drop");
+  EXPECT_TRUE(ServeUntil([&] { return closed; }));
+}
+
 TEST_F(RemoteTest, CallsBackIntoTheCallerAreServedWhileItWaits) {
   auto peer = StartPeer();
   auto mine = std::make_shared<Caller>();
