@@ -111,7 +111,7 @@ TEST_F(ObjectTableTest, LaunchAndConnectWaitsForTheRegistration) {
   // The started process calls into this one (the log) before it registers: that call is served
   // while LaunchAndConnect waits, or the registration would never come.
   auto log = std::make_shared<host::ProblemLog>();
-  utility.Call("RegisterObject", "c:\\qx\\log", log);
+  const int32_t cookie = utility.Call("RegisterObject", "c:\\qx\\log", log).ToLong();
   const std::string peer = platform::ToWindows(QX_TEST_PEER);  // "z:\...": mapped back
   const auto launch = [&](const std::string& commandLine, const std::string& name, int timeout) {
     return utility.Call("LaunchAndConnect", commandLine, name, "", "", 0, 0, timeout).ToObject();
@@ -140,6 +140,7 @@ TEST_F(ObjectTableTest, LaunchAndConnectWaitsForTheRegistration) {
 
   // A program that cannot be started: none.
   EXPECT_EQ(launch("\"c:\\no\\such.exe\" x", "c:\\Proj\\C.vbp", 20000), nullptr);
+  utility.Call("RevokeObject", cookie);
 }
 
 TEST(LaunchTest, CommandLinesSplitAsWindowsSplitsThem) {
