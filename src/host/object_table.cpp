@@ -229,6 +229,15 @@ automation::ObjectRef ObjectTable::Find(const std::string& name) {
   std::error_code ec;
   for (fs::directory_iterator it(run, ec), end; !ec && it != end; it.increment(ec)) {
     const fs::path& file = it->path();
+    if (file.extension() == ".sock") {
+      // The socket of a process that ended without registrations left.
+      const std::string stem = file.stem().string();
+      if (!stem.empty() && stem.find_first_not_of("0123456789") == std::string::npos &&
+          stem.size() < 10 && !StampOf(std::stol(stem)).alive) {
+        RemoveQuietly(file);
+      }
+      continue;
+    }
     if (file.extension() != ".entry") continue;
     std::optional<Entry> entry = ReadEntry(file);
     if (!entry) continue;

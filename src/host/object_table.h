@@ -5,9 +5,9 @@
 // A process that registers an object serves it on its own Unix socket under $QX_HOME/run/ and
 // writes one entry file per registration beside it (its process, the socket, the time of
 // registration, the cookie and the name). A look-up from any process reads the entries, skips
-// (and removes) those of processes that have ended, and connects to the socket of the latest
-// registration of the name, which hands out a proxy. A process finds its own registrations in
-// memory and gets the object itself.
+// (and removes, with their sockets) those of processes that have ended, and connects to the
+// socket of the latest registration of the name, which hands out a proxy. A process finds its
+// own registrations in memory and gets the object itself.
 
 #include <cstdint>
 #include <string>

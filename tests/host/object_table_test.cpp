@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 
 #include "automation/apartment.h"
 #include "automation/remote.h"
@@ -87,8 +88,10 @@ TEST_F(ObjectTableTest, RegistrationsAreSharedBetweenProcessesUntilRevokedOrEnde
   // A killed process's registrations are ignored and their entries removed.
   EXPECT_EQ(EntryFiles(), 2u);  // the peer's A.vbp and our log
   qxtest::ChildProcesses::End(peerPid);
+  std::ofstream(home.path() / "run" / "999999999.sock");  // left by some ended process
   EXPECT_EQ(Find("c:\\Proj\\A.vbp"), nullptr);
   EXPECT_EQ(EntryFiles(), 1u);
+  EXPECT_FALSE(fs::exists(home.path() / "run" / "999999999.sock"));
   EXPECT_FALSE(fs::exists(home.path() / "run" / (std::to_string(peerPid) + ".sock")));
   EXPECT_EQ(Caught([&] { peer.Get("Name"); }).Number(), 462);
 
