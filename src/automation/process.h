@@ -1,6 +1,8 @@
 #pragma once
-// The process context: what one (simulated) process holds for itself. The host and the IDE are
-// two processes; today both live in one OS process and only the proxy knows that. Each layer
+// The process context: what one process holds for itself. The host and the IDE are two OS
+// processes that call each other through proxies (remote.h); tests may also simulate several
+// processes in one OS process, and an object of an ended one answers 462 as a gone one does.
+// Each layer
 // keeps its process-wide values (current problem log, trace flag, caches) in a struct of its own
 // that the context creates on first use, so the runtime needs to know nothing about them.
 

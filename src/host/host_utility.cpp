@@ -1,12 +1,15 @@
 #include "host/host_utility.h"
 
-#include <limits>
-#include <mutex>
+#include <sys/wait.h>
+
+#include <chrono>
 #include <vector>
 
-#include "automation/casefold.h"
+#include "automation/apartment.h"
 #include "automation/error.h"
 #include "automation/process.h"
+#include "host/launch.h"
+#include "host/object_table.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 
@@ -15,62 +18,7 @@ namespace {
 
 struct HostUtilityValues {
   std::shared_ptr<HostUtility> utility;
-};
-
-// The registered objects of the whole program, shared by every automation process in it, as
-// Windows shares its running object table between processes.
-class ObjectTable {
- public:
-  static ObjectTable& Get() {
-    static ObjectTable table;
-    return table;
-  }
-
-  int32_t Add(std::string key, automation::ObjectRef object) {
-    std::lock_guard lock(mutex_);
-    const int32_t cookie = next_;
-    next_ = next_ == std::numeric_limits<int32_t>::max() ? 1 : next_ + 1;
-    entries_.push_back(Entry{cookie, std::move(key), std::move(object)});
-    return cookie;
-  }
-
-  automation::ObjectRef Find(const std::string& key) {
-    std::lock_guard lock(mutex_);
-    for (auto it = entries_.rbegin(); it != entries_.rend(); ++it) {
-      if (it->key == key) return it->object;
-    }
-    return nullptr;
-  }
-
-  // Takes the registration out; its object is handed to the caller, which releases it outside
-  // the lock (its destructor may call back into the table). False when the cookie is unknown.
-  bool Remove(int32_t cookie, automation::ObjectRef& removed) {
-    std::lock_guard lock(mutex_);
-    for (auto it = entries_.begin(); it != entries_.end(); ++it) {
-      if (it->cookie == cookie) {
-        removed = std::move(it->object);
-        entries_.erase(it);
-        return true;
-      }
-    }
-    return false;
-  }
-
-  size_t Size() {
-    std::lock_guard lock(mutex_);
-    return entries_.size();
-  }
-
- private:
-  struct Entry {
-    int32_t cookie;
-    std::string key;
-    automation::ObjectRef object;
-  };
-
-  std::mutex mutex_;
-  std::vector<Entry> entries_;
-  int32_t next_ = 1;
+  std::vector<pid_t> launched;  // started by LaunchAndConnect and still running
 };
 
 }  // namespace
@@ -100,27 +48,44 @@ bool HostUtility::FileExists(const std::string& path) {
   return !path.empty() && platform::FileExists(path);
 }
 
-automation::ObjectRef HostUtility::LaunchAndConnect(const std::string&, const std::string&,
-                                                    const std::string&, const std::string&, int32_t,
-                                                    int32_t, int32_t) {
-  automation::RaiseMessage(automation::err::kUserError,
-                           "No IDE connection is available: starting the VB6 IDE comes with a "
-                           "later version of qx.");
+automation::ObjectRef HostUtility::LaunchAndConnect(const std::string& commandLine,
+                                                    const std::string& name, const std::string&,
+                                                    const std::string&, int32_t, int32_t,
+                                                    int32_t timeout) {
+  auto& launched = automation::Process::Current().Values<HostUtilityValues>().launched;
+  // Reap the programs started earlier that have ended since.
+  std::erase_if(launched, [](pid_t pid) { return ::waitpid(pid, nullptr, WNOHANG) != 0; });
+
+  const pid_t pid = StartDetached(commandLine);
+  if (pid <= 0) return nullptr;
+  automation::ObjectRef found;
+  bool ended = false;
+  const auto deadline =
+      std::chrono::steady_clock::now() + std::chrono::milliseconds(std::max(timeout, 0));
+  // Calls into this process are served while it waits.
+  automation::Apartment::Get().ServeUntil(
+      [&] {
+        found = ObjectTable::Get().Find(name);
+        ended = !found && ::waitpid(pid, nullptr, WNOHANG) == pid;
+        return found || ended;
+      },
+      deadline);
+  if (!ended) launched.push_back(pid);
+  return found;
 }
 
 automation::ObjectRef HostUtility::GetRegisteredObject(const std::string& name) {
-  return ObjectTable::Get().Find(NormalizeName(name));
+  return ObjectTable::Get().Find(name);
 }
 
 int32_t HostUtility::RegisterObject(const std::string& name, const automation::ObjectRef& object) {
   if (!object)
     automation::Raise(automation::err::kObjectNotSet, "no object to register as " + name);
-  return ObjectTable::Get().Add(NormalizeName(name), object);
+  return ObjectTable::Get().Add(name, object);
 }
 
 void HostUtility::RevokeObject(int32_t cookie) {
-  automation::ObjectRef removed;
-  if (!ObjectTable::Get().Remove(cookie, removed)) {
+  if (!ObjectTable::Get().Remove(cookie)) {
     automation::Raise(automation::err::kInvalidCall,
                       "no object is registered with the cookie " + std::to_string(cookie));
   }
@@ -153,11 +118,7 @@ std::string HostUtility::ResolvePath(const std::string& name) {
 }
 
 std::string HostUtility::NormalizeName(std::string_view name) {
-  std::string out = automation::FoldCaseUnicode(name);
-  for (char& c : out) {
-    if (c == '/') c = '\\';
-  }
-  return out;
+  return ObjectTable::NormalizeName(name);
 }
 
 size_t HostUtility::RegisteredCount() {

@@ -2,9 +2,11 @@
 // HostUtility: the host's file and object services, one object per process.
 //
 // The registered-object table works like Windows' running object table: an object registered
-// under a name can be looked up by that name from any process of the program until its cookie
-// is revoked. Names match as Windows paths match: "\" and "/" are the same and letter case does
-// not matter; nothing else is resolved ("c:\p\a.vbp" and "p\a.vbp" are different names).
+// under a name can be looked up by that name from any process of the same qx home folder until
+// its cookie is revoked or its process ends (object_table.h). Names match as Windows paths
+// match: "\" and "/" are the same, letter case does not matter, drive letters map to their
+// folders ("z:\p\a.vbp" is "/p/a.vbp") and ".." parts are resolved; a relative name is not
+// made absolute ("c:\p\a.vbp" and "p\a.vbp" are different names).
 
 #include <cstdint>
 #include <memory>
@@ -26,11 +28,15 @@ class HostUtility : public automation::Object {
 
   // True exactly when a file (not a folder) exists at the path; false for an empty path.
   bool FileExists(const std::string& path);
-  // Starting the IDE is not available yet: raises -32767 saying so.
+  // Starts the Windows command line detached (see launch.h) and waits, serving calls into this
+  // process, until an object is registered under the name (returned, as a proxy), the started
+  // process ends or `timeout` milliseconds pass (Nothing for both), or the start fails (Nothing).
+  // The two string and two number arguments are accepted and not used.
   automation::ObjectRef LaunchAndConnect(const std::string& commandLine, const std::string& name,
                                          const std::string& arg3, const std::string& arg4,
                                          int32_t arg5, int32_t arg6, int32_t timeout);
-  // The object registered under the name (the latest one when several are), else Nothing.
+  // The object registered under the name (the latest one when several are), else Nothing. An
+  // object of another process comes as a proxy.
   automation::ObjectRef GetRegisteredObject(const std::string& name);
   // Registers an object under a name and returns the cookie (never 0) that revokes it. Nothing
   // raises 91.
@@ -47,9 +53,9 @@ class HostUtility : public automation::Object {
   // mattering), else the path in c:\windows\system32.
   std::string ResolvePath(const std::string& name);
 
-  // How registered names compare: separators unified, letter case folded.
+  // How registered names compare (ObjectTable::NormalizeName).
   static std::string NormalizeName(std::string_view name);
-  // The number of registrations in the table (for tests).
+  // The number of registrations this process holds (for tests).
   static size_t RegisteredCount();
 };
 

@@ -35,6 +35,7 @@ void Touch(const fs::path& file) {
 }
 
 TEST_F(HostUtilityTest, RegisteredObjectsMatchAsWindowsPaths) {
+  qxtest::TempHome home;
   auto dispatcher = std::make_shared<host::ProblemLog>();  // any object will do
   std::weak_ptr<host::ProblemLog> watch = dispatcher;
   const size_t before = host::HostUtility::RegisteredCount();

@@ -1,0 +1,90 @@
+#include "automation/apartment.h"
+
+#include <algorithm>
+#include <random>
+#include <utility>
+
+namespace automation {
+
+Apartment& Apartment::Get() {
+  // Never destroyed: proxies held in static tables are released at exit and still need the loop.
+  static Apartment* apartment = new Apartment();
+  return *apartment;
+}
+
+Apartment::Apartment() : io_(kj::setupAsyncIo()) {
+  std::random_device random;
+  id_ = (static_cast<uint64_t>(random()) << 32) ^ random();
+  if (id_ == 0) id_ = 1;
+}
+
+void Apartment::Post(kj::Function<void()> job) {
+  jobs_.push_back(kj::mv(job));
+  Wake();
+}
+
+void Apartment::Wake() {
+  if (wake_.get() != nullptr) {
+    wake_->fulfill();
+    wake_ = nullptr;
+  }
+}
+
+void Apartment::Serve(const bool& done) {
+  while (!done) {
+    if (!jobs_.empty()) {
+      kj::Function<void()> job = kj::mv(jobs_.front());
+      jobs_.pop_front();
+      job();
+      continue;
+    }
+    // A job or the settling of what the caller waits for fulfils this; a nested wait inside a
+    // job replaces it, which is fine: this loop is not waiting while its job runs.
+    auto paf = kj::newPromiseAndFulfiller<void>();
+    wake_ = kj::mv(paf.fulfiller);
+    paf.promise.wait(io_.waitScope);
+  }
+}
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"  // as in Await<T> (apartment.h)
+void Apartment::Await(kj::Promise<void> promise) {
+  kj::Maybe<kj::Exception> failure;
+  bool done = false;
+  kj::Promise<void> watch = promise
+                                .then(
+                                    [&]() {
+                                      done = true;
+                                      Wake();
+                                    },
+                                    [&](kj::Exception&& e) {
+                                      failure = kj::mv(e);
+                                      done = true;
+                                      Wake();
+                                    })
+                                .eagerlyEvaluate(nullptr);
+  Serve(done);
+  KJ_IF_MAYBE (e, failure) {
+    kj::throwFatalException(kj::mv(*e));
+  }
+}
+#pragma GCC diagnostic pop
+
+void Apartment::ServeFor(std::chrono::milliseconds duration) {
+  const auto nanos = std::chrono::duration_cast<std::chrono::nanoseconds>(duration).count();
+  Await(io_.provider->getTimer().afterDelay(nanos * kj::NANOSECONDS));
+}
+
+bool Apartment::ServeUntil(const std::function<bool()>& done,
+                           std::chrono::steady_clock::time_point deadline,
+                           std::chrono::milliseconds step) {
+  for (;;) {
+    if (done()) return true;
+    const auto now = std::chrono::steady_clock::now();
+    if (now >= deadline) return false;
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - now);
+    ServeFor(std::max(std::chrono::milliseconds(1), std::min(step, left)));
+  }
+}
+
+}  // namespace automation

@@ -1,0 +1,99 @@
+#pragma once
+// The apartment: the one event loop of this process, on which it talks to other processes.
+//
+// There are no threads. Like a single-threaded COM apartment, the process serves the calls that
+// other processes make into its objects whenever it waits: while it waits for the answer to its
+// own call, while it waits for another process to start, and in a server's main loop. A call
+// that arrives is queued as a job and run from the waiting loop (never from inside an event
+// callback), so the code it runs may itself call out and wait again: the host calls the IDE,
+// the IDE calls back into the host's problem log, the host answers that call while it is still
+// waiting for its own.
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <functional>
+
+#include <kj/async-io.h>
+#include <kj/debug.h>
+#include <kj/function.h>
+
+namespace automation {
+
+class Apartment {
+ public:
+  // The apartment of this process, made on first use; it lives until the process exits, so
+  // object references to other processes can be dropped at any time, even at exit.
+  static Apartment& Get();
+
+  Apartment(const Apartment&) = delete;
+  Apartment& operator=(const Apartment&) = delete;
+
+  // A number naming this apartment among all apartments of the machine (random, not reused).
+  uint64_t Id() const { return id_; }
+
+  kj::AsyncIoProvider& Io() { return *io_.provider; }
+  kj::WaitScope& WaitScope() { return io_.waitScope; }
+
+  // Queues a job: the work of an incoming call. It runs when the apartment next serves. Jobs
+  // must not throw.
+  void Post(kj::Function<void()> job);
+
+  // Serves calls until the promise settles and returns its value; a failed promise throws its
+  // kj::Exception.
+  template <class T>
+  T Await(kj::Promise<T> promise);
+  void Await(kj::Promise<void> promise);
+
+  // Serves calls for this long.
+  void ServeFor(std::chrono::milliseconds duration);
+
+  // Serves calls until `done` answers true (asked at least every `step`) or the deadline
+  // passes; true when done.
+  bool ServeUntil(const std::function<bool()>& done, std::chrono::steady_clock::time_point deadline,
+                  std::chrono::milliseconds step = std::chrono::milliseconds(20));
+
+ private:
+  Apartment();
+
+  // Runs jobs and waits for events until *done is true.
+  void Serve(const bool& done);
+  void Wake();
+
+  kj::AsyncIoContext io_;
+  uint64_t id_;
+  std::deque<kj::Function<void()>> jobs_;
+  kj::Own<kj::PromiseFulfiller<void>> wake_;
+};
+
+// GCC 12 sees the flags that the callbacks set through kj's inlined promise nodes and wrongly
+// thinks they may be read before they are set.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+template <class T>
+T Apartment::Await(kj::Promise<T> promise) {
+  kj::Maybe<T> value;
+  kj::Maybe<kj::Exception> failure;
+  bool done = false;
+  kj::Promise<void> watch = promise
+                                .then(
+                                    [&](T&& result) {
+                                      value = kj::mv(result);
+                                      done = true;
+                                      Wake();
+                                    },
+                                    [&](kj::Exception&& e) {
+                                      failure = kj::mv(e);
+                                      done = true;
+                                      Wake();
+                                    })
+                                .eagerlyEvaluate(nullptr);
+  Serve(done);
+  KJ_IF_MAYBE (e, failure) {
+    kj::throwFatalException(kj::mv(*e));
+  }
+  return kj::mv(KJ_ASSERT_NONNULL(value));
+}
+#pragma GCC diagnostic pop
+
+}  // namespace automation

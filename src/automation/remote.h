@@ -1,0 +1,42 @@
+#pragma once
+// Object references between processes of one machine. A process serves an object on a Unix
+// socket; another process connects to the socket and gets a proxy for that object, through which
+// it calls the object by name exactly as it calls its own objects. Objects passed in either
+// direction become proxies on the far side, are called back where they live, and are released
+// there when the proxy is dropped. Incoming calls are served while the process waits (see
+// apartment.h): there are no threads.
+
+#include <memory>
+#include <string>
+
+#include "automation/object.h"
+
+namespace automation {
+
+// Serves an object to other processes on a Unix socket, as long as it lives.
+class Listener {
+ public:
+  // Listens on the socket path (a stale socket file there is replaced). Raises 75 when the
+  // socket cannot be made there.
+  Listener(std::string socketPath, ObjectRef root);
+  // Stops serving: the socket file is removed and the connections made through it are closed.
+  ~Listener();
+  Listener(const Listener&) = delete;
+  Listener& operator=(const Listener&) = delete;
+
+  const std::string& Path() const;
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+// The object served on the socket, as a proxy. One connection per socket is made and kept for
+// the proxies that come through it. Raises 462 when no process serves there (any more).
+ObjectRef Connect(const std::string& socketPath);
+
+// True when the object is a proxy for an object of another process (for tests and diagnostics:
+// callers need not care).
+bool IsRemote(const ObjectRef& object);
+
+}  // namespace automation

@@ -1,0 +1,333 @@
+#include "host/object_table.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <map>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <vector>
+
+#include "automation/casefold.h"
+#include "automation/error.h"
+#include "automation/remote.h"
+#include "platform/home.h"
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+using automation::ObjectRef;
+
+// How a process is told apart from a later one that got the same number: the time it started,
+// in clock ticks since boot, as /proc shows it.
+struct ProcessStamp {
+  bool alive = false;
+  std::string start;
+};
+
+ProcessStamp StampOf(long pid) {
+  std::ifstream in("/proc/" + std::to_string(pid) + "/stat");
+  std::string stat;
+  if (!in || !std::getline(in, stat)) return {};
+  // "pid (command) state ppid ...": the command may hold anything, so fields count from the
+  // last ")". The state is field 3, the start time field 22.
+  const size_t close = stat.rfind(')');
+  if (close == std::string::npos) return {};
+  std::istringstream fields(stat.substr(close + 1));
+  std::string field;
+  std::vector<std::string> values;
+  while (fields >> field)
+    values.push_back(field);
+  if (values.size() < 20) return {};
+  ProcessStamp stamp;
+  stamp.alive = values[0] != "Z" && values[0] != "X";  // a zombie has ended
+  stamp.start = values[19];
+  return stamp;
+}
+
+const std::string& OwnStart() {
+  static const std::string start = StampOf(::getpid()).start;
+  return start;
+}
+
+fs::path RunFolder() {
+  fs::path run = platform::QxHome() / "run";
+  std::error_code ec;
+  fs::create_directories(run, ec);
+  return run;
+}
+
+int64_t Now() {
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(
+             std::chrono::system_clock::now().time_since_epoch())
+      .count();
+}
+
+// One registration as its entry file records it.
+struct Entry {
+  long pid = 0;
+  std::string start;
+  std::string socket;
+  int64_t stamp = 0;
+  int32_t cookie = 0;
+  std::string key;
+};
+
+std::optional<Entry> ReadEntry(const fs::path& file) {
+  std::ifstream in(file);
+  std::string line;
+  if (!std::getline(in, line) || line != "qx-object 1") return std::nullopt;
+  Entry entry;
+  try {
+    while (std::getline(in, line)) {
+      const size_t space = line.find(' ');
+      const std::string field = line.substr(0, space);
+      const std::string value = space == std::string::npos ? "" : line.substr(space + 1);
+      if (field == "pid") entry.pid = std::stol(value);
+      if (field == "start") entry.start = value;
+      if (field == "socket") entry.socket = value;
+      if (field == "stamp") entry.stamp = std::stoll(value);
+      if (field == "cookie") entry.cookie = std::stoi(value);
+      if (field == "name") entry.key = value;
+    }
+  } catch (const std::exception&) {
+    return std::nullopt;  // half-written or foreign: not an entry
+  }
+  if (entry.pid <= 0 || entry.socket.empty()) return std::nullopt;
+  return entry;
+}
+
+// Written beside the target and renamed, so that readers never see half an entry.
+void WriteEntry(const fs::path& file, const Entry& entry) {
+  const fs::path temporary = file.parent_path() / ("." + file.filename().string() + ".tmp");
+  {
+    std::ofstream out(temporary, std::ios::trunc);
+    out << "qx-object 1\npid " << entry.pid << "\nstart " << entry.start << "\nsocket "
+        << entry.socket << "\nstamp " << entry.stamp << "\ncookie " << entry.cookie << "\nname "
+        << entry.key << "\n";
+    if (!out.flush()) {
+      automation::Raise(automation::err::kPathFileAccess, temporary.string());
+    }
+  }
+  std::error_code ec;
+  fs::rename(temporary, file, ec);
+  if (ec) automation::Raise(automation::err::kPathFileAccess, file.string() + ": " + ec.message());
+}
+
+void RemoveQuietly(const fs::path& file) {
+  std::error_code ec;
+  fs::remove(file, ec);
+}
+
+struct Registration {
+  int32_t cookie;
+  std::string key;
+  ObjectRef object;
+  int64_t stamp;
+  fs::path file;
+};
+
+// What this process holds: its registrations, and one socket per run folder serving them.
+struct State {
+  std::vector<Registration> registrations;
+  int32_t next = 1;
+  int64_t lastStamp = 0;
+  std::map<fs::path, std::unique_ptr<automation::Listener>> listeners;
+
+  // At exit the entry files go; the listeners remove their sockets.
+  ~State() {
+    for (const auto& r : registrations)
+      RemoveQuietly(r.file);
+  }
+
+  ObjectRef Lookup(int32_t cookie) const {
+    for (const auto& r : registrations) {
+      if (r.cookie == cookie) return r.object;
+    }
+    return nullptr;
+  }
+};
+
+State& TheState() {
+  static State state;
+  return state;
+}
+
+// What the socket serves: this process's registrations, by cookie (Nothing once revoked).
+class Registrations : public automation::Object {
+ public:
+  const automation::ClassInfo& Class() const override {
+    static const automation::ClassInfo info =
+        automation::ClassBuilder<Registrations>("Registrations")
+            .Method("Find", &Registrations::Find, {"Cookie"})
+            .Build();
+    return info;
+  }
+  ObjectRef Find(int32_t cookie) { return TheState().Lookup(cookie); }
+};
+
+const std::string& SocketFor(const fs::path& run) {
+  auto& listeners = TheState().listeners;
+  auto it = listeners.find(run);
+  if (it == listeners.end()) {
+    const fs::path socket = run / (std::to_string(::getpid()) + ".sock");
+    it = listeners
+             .emplace(run, std::make_unique<automation::Listener>(
+                               socket.string(), std::make_shared<Registrations>()))
+             .first;
+  }
+  return it->second->Path();
+}
+
+}  // namespace
+
+ObjectTable& ObjectTable::Get() {
+  static ObjectTable table;
+  return table;
+}
+
+int32_t ObjectTable::Add(const std::string& name, automation::ObjectRef object) {
+  State& state = TheState();
+  const fs::path run = RunFolder();
+  Entry entry;
+  entry.pid = ::getpid();
+  entry.start = OwnStart();
+  entry.socket = SocketFor(run);
+  entry.stamp = std::max(Now(), state.lastStamp + 1);
+  entry.cookie = state.next;
+  entry.key = NormalizeName(name);
+  const fs::path file =
+      run / (std::to_string(entry.pid) + "-" + std::to_string(entry.cookie) + ".entry");
+  WriteEntry(file, entry);
+  state.next = state.next == std::numeric_limits<int32_t>::max() ? 1 : state.next + 1;
+  state.lastStamp = entry.stamp;
+  state.registrations.push_back(
+      Registration{entry.cookie, entry.key, std::move(object), entry.stamp, file});
+  return entry.cookie;
+}
+
+automation::ObjectRef ObjectTable::Find(const std::string& name) {
+  const std::string key = NormalizeName(name);
+  struct Candidate {
+    int64_t stamp;
+    ObjectRef local;  // this process's own object
+    Entry entry;      // else the registration in another process
+    fs::path file;
+  };
+  std::vector<Candidate> candidates;
+  for (const auto& r : TheState().registrations) {
+    if (r.key == key) candidates.push_back(Candidate{r.stamp, r.object, {}, {}});
+  }
+
+  const fs::path run = platform::QxHome() / "run";
+  std::error_code ec;
+  for (fs::directory_iterator it(run, ec), end; !ec && it != end; it.increment(ec)) {
+    const fs::path& file = it->path();
+    if (file.extension() == ".sock") {
+      // The socket of a process that ended without registrations left.
+      const std::string stem = file.stem().string();
+      if (!stem.empty() && stem.find_first_not_of("0123456789") == std::string::npos &&
+          stem.size() < 10 && !StampOf(std::stol(stem)).alive) {
+        RemoveQuietly(file);
+      }
+      continue;
+    }
+    if (file.extension() != ".entry") continue;
+    std::optional<Entry> entry = ReadEntry(file);
+    if (!entry) continue;
+    if (entry->pid == ::getpid() && entry->start == OwnStart()) continue;  // ours: in memory
+    const ProcessStamp process = StampOf(entry->pid);
+    if (!process.alive || process.start != entry->start) {
+      // Left by a process that has ended: clean up after it.
+      RemoveQuietly(file);
+      if (fs::path(entry->socket).parent_path() == run) RemoveQuietly(entry->socket);
+      continue;
+    }
+    if (entry->key == key) candidates.push_back(Candidate{entry->stamp, nullptr, *entry, file});
+  }
+
+  std::sort(candidates.begin(), candidates.end(),
+            [](const Candidate& a, const Candidate& b) { return a.stamp > b.stamp; });
+  for (const Candidate& candidate : candidates) {
+    if (candidate.local) return candidate.local;
+    try {
+      ObjectRef registrations = automation::Connect(candidate.entry.socket);
+      ObjectRef found =
+          automation::Dispatch(registrations).Call("Find", candidate.entry.cookie).ToObject();
+      if (found) return found;
+    } catch (const automation::Error& e) {
+      // The process ended between the check and the call: its entry is stale.
+      if (e.Number() != automation::err::kServerUnavailable) throw;
+      RemoveQuietly(candidate.file);
+    }
+  }
+  return nullptr;
+}
+
+bool ObjectTable::Remove(int32_t cookie) {
+  auto& registrations = TheState().registrations;
+  auto it = std::find_if(registrations.begin(), registrations.end(),
+                         [&](const Registration& r) { return r.cookie == cookie; });
+  if (it == registrations.end()) return false;
+  // The object is released after the table is consistent again: its destructor may call back.
+  ObjectRef removed = std::move(it->object);
+  RemoveQuietly(it->file);
+  registrations.erase(it);
+  return true;
+}
+
+size_t ObjectTable::Size() const {
+  return TheState().registrations.size();
+}
+
+std::string ObjectTable::NormalizeName(std::string_view name) {
+  std::string root;
+  std::string_view rest = name;
+  bool absolute = false;
+  const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+  if (name.size() >= 2 && name[1] == ':' && isLetter(name[0])) {
+    const char drive = static_cast<char>(name[0] | 0x20);
+    if (drive != 'z') root = (platform::QxHome() / (std::string("drive_") + drive)).string();
+    rest = name.substr(2);
+    absolute = true;
+  } else if (!name.empty() && (name[0] == '\\' || name[0] == '/')) {
+    absolute = true;
+  }
+
+  std::vector<std::string_view> parts;
+  size_t pos = 0;
+  while (pos <= rest.size()) {
+    size_t end = rest.find_first_of("\\/", pos);
+    if (end == std::string_view::npos) end = rest.size();
+    const std::string_view part = rest.substr(pos, end - pos);
+    pos = end + 1;
+    if (part.empty() || part == ".") continue;
+    if (part == "..") {
+      if (!parts.empty() && parts.back() != "..") {
+        parts.pop_back();
+        continue;
+      }
+      if (absolute) continue;  // above the root is the root
+    }
+    parts.push_back(part);
+  }
+
+  std::string out = root;
+  for (size_t i = 0; i < parts.size(); ++i) {
+    if (absolute || i > 0) out += '\\';
+    out += parts[i];
+  }
+  if (absolute && parts.empty()) out += '\\';
+  for (char& c : out) {
+    if (c == '/') c = '\\';
+  }
+  return automation::FoldCaseUnicode(out);
+}
+
+}  // namespace host

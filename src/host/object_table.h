@@ -1,0 +1,40 @@
+#pragma once
+// The registered-object table, shared by every process of one qx home folder, as Windows shares
+// its running object table.
+//
+// A process that registers an object serves it on its own Unix socket under $QX_HOME/run/ and
+// writes one entry file per registration beside it (its process, the socket, the time of
+// registration, the cookie and the name). A look-up from any process reads the entries, skips
+// (and removes, with their sockets) those of processes that have ended, and connects to the
+// socket of the latest registration of the name, which hands out a proxy. A process finds its
+// own registrations in memory and gets the object itself.
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "automation/object.h"
+
+namespace host {
+
+class ObjectTable {
+ public:
+  // The table as this process sees it.
+  static ObjectTable& Get();
+
+  // Registers the object under the name and returns its cookie (never 0).
+  int32_t Add(const std::string& name, automation::ObjectRef object);
+  // The object registered latest under the name in any live process, or null.
+  automation::ObjectRef Find(const std::string& name);
+  // Withdraws a registration of this process; false when the cookie is unknown.
+  bool Remove(int32_t cookie);
+  // The number of registrations this process holds.
+  size_t Size() const;
+
+  // How registered names compare: as Windows paths. "\" and "/" are the same, letter case does
+  // not matter, drive letters map to their folders (z: is "/", c: is the stand-in drive under
+  // the qx home folder), and "." and ".." parts are resolved. A relative name stays relative.
+  static std::string NormalizeName(std::string_view name);
+};
+
+}  // namespace host
