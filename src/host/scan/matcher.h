@@ -83,7 +83,8 @@ class Matcher {
   // The number of the group with this name, or -1 when there is none.
   int GroupNumber(std::string_view name) const;
 
-  // The first match in `text` that starts at or after `from`, or false.
+  // The first match in `text` that starts at or after `from`, or false. A pattern that backtracks
+  // beyond PCRE2's limits on a text raises kInvalidPattern with PCRE2's message.
   bool Find(std::string_view text, std::size_t from, Match& match);
   bool IsMatch(std::string_view text) {
     Match m;
