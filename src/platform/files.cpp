@@ -132,7 +132,7 @@ bool IsTemporaryOf(std::string_view name, std::string_view target) {
 // A writer holds an exclusive lock on its temporary file from creating it until it has been
 // renamed or removed; one that nobody holds was left by a save that died (killed, power cut).
 // Such files are removed; a live writer's are left alone.
-void RemoveStaleTemporaries(const fs::path& folder, const std::string& target) {
+void RemoveStaleIn(const fs::path& folder, const std::string& target) {
   std::error_code ec;
   fs::directory_iterator it(folder, ec);
   for (; !ec && it != fs::directory_iterator(); it.increment(ec)) {
@@ -168,7 +168,7 @@ class FolderLock {
   Descriptor fd_;
 };
 
-// Creates a new temporary file beside target and locks it (see RemoveStaleTemporaries); fills
+// Creates a new temporary file beside target and locks it (see RemoveStaleIn); fills
 // in its path.
 int CreateTemporary(const fs::path& folder, const std::string& target, mode_t mode,
                     const std::string& shown, fs::path& temporary) {
@@ -308,6 +308,12 @@ std::string ReadFile(std::string_view path, std::size_t limit) {
   return bytes;
 }
 
+void RemoveStaleTemporaries(std::string_view path) {
+  if (path.empty()) return;
+  const fs::path target = ToNative(path);
+  RemoveStaleIn(target.parent_path(), target.filename().string());
+}
+
 void SetWriteFaultHook(std::function<int(WriteStep)> hook) {
   FaultHook() = std::move(hook);
 }
@@ -328,7 +334,7 @@ void WriteFileAtomic(std::string_view path, std::string_view bytes,
 
   const fs::path folder = target.parent_path();
   const std::string name = target.filename().string();
-  RemoveStaleTemporaries(folder, name);
+  RemoveStaleIn(folder, name);
   const mode_t mode = exists ? (st.st_mode & 07777) : 0666;
   fs::path temporary;
   Descriptor fd(CreateTemporary(folder, name, mode, shown, temporary));

@@ -59,6 +59,10 @@ std::string ReadFile(std::string_view path, std::size_t limit = kReadLimit);
 void WriteFileAtomic(std::string_view path, std::string_view bytes,
                      const std::function<void()>& beforeReplace = {});
 
+// Removes what WriteFileAtomic removes before writing: temporary files of earlier saves of this
+// file that no live writer holds. For a save that finds nothing to write.
+void RemoveStaleTemporaries(std::string_view path);
+
 // A test seam: the steps of WriteFileAtomic where a failure can strike.
 enum class WriteStep : uint8_t {
   kCreate,   // creating the temporary file

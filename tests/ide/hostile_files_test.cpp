@@ -144,6 +144,17 @@ TEST(HostileFiles, AChangeMadeWhileTheSaveIsWrittenIsNotOverwritten) {
   EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), 1);
 }
 
+TEST(HostileFiles, EvenASaveWithNothingToWriteClearsAKilledSavesLeftovers) {
+  qxtest::TempDir dir;
+  const fs::path file = dir.path() / "Module1.bas";
+  const std::string bytes = "Attribute VB_Name = \"Module1\"\r\n";
+  WriteBytes(file, bytes);
+  WriteBytes(dir.path() / ".Module1.bas.qx-00112233aabb", "half a save");
+  ide::SaveOver(file.string(), bytes, bytes);
+  EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), 1);
+  EXPECT_EQ(ReadBytes(file), bytes);
+}
+
 // Two processes save the same files, each from the contents both loaded: for every file at most
 // one may report success, and the file then holds that one's bytes.
 TEST(HostileFiles, TwoWritersNeverBothSucceed) {

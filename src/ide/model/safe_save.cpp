@@ -35,7 +35,10 @@ void SaveOver(std::string_view path, std::string_view asRead, std::string_view b
   RefuseChanged(path, asRead);
   // The file already holds exactly these bytes (an unchanged component, or edits that came back
   // to the text as read): writing them again would only cost a flush to disk.
-  if (bytes == asRead && platform::FileExists(path)) return;
+  if (bytes == asRead && platform::FileExists(path)) {
+    platform::RemoveStaleTemporaries(path);  // what a killed save of it left
+    return;
+  }
   // Checked again once the new bytes are on disk, immediately before they replace the file and
   // under the lock that our other saves take, so that a change made while they were written is
   // not overwritten.
