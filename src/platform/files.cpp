@@ -43,12 +43,6 @@ class Descriptor {
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
   int get() const { return fd_; }
-  // Closes now and reports the result; a failing close can mean the data did not reach disk.
-  int Close() {
-    const int result = ::close(fd_);
-    fd_ = -1;
-    return result;
-  }
 
  private:
   int fd_;
@@ -83,17 +77,18 @@ void WriteAll(int fd, std::string_view bytes, const std::string& shownPath) {
   }
 }
 
-// The checks that come before writing a file: a folder gives 75, a read-only file 70.
-// Returns whether the target exists, with its status in st.
+// What a path that is not a regular file is, in an error that says so.
 [[noreturn]] void RaiseNotRegular(const std::string& shown, mode_t mode) {
   const char* what = S_ISFIFO(mode)                   ? "a FIFO (named pipe)"
                      : S_ISCHR(mode) || S_ISBLK(mode) ? "a device"
                      : S_ISSOCK(mode)                 ? "a socket"
-                                                      : "not a regular file";
+                                                      : "a special file";
   automation::Raise(err::kPathFileAccess,
                     shown + " is " + what + ", not a file; only regular files are read or written");
 }
 
+// The checks that come before writing a file: a folder gives 75, a read-only file 70.
+// Returns whether the target exists, with its status in st.
 bool CheckWritable(const fs::path& native, std::string_view shown, struct stat& st) {
   if (!StatPath(native, st)) {
     if (errno == ENOENT) return false;
