@@ -8,6 +8,7 @@ here="$(cd "$(dirname "$0")/.." && pwd)"
 seconds="${1:-600}"
 shift || true
 dir="$here/build-fuzz"
+bash "$here/scripts/install-deps.sh"
 
 extra=()
 if command -v ccache >/dev/null; then
