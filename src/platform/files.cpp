@@ -1,6 +1,8 @@
 #include "platform/files.h"
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -43,19 +45,31 @@ class Descriptor {
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
   int get() const { return fd_; }
-  // Closes now and reports the result; a failing close can mean the data did not reach disk.
-  int Close() {
-    const int result = ::close(fd_);
-    fd_ = -1;
-    return result;
-  }
 
  private:
   int fd_;
 };
 
+std::function<int(WriteStep)>& FaultHook() {
+  static std::function<int(WriteStep)> hook;
+  return hook;
+}
+
+// The errno that the test seam injects at a step, 0 for none.
+int Fault(WriteStep step) {
+  const auto& hook = FaultHook();
+  return hook ? hook(step) : 0;
+}
+
 void WriteAll(int fd, std::string_view bytes, const std::string& shownPath) {
   while (!bytes.empty()) {
+    if (const int injected = Fault(WriteStep::kWrite)) {
+      // A full disk takes part of a write before it refuses the rest.
+      if (bytes.size() > 1 && ::write(fd, bytes.data(), bytes.size() / 2) < 0) {
+        RaiseOsError(errno, shownPath, err::kPathNotFound);
+      }
+      RaiseOsError(injected, shownPath, err::kPathNotFound);
+    }
     const ssize_t written = ::write(fd, bytes.data(), bytes.size());
     if (written < 0) {
       if (errno == EINTR) continue;
@@ -63,6 +77,16 @@ void WriteAll(int fd, std::string_view bytes, const std::string& shownPath) {
     }
     bytes.remove_prefix(static_cast<std::size_t>(written));
   }
+}
+
+// What a path that is not a regular file is, in an error that says so.
+[[noreturn]] void RaiseNotRegular(const std::string& shown, mode_t mode) {
+  const char* what = S_ISFIFO(mode)                   ? "a FIFO (named pipe)"
+                     : S_ISCHR(mode) || S_ISBLK(mode) ? "a device"
+                     : S_ISSOCK(mode)                 ? "a socket"
+                                                      : "a special file";
+  automation::Raise(err::kPathFileAccess,
+                    shown + " is " + what + ", not a file; only regular files are read or written");
 }
 
 // The checks that come before writing a file: a folder gives 75, a read-only file 70.
@@ -77,14 +101,92 @@ bool CheckWritable(const fs::path& native, std::string_view shown, struct stat& 
   return true;
 }
 
+constexpr std::string_view kTemporaryMark = ".qx-";
+constexpr std::size_t kTemporaryDigits = 12;
+
 std::string TemporaryName(const std::string& target) {
   static thread_local std::mt19937_64 random{std::random_device{}()};
   static constexpr char kDigits[] = "0123456789abcdef";
   std::string suffix;
   auto value = random();
-  for (int i = 0; i < 12; ++i, value >>= 4)
+  for (std::size_t i = 0; i < kTemporaryDigits; ++i, value >>= 4)
     suffix += kDigits[value & 15];
-  return "." + target + ".qx-" + suffix;
+  return "." + target + std::string(kTemporaryMark) + suffix;
+}
+
+// Whether name is one of our temporary files for target.
+bool IsTemporaryOf(std::string_view name, std::string_view target) {
+  const std::size_t prefix = 1 + target.size() + kTemporaryMark.size();
+  if (name.size() != prefix + kTemporaryDigits || name[0] != '.' ||
+      name.substr(1, target.size()) != target ||
+      name.substr(1 + target.size(), kTemporaryMark.size()) != kTemporaryMark) {
+    return false;
+  }
+  return std::all_of(name.begin() + static_cast<std::ptrdiff_t>(prefix), name.end(),
+                     [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); });
+}
+
+// A writer holds an exclusive lock on its temporary file from creating it until it has been
+// renamed or removed; one that nobody holds was left by a save that died (killed, power cut).
+// Such files are removed; a live writer's are left alone.
+void RemoveStaleIn(const fs::path& folder, const std::string& target) {
+  // readdir, not directory_iterator: this runs before every save, over folders of thousands of
+  // files, and most names are rejected by their first byte without building a path.
+  DIR* dir = ::opendir(folder.c_str());
+  if (dir == nullptr) return;
+  const int dirFd = ::dirfd(dir);
+  while (const dirent* entry = ::readdir(dir)) {
+    if (entry->d_name[0] != '.' || !IsTemporaryOf(entry->d_name, target)) continue;
+    Descriptor fd(::openat(dirFd, entry->d_name, O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+    struct stat held;
+    struct stat named;
+    if (fd.get() < 0 || ::fstat(fd.get(), &held) != 0 || !S_ISREG(held.st_mode)) continue;
+    if (::flock(fd.get(), LOCK_EX | LOCK_NB) != 0) continue;  // a live writer's
+    // Still the same file under that name (not replaced since we opened it).
+    if (::fstatat(dirFd, entry->d_name, &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+        named.st_ino == held.st_ino && named.st_dev == held.st_dev) {
+      ::unlinkat(dirFd, entry->d_name, 0);
+    }
+  }
+  ::closedir(dir);
+}
+
+// An exclusive advisory lock on a folder, held by every save of ours between its last check of
+// the target and the rename that replaces it.
+class FolderLock {
+ public:
+  FolderLock(const fs::path& folder, const std::string& shown)
+      : fd_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    if (fd_.get() < 0) RaiseOsError(errno, shown, err::kPathNotFound);
+    while (::flock(fd_.get(), LOCK_EX) != 0) {
+      if (errno != EINTR) RaiseOsError(errno, shown, err::kPathFileAccess);
+    }
+  }
+  int get() const { return fd_.get(); }
+
+ private:
+  Descriptor fd_;
+};
+
+// Creates a new temporary file beside target and locks it (see RemoveStaleIn); fills
+// in its path.
+int CreateTemporary(const fs::path& folder, const std::string& target, mode_t mode,
+                    const std::string& shown, fs::path& temporary) {
+  for (;;) {
+    temporary = folder / TemporaryName(target);
+    if (const int injected = Fault(WriteStep::kCreate)) {
+      RaiseOsError(injected, shown, err::kPathNotFound);
+    }
+    const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    if (fd < 0) {
+      if (errno == EEXIST) continue;
+      RaiseOsError(errno, shown, err::kPathNotFound);
+    }
+    struct stat st;
+    if (::flock(fd, LOCK_EX) == 0 && ::fstat(fd, &st) == 0 && st.st_nlink > 0) return fd;
+    // Another save's clean-up took it for a dead writer's in the instant before we locked it.
+    ::close(fd);
+  }
 }
 
 // The Windows wildcard match proper, on folded code points: "*" any run, "?" one character.
@@ -167,21 +269,37 @@ std::optional<FileStamp> StampOf(std::string_view path) {
                    static_cast<int64_t>(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec};
 }
 
-std::string ReadFile(std::string_view path) {
+std::string ReadFile(std::string_view path, std::size_t limit) {
   const fs::path native = ToNative(path);
   if (path.empty()) automation::Raise(err::kFileNotFound, path);
-  Descriptor fd(::open(native.c_str(), O_RDONLY | O_CLOEXEC));
-  if (fd.get() < 0) RaiseOsError(errno, path, err::kFileNotFound);
+  const std::string shown(path);
+  // Look before opening: opening a FIFO waits for a writer, opening a device can act on it.
   struct stat st;
+  if (!StatPath(native, st)) RaiseOsError(errno, path, err::kFileNotFound);
+  if (S_ISDIR(st.st_mode)) automation::Raise(err::kPathFileAccess, path);
+  if (!S_ISREG(st.st_mode)) RaiseNotRegular(shown, st.st_mode);
+  // Without blocking, in case it was swapped for a FIFO since; what was opened is checked again.
+  Descriptor fd(::open(native.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  if (fd.get() < 0) RaiseOsError(errno, path, err::kFileNotFound);
   if (::fstat(fd.get(), &st) != 0) RaiseOsError(errno, path, err::kFileNotFound);
   if (S_ISDIR(st.st_mode)) automation::Raise(err::kPathFileAccess, path);
+  if (!S_ISREG(st.st_mode)) RaiseNotRegular(shown, st.st_mode);
+  const auto tooLarge = [&] {
+    automation::Raise(err::kPathFileAccess, shown + " is larger than " + std::to_string(limit) +
+                                                " bytes; it was not read");
+  };
+  if (static_cast<std::uintmax_t>(st.st_size) > limit) tooLarge();
 
+  // The size is a hint: a file that grows while we read is read to its end (or the limit). One
+  // byte more than the size lets the read that finds the end need no second buffer.
   std::string bytes;
+  bytes.resize(static_cast<std::size_t>(st.st_size) + 1);
   std::size_t size = 0;
-  // The size is a hint: a file that grows while we read is read to its end.
-  std::size_t capacity = S_ISREG(st.st_mode) ? static_cast<std::size_t>(st.st_size) + 1 : 65536;
   for (;;) {
-    if (bytes.size() < size + 1) bytes.resize(std::max(capacity, size + 65536));
+    if (size == bytes.size()) {
+      if (size > limit) tooLarge();
+      bytes.resize(std::min(std::max(size * 2, std::size_t{4096}), limit + 1));
+    }
     const ssize_t got = ::read(fd.get(), bytes.data() + size, bytes.size() - size);
     if (got < 0) {
       if (errno == EINTR) continue;
@@ -190,11 +308,25 @@ std::string ReadFile(std::string_view path) {
     if (got == 0) break;
     size += static_cast<std::size_t>(got);
   }
+  if (size > limit) tooLarge();
   bytes.resize(size);
+  // A file that grew gave a buffer larger than its bytes; those who keep the bytes keep only them.
+  if (bytes.capacity() > size + size / 8 + 64) bytes.shrink_to_fit();
   return bytes;
 }
 
-void WriteFileAtomic(std::string_view path, std::string_view bytes) {
+void RemoveStaleTemporaries(std::string_view path) {
+  if (path.empty()) return;
+  const fs::path target = ToNative(path);
+  RemoveStaleIn(target.parent_path(), target.filename().string());
+}
+
+void SetWriteFaultHook(std::function<int(WriteStep)> hook) {
+  FaultHook() = std::move(hook);
+}
+
+void WriteFileAtomic(std::string_view path, std::string_view bytes,
+                     const std::function<void()>& beforeReplace) {
   const std::string shown(path);
   if (path.empty()) automation::Raise(err::kPathNotFound, path);
   fs::path target = ToNative(path);
@@ -205,12 +337,14 @@ void WriteFileAtomic(std::string_view path, std::string_view bytes) {
   }
   struct stat st;
   const bool exists = CheckWritable(target, shown, st);
+  if (exists && !S_ISREG(st.st_mode)) RaiseNotRegular(shown, st.st_mode);
 
   const fs::path folder = target.parent_path();
-  const fs::path temporary = folder / TemporaryName(target.filename().string());
+  const std::string name = target.filename().string();
+  RemoveStaleIn(folder, name);
   const mode_t mode = exists ? (st.st_mode & 07777) : 0666;
-  Descriptor fd(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
-  if (fd.get() < 0) RaiseOsError(errno, shown, err::kPathNotFound);
+  fs::path temporary;
+  Descriptor fd(CreateTemporary(folder, name, mode, shown, temporary));
   try {
     // open() applied the umask; an existing target's bits are restored exactly, and its owner
     // too where we are allowed to set it.
@@ -221,30 +355,25 @@ void WriteFileAtomic(std::string_view path, std::string_view bytes) {
       }
     }
     WriteAll(fd.get(), bytes, shown);
+    if (const int injected = Fault(WriteStep::kFlush))
+      RaiseOsError(injected, shown, err::kPathNotFound);
     if (::fsync(fd.get()) != 0) RaiseOsError(errno, shown, err::kPathNotFound);
-    if (fd.Close() != 0) RaiseOsError(errno, shown, err::kPathNotFound);
+    // The temporary file stays open (and locked) until it has replaced the target: closing it
+    // would let another save's clean-up take it for a dead writer's. fsync has reported any
+    // error that writing it could give.
+    FolderLock lock(folder, shown);
+    if (beforeReplace) beforeReplace();
+    if (const int injected = Fault(WriteStep::kReplace))
+      RaiseOsError(injected, shown, err::kPathNotFound);
     if (::rename(temporary.c_str(), target.c_str()) != 0) {
       RaiseOsError(errno, shown, err::kPathNotFound);
     }
+    // Make the rename itself durable; a failure here no longer affects the contents.
+    ::fsync(lock.get());
   } catch (...) {
     ::unlink(temporary.c_str());
     throw;
   }
-  // Make the rename itself durable; a failure here no longer affects the contents.
-  Descriptor dir(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (dir.get() >= 0) ::fsync(dir.get());
-}
-
-void WriteFile(std::string_view path, std::string_view bytes) {
-  const std::string shown(path);
-  if (path.empty()) automation::Raise(err::kPathNotFound, path);
-  const fs::path target = ToNative(path);
-  struct stat st;
-  CheckWritable(target, shown, st);
-  Descriptor fd(::open(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
-  if (fd.get() < 0) RaiseOsError(errno, shown, err::kPathNotFound);
-  WriteAll(fd.get(), bytes, shown);
-  if (fd.Close() != 0) RaiseOsError(errno, shown, err::kPathNotFound);
 }
 
 bool WildcardMatch(std::string_view pattern, std::string_view name) {

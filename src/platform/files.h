@@ -3,7 +3,9 @@
 // found, 76 path not found, 70 permission denied, 75 path/file access error, 57 device I/O
 // error, 61 disk full.
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -44,19 +46,46 @@ struct FileStamp {
 // The stamp of a regular file (symbolic links followed); nullopt when there is none.
 std::optional<FileStamp> StampOf(std::string_view path);
 
-// The whole file as bytes. Raises 53 when missing, 70 when not readable, 75 for a folder.
-std::string ReadFile(std::string_view path);
+// The most ReadFile reads unless told otherwise: far beyond any VB source or companion file.
+inline constexpr std::size_t kReadLimit = std::size_t{512} << 20;
+
+// The whole file as bytes. Only regular files are read: a FIFO, a device or a socket raises 75
+// saying what it is, without waiting on it or reading from it; so does a file larger than limit.
+// Raises 53 when missing, 70 when not readable, 75 for a folder.
+std::string ReadFile(std::string_view path, std::size_t limit = kReadLimit);
 
 // Replaces the file so that readers see either the old or the new contents, never a part:
-// writes a temporary file beside the target, flushes it to disk, renames it over the target.
-// The target keeps its permission bits (a new file gets the usual ones). A symbolic link is
-// followed and the file it names is replaced. Raises 70 for a read-only target, 75 for a
-// folder, 76 when the folder is missing; on any failure the target is as it was.
-void WriteFileAtomic(std::string_view path, std::string_view bytes);
+// writes a temporary file beside the target (".<name>.qx-<12 hex digits>"), flushes it to disk,
+// renames it over the target. The target keeps its permission bits (a new file gets the usual
+// ones). A symbolic link is followed and the file it names is replaced. Raises 70 for a
+// read-only target, 75 for a folder, 76 when the folder is missing, 61 when the disk is full;
+// on any failure the target is as it was and the temporary file is gone.
+//
+// beforeReplace, when given, runs with the new contents flushed, immediately before the rename,
+// while this process holds the folder's save lock (an advisory lock that every save of ours
+// takes): a check there (has someone else changed the file?) cannot be overtaken by another of
+// our writers. Raising from it abandons the write.
+//
+// Temporary files of earlier saves of the same target that no live writer holds (a save killed
+// half way) are removed first.
+void WriteFileAtomic(std::string_view path, std::string_view bytes,
+                     const std::function<void()>& beforeReplace = {});
 
-// Replaces the file's contents in place (creating it when missing); for small files that the
-// driver rewrites, such as the window-state file. Raises as WriteFileAtomic does.
-void WriteFile(std::string_view path, std::string_view bytes);
+// Removes what WriteFileAtomic removes before writing: temporary files of earlier saves of this
+// file that no live writer holds. For a save that finds nothing to write.
+void RemoveStaleTemporaries(std::string_view path);
+
+// A test seam: the steps of WriteFileAtomic where a failure can strike.
+enum class WriteStep : uint8_t {
+  kCreate,   // creating the temporary file
+  kWrite,    // each write of its contents
+  kFlush,    // flushing it to disk
+  kReplace,  // renaming it over the target
+};
+// Called at every step before it is taken; a nonzero result makes the step fail with that errno
+// (a write then fails part way through, as on a full disk). The hook may also act (change the
+// target, end the process) to stand for what happens meanwhile. An empty hook removes it.
+void SetWriteFaultHook(std::function<int(WriteStep)> hook);
 
 // VB's Dir listing. pattern is folder & "\" & name, where name may hold the Windows wildcards
 // "*" and "?" (matched case-insensitively; "*.*" matches every name, with or without a dot;

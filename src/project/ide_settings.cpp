@@ -45,9 +45,10 @@ void AdjustWindowState(const std::string& projectFile) {
     }
   }
   try {
-    platform::WriteFile(stateFile, codePage.Encode(gathered + "\r\n"));
+    platform::WriteFileAtomic(stateFile, codePage.Encode(gathered + "\r\n"));
   } catch (...) {
-    // A window-state file that cannot be rewritten (read-only, say) is left as it was.
+    // A window-state file that cannot be rewritten (read-only, a full disk) is left whole, as
+    // it was.
   }
 }
 

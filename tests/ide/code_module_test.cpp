@@ -428,3 +428,19 @@ TEST(CodeModule, EditsKeepTheIndexCurrent) {
 }
 
 }  // namespace
+
+namespace {
+
+// Found by fuzzing: deleting the first procedure made the next one start at line 1, although a
+// declaration stood between the two and now belongs to the declarations.
+TEST(CodeModuleFound, DeletingTheFirstProcedureGivesTheNextOneTheDeclarations) {
+  auto file = Module(Crlf({"Attribute VB_Name = \"M\"", "Sub A()", "End Sub",
+                           "Private Declare Sub S Lib \"k\" ()", "", "Sub B()", "End Sub"}));
+  CodeModule& code = file->Code();
+  ExpectProcedures(code, {{"A", ProcKind::kProc, 1, 1, 2}, {"B", ProcKind::kProc, 3, 5, 4}});
+  code.DeleteLines(1, 2);
+  EXPECT_EQ(code.CountOfDeclarationLines(), 1);
+  ExpectProcedures(code, {{"B", ProcKind::kProc, 2, 3, 3}});
+}
+
+}  // namespace

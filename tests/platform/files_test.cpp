@@ -99,16 +99,6 @@ TEST(Files, AtomicWriteReplacesKeepsModeAndFailsCleanly) {
   EXPECT_EQ(names, (std::vector<std::string>{"Main.frm", "New.bas"}));
 }
 
-TEST(Files, PlainWriteRefusesReadOnlyFiles) {
-  qxtest::TempHome home;
-  const fs::path file = home.path() / "p.vbw";
-  platform::WriteFile(file.string(), "Form1 = 0, 0, 0, 0, C\r\n");
-  EXPECT_EQ(platformtest::ReadBytes(file), "Form1 = 0, 0, 0, 0, C\r\n");
-  fs::permissions(file, fs::perms::owner_read);
-  EXPECT_EQ(ErrorNumber([&] { platform::WriteFile(file.string(), ""); }), 70);
-  EXPECT_EQ(platformtest::ReadBytes(file), "Form1 = 0, 0, 0, 0, C\r\n");
-}
-
 TEST(Files, DirListsLikeWindows) {
   qxtest::TempHome home;
   const fs::path p = home.path() / "Proj";

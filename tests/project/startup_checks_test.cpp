@@ -1,5 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <filesystem>
+#include <iterator>
+
+#include "platform/files.h"
 #include "platform/profile.h"
 #include "platform/registry.h"
 #include "project/ide_settings.h"
@@ -111,6 +116,21 @@ TEST_F(StartupChecks, WindowStateMarksWindowsClosed) {
   EXPECT_EQ(DriverEnv::Read(vbw),
             "Form1 = 88, 116, 794, 604, , 22, 22, 600, 500, C\r\n\r\n"
             "Module1 = 0, 0, 0, 0, C\r\nClass1 = 1, 2, 3, 4, Z\r\n");
+}
+
+TEST_F(StartupChecks, WindowStateOnAFullDiskStaysWhole) {
+  const std::string vbp = Project("Type=Exe\r\n");
+  const auto vbw = env_.work() / "P.vbw";
+  const std::string before = "Form1 = 88, 116, 794, 604, \r\nModule1 = 0, 0, 0, 0, C\r\n";
+  DriverEnv::Write(vbw, before);
+  platform::SetWriteFaultHook(
+      [](platform::WriteStep step) { return step == platform::WriteStep::kWrite ? ENOSPC : 0; });
+  project::AdjustWindowState(vbp);  // the failure is not the caller's concern
+  platform::SetWriteFaultHook({});
+  EXPECT_EQ(DriverEnv::Read(vbw), before);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(env_.work()),
+                          std::filesystem::directory_iterator()),
+            2);  // P.vbp and P.vbw: no temporary file left
 }
 
 TEST_F(StartupChecks, AddInEntryIsWrittenEveryTime) {

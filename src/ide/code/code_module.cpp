@@ -279,6 +279,9 @@ bool CodeModule::IndexAfterDelete(int32_t first, int32_t count) {
     if ((*it)->endLine < 0) return false;
   }
   if (from != procs.begin() && (*(from - 1))->endLine < 0) return false;
+  // The procedure after the first one deleted becomes the first: its region then starts after
+  // the declarations, which may reach into what was its region (code above its heading).
+  if (from == procs.begin() && to + 1 != procs.end()) return false;
   // No statement or comment runs into the deleted lines or out of them.
   if ((first > 0 && facts_[first - 1].commentGoesOn) || facts_[last].commentGoesOn) return false;
 

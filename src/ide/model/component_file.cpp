@@ -6,6 +6,7 @@
 #include "automation/error.h"
 #include "ide/text/attribute_line.h"
 #include "ide/text/source_text.h"
+#include "platform/byte_order.h"
 #include "platform/codepage.h"
 #include "platform/text.h"
 
@@ -73,8 +74,18 @@ std::unique_ptr<ComponentFile> ComponentFile::Parse(std::string bytes, FileKind 
   file->codePage_ = &codePage;
   file->original_ = std::move(bytes);
   file->code_ = std::make_unique<CodeModule>();
-  SourceText text = SplitText(file->original_, codePage);
-  if (file->original_.find('\0') < text.tailOffset) {
+  const platform::Utf16 utf16 = platform::DetectUtf16(file->original_);
+  if (utf16 != platform::Utf16::kNo) {
+    Invalid(fileName, "it is " + std::string(platform::Utf16Name(utf16)) +
+                          " text; VB reads source files in the ANSI code page (save it as ANSI)");
+  }
+  // A UTF-8 byte-order mark (editors add one) is read past and written back; the text after it
+  // is UTF-8, whatever the project's code page.
+  file->bomLength_ = platform::Utf8BomLength(file->original_);
+  if (file->bomLength_ != 0) file->codePage_ = &platform::GetCodePage(65001);
+  const std::string_view body = file->Body();
+  SourceText text = SplitText(body, *file->codePage_);
+  if (body.find('\0') < text.tailOffset) {
     Invalid(fileName, "it holds binary data (NUL bytes), not VB source text");
   }
   file->dominant_ = text.dominant;
@@ -225,7 +236,8 @@ void ComponentFile::SetName(std::string_view name) {
 
 std::string ComponentFile::Render() const {
   if (!IsDirty()) return DiskBytes();
-  TextWriter writer(original_, *codePage_, dominant_);
+  const std::string_view body = Body();
+  TextWriter writer(body, *codePage_, dominant_);
   for (const SourceLine& line : header_)
     writer.Add(line);
   for (const CodeLine& code : code_->RawLines()) {
@@ -235,7 +247,7 @@ std::string ComponentFile::Render() const {
         writer.Add(hidden);
     }
   }
-  return writer.Finish(finalBreak_, std::string_view(original_).substr(tailOffset_));
+  return original_.substr(0, bomLength_) + writer.Finish(finalBreak_, body.substr(tailOffset_));
 }
 
 void ComponentFile::MarkSaved(std::string written) {

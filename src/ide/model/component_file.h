@@ -62,8 +62,9 @@ struct DescriptionBlock {
 class ComponentFile {
  public:
   // Reads the bytes of a component file. A file that is not a VB component of that kind (a
-  // database table with the .frm extension, binary data, a header cut short) raises 321
-  // "Invalid file format" naming the file and what is wrong.
+  // database table with the .frm extension, binary data, UTF-16 text, a header cut short)
+  // raises 321 "Invalid file format" naming the file and what is wrong. A UTF-8 byte-order
+  // mark is read past (the text is then UTF-8) and kept when saving.
   static std::unique_ptr<ComponentFile> Parse(std::string bytes, FileKind kind,
                                               const platform::CodePage& codePage,
                                               std::string_view fileName);
@@ -100,8 +101,12 @@ class ComponentFile {
 
   FileKind kind_ = FileKind::kModule;
   const platform::CodePage* codePage_ = nullptr;
-  std::string original_;  // the bytes as read; unchanged lines point into them
-  std::string saved_;     // the bytes last saved, once they differ from the bytes read
+  // The bytes as read after their byte-order mark, if any; unchanged lines point into them.
+  std::string_view Body() const { return std::string_view(original_).substr(bomLength_); }
+
+  std::string original_;       // the bytes as read
+  std::size_t bomLength_ = 0;  // the UTF-8 byte-order mark at their start, kept when saving
+  std::string saved_;          // the bytes last saved, once they differ from the bytes read
   bool savedIsOriginal_ = true;
   std::vector<SourceLine> header_;
   std::vector<DescriptionBlock> description_;

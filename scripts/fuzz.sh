@@ -1,0 +1,59 @@
+#!/usr/bin/env bash
+# Builds the fuzz targets with clang in their own tree (build-fuzz/) and runs each of them:
+#   scripts/fuzz.sh [SECONDS_PER_TARGET] [extra libFuzzer options...]
+# (default 600 s each). Seeds come from tests/fixtures; what a run finds stays in
+# build-fuzz/corpus/<target>; a crash or hang is written to build-fuzz/findings/ and fails the run.
+set -euo pipefail
+here="$(cd "$(dirname "$0")/.." && pwd)"
+seconds="${1:-600}"
+shift || true
+dir="$here/build-fuzz"
+bash "$here/scripts/install-deps.sh"
+
+extra=()
+if command -v ccache >/dev/null; then
+  extra+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+  export CCACHE_BASEDIR="$here" CCACHE_NOHASHDIR=1
+fi
+cmake -S "$here" -B "$dir" -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+  -DQX_FUZZ=ON -DQX_TESTS=OFF -DQX_BENCH=OFF "${extra[@]}" >/dev/null
+cmake --build "$dir" -j"$(nproc)" --target fuzz_project_file fuzz_component_file fuzz_code_module
+
+# Seeds: every fixture file, behind the byte that chooses the kind of file (and code page) to
+# read it as.
+kind_byte() {
+  case "${1,,}" in
+    *.bas) echo 0 ;; *.cls) echo 1 ;; *.frm) echo 2 ;; *.ctl) echo 3 ;; *.pag) echo 4 ;;
+    *.dob) echo 5 ;; *.dsr) echo 6 ;; *) echo 0 ;;
+  esac
+}
+mkdir -p "$dir/seeds/project_file" "$dir/seeds/component_file" "$dir/seeds/code_module" \
+  "$dir/findings"
+n=0
+while IFS= read -r -d '' file; do
+  n=$((n + 1))
+  case "${file,,}" in
+    *.vbp)
+      { printf '\000'; cat "$file"; } >"$dir/seeds/project_file/$n" ;;
+    *.bas | *.cls | *.frm | *.ctl | *.pag | *.dob | *.dsr)
+      { printf "\\$(printf '%03o' "$(kind_byte "$file")")"; cat "$file"; } \
+        >"$dir/seeds/component_file/$n"
+      cp "$file" "$dir/seeds/code_module/$n" ;;
+  esac
+done < <(find "$here/tests/fixtures" -type f -print0)
+
+export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
+export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+status=0
+for target in project_file component_file code_module; do
+  mkdir -p "$dir/corpus/$target"
+  echo "== fuzz_$target (${seconds}s)"
+  if ! "$dir/bin/fuzz_$target" "$dir/corpus/$target" "$dir/seeds/$target" \
+    -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len=65536 \
+    -artifact_prefix="$dir/findings/${target}-" -print_final_stats=1 "$@" 2>"$dir/fuzz_$target.log"; then
+    status=1
+    tail -40 "$dir/fuzz_$target.log"
+  fi
+  grep -E '^stat::number_of_executed_units|^Done|^#[0-9]+.*DONE' "$dir/fuzz_$target.log" || true
+done
+exit $status

@@ -1,0 +1,199 @@
+// What the file layer does against hostile conditions: files that are not files, a disk that
+// fills, flushes and renames that fail, a save killed at any step, leftovers of killed saves,
+// and a second writer.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <vector>
+
+#include "platform/files.h"
+#include "support/temp_home.h"
+#include "test_files.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using platform::WriteStep;
+using platformtest::ErrorNumber;
+using platformtest::ErrorText;
+
+// The names in a folder, sorted.
+std::vector<std::string> Names(const fs::path& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder))
+    names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+// Removes the fault hook when the test ends, also when it fails.
+struct FaultHook {
+  explicit FaultHook(std::function<int(WriteStep)> hook) {
+    platform::SetWriteFaultHook(std::move(hook));
+  }
+  ~FaultHook() { platform::SetWriteFaultHook({}); }
+};
+
+TEST(FileSafety, OnlyRegularFilesAreRead) {
+  qxtest::TempDir dir;
+  const fs::path fifo = dir.path() / "Pipe.bas";
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  // Would wait for a writer forever if it were opened for reading.
+  EXPECT_EQ(ErrorNumber([&] { platform::ReadFile(fifo.string()); }), 75);
+  EXPECT_NE(ErrorText([&] { platform::ReadFile(fifo.string()); }).find("FIFO"), std::string::npos);
+  // Would fill memory if it were read to its end; reached through ".." as a project can name it.
+  std::string zero = dir.path().string();
+  for (auto it = dir.path().begin(); it != dir.path().end(); ++it)
+    zero += "/..";
+  zero += "/dev/zero";
+  EXPECT_NE(ErrorText([&] { platform::ReadFile(zero); }).find("a device"), std::string::npos);
+  EXPECT_EQ(ErrorNumber([&] { platform::WriteFileAtomic(fifo.string(), "x"); }), 75);
+
+  platformtest::WriteBytes(dir.path() / "big.frx", std::string(100, 'x'));
+  EXPECT_EQ(ErrorNumber([&] { platform::ReadFile((dir.path() / "big.frx").string(), 99); }), 75);
+  EXPECT_EQ(platform::ReadFile((dir.path() / "big.frx").string(), 100).size(), 100u);
+}
+
+TEST(FileSafety, ReadBytesHoldNoMoreMemoryThanTheFile) {
+  qxtest::TempDir dir;
+  platformtest::WriteBytes(dir.path() / "small.bas", std::string(40, 'x'));
+  const std::string bytes = platform::ReadFile((dir.path() / "small.bas").string());
+  EXPECT_EQ(bytes.size(), 40u);
+  EXPECT_LT(bytes.capacity(), 128u);
+}
+
+TEST(FileSafety, FailingStepsLeaveTheOldFileWhole) {
+  qxtest::TempDir dir;
+  const fs::path file = dir.path() / "Module1.bas";
+  const std::string old(100000, 'o');
+  platformtest::WriteBytes(file, old);
+  const struct {
+    WriteStep step;
+    int error;
+    int number;
+  } cases[] = {
+      {WriteStep::kCreate, ENOSPC, 61},  {WriteStep::kWrite, ENOSPC, 61},
+      {WriteStep::kWrite, EDQUOT, 61},   {WriteStep::kFlush, EIO, 57},
+      {WriteStep::kReplace, EACCES, 70},
+  };
+  for (const auto& c : cases) {
+    FaultHook hook([&](WriteStep step) { return step == c.step ? c.error : 0; });
+    EXPECT_EQ(
+        ErrorNumber([&] { platform::WriteFileAtomic(file.string(), std::string(200000, 'n')); }),
+        c.number)
+        << static_cast<int>(c.step);
+    EXPECT_EQ(platformtest::ReadBytes(file), old);
+    EXPECT_EQ(Names(dir.path()), std::vector<std::string>{"Module1.bas"});
+  }
+}
+
+TEST(FileSafety, AKillAtAnyStepLeavesOldOrNewAndTheNextSaveClearsUp) {
+  qxtest::TempDir dir;
+  const fs::path file = dir.path() / "Module1.bas";
+  const std::string old = "Attribute VB_Name = \"Module1\"\r\n' old\r\n";
+  const std::string next = "Attribute VB_Name = \"Module1\"\r\n' new\r\n";
+  for (WriteStep kill :
+       {WriteStep::kCreate, WriteStep::kWrite, WriteStep::kFlush, WriteStep::kReplace}) {
+    platformtest::WriteBytes(file, old);
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      platform::SetWriteFaultHook([&](WriteStep step) {
+        if (step == kill) ::raise(SIGKILL);
+        return 0;
+      });
+      try {
+        platform::WriteFileAtomic(file.string(), next);
+      } catch (...) {
+        ::_exit(2);
+      }
+      ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(platformtest::ReadBytes(file), old);
+    // A killed save leaves its temporary file (all but one killed before it existed)...
+    const std::size_t left = Names(dir.path()).size();
+    EXPECT_EQ(left, kill == WriteStep::kCreate ? 1u : 2u);
+    // ...which the next save of that file removes.
+    platform::WriteFileAtomic(file.string(), next);
+    EXPECT_EQ(platformtest::ReadBytes(file), next);
+    EXPECT_EQ(Names(dir.path()), std::vector<std::string>{"Module1.bas"});
+  }
+}
+
+TEST(FileSafety, OnlyStaleTemporariesOfThatFileAreRemoved) {
+  qxtest::TempDir dir;
+  const fs::path folder = dir.path();
+  platformtest::WriteBytes(folder / "Module1.bas", "old");
+  const std::vector<std::string> others = {
+      ".Module1.bas.qx-live00000000",  // a live writer's, see below
+      ".Module2.bas.qx-0123456789ab",  // another file's
+      ".Module1.bas.qx-notours",       // not a name we make
+      "Module1.bas.qx-0123456789ab",   // not hidden
+  };
+  for (const std::string& name : others)
+    platformtest::WriteBytes(folder / name, "x");
+  fs::rename(folder / others[0], folder / ".Module1.bas.qx-11110000aaaa");
+  const std::string live = ".Module1.bas.qx-11110000aaaa";
+  platformtest::WriteBytes(folder / ".Module1.bas.qx-0123456789ab", "stale");
+  const int held = ::open((folder / live).c_str(), O_RDONLY | O_CLOEXEC);
+  ASSERT_GE(held, 0);
+  ASSERT_EQ(::flock(held, LOCK_EX), 0);
+
+  platform::WriteFileAtomic((folder / "Module1.bas").string(), "new");
+  ::close(held);
+  std::vector<std::string> expected = {live, others[1], others[2], others[3], "Module1.bas"};
+  std::sort(expected.begin(), expected.end());
+  EXPECT_EQ(Names(folder), expected);
+}
+
+TEST(FileSafety, TheCheckBeforeReplacingHoldsTheFolderLock) {
+  qxtest::TempDir dir;
+  const fs::path file = dir.path() / "Module1.bas";
+  platformtest::WriteBytes(file, "old");
+  int toParent[2];
+  int toChild[2];
+  ASSERT_EQ(::pipe(toParent), 0);
+  ASSERT_EQ(::pipe(toChild), 0);
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    try {
+      platform::WriteFileAtomic(file.string(), "new", [&] {
+        char c = 'c';
+        if (::write(toParent[1], &c, 1) != 1 || ::read(toChild[0], &c, 1) != 1) ::_exit(1);
+      });
+    } catch (...) {
+      ::_exit(2);
+    }
+    ::_exit(0);
+  }
+  char c = 0;
+  ASSERT_EQ(::read(toParent[0], &c, 1), 1);
+  // Another save of ours would wait here: the lock is taken.
+  const int folder = ::open(dir.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  EXPECT_NE(::flock(folder, LOCK_EX | LOCK_NB), 0);
+  EXPECT_EQ(errno, EWOULDBLOCK);
+  ASSERT_EQ(::write(toChild[1], &c, 1), 1);
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  EXPECT_EQ(::flock(folder, LOCK_EX | LOCK_NB), 0);
+  ::close(folder);
+  for (int fd : {toParent[0], toParent[1], toChild[0], toChild[1]})
+    ::close(fd);
+  EXPECT_EQ(platformtest::ReadBytes(file), "new");
+}
+
+}  // namespace
