@@ -12,6 +12,8 @@
 #include "host/problem_log.h"
 #include "host/problem_log_link.h"
 #include "host/registry_key.h"
+#include "host/scan/scan_buffer.h"
+#include "host/scan/scanner.h"
 #include "host/tracer.h"
 
 namespace host {
@@ -33,6 +35,8 @@ void RegisterClasses() {
   RegisterNew<Problem>();
   RegisterNew<ProblemLogLink>();
   RegisterNew<RegistryKey>();
+  RegisterNew<scan::Scanner>();
+  RegisterNew<scan::ScanBuffer>();
   // One per process: every creation gives the current process's object.
   automation::RegisterClass(Tracer::kProgId, [] { return Tracer::Instance(); });
   automation::RegisterClass(HostUtility::kProgId, [] { return HostUtility::Instance(); });

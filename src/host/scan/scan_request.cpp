@@ -1,0 +1,84 @@
+#include "host/scan/scan_request.h"
+
+#include <algorithm>
+#include <array>
+#include <nlohmann/json.hpp>
+
+#include "automation/error.h"
+
+namespace host::scan {
+namespace {
+
+using nlohmann::json;
+
+constexpr std::array<std::string_view, 4> kScopes = {kScopeCode, kScopeNames, kScopeProperties,
+                                                     kScopeHtml};
+
+[[noreturn]] void Bad(const std::string& what) {
+  automation::Raise(automation::err::kInvalidCall, "scan request: " + what);
+}
+
+bool Flag(const json& request, const char* key) {
+  auto it = request.find(key);
+  if (it == request.end() || it->is_null()) return false;
+  if (!it->is_boolean()) Bad(std::string("\"") + key + "\" must be true or false");
+  return it->get<bool>();
+}
+
+CaseMode ParseCase(const json& request) {
+  auto it = request.find("case");
+  if (it == request.end() || it->is_null()) return CaseMode::kSensitive;
+  if (it->is_string()) {
+    const auto& mode = it->get_ref<const std::string&>();
+    if (mode == "sensitive") return CaseMode::kSensitive;
+    if (mode == "insensitive") return CaseMode::kInsensitive;
+    if (mode == "smart") return CaseMode::kSmart;
+  }
+  Bad("\"case\" must be \"sensitive\", \"insensitive\" or \"smart\", not " + it->dump());
+}
+
+std::vector<std::string> Strings(const json& request, const char* key) {
+  std::vector<std::string> out;
+  auto it = request.find(key);
+  if (it == request.end() || it->is_null()) return out;
+  if (!it->is_array()) Bad(std::string("\"") + key + "\" must be a list of strings");
+  for (const auto& item : *it) {
+    if (!item.is_string()) Bad(std::string("\"") + key + "\" must be a list of strings");
+    out.push_back(item.get<std::string>());
+  }
+  return out;
+}
+
+}  // namespace
+
+ScanRequest ScanRequest::Parse(std::string_view text) {
+  const json request = json::parse(text, nullptr, false);
+  if (request.is_discarded() || !request.is_object()) Bad("not a JSON object");
+
+  ScanRequest out;
+  out.patterns = Strings(request, "patterns");
+  if (out.patterns.empty()) Bad("\"patterns\" must name at least one pattern");
+  out.options.literal = Flag(request, "literal");
+  out.options.caseMode = ParseCase(request);
+  out.options.wholeWord = Flag(request, "wordRegexp");
+  if (auto it = request.find("replacement"); it != request.end() && !it->is_null()) {
+    if (!it->is_string()) Bad("\"replacement\" must be a string or null");
+    out.replacement = it->get<std::string>();
+  }
+  out.write = Flag(request, "write");
+  if (out.write && !out.replacement) Bad("writing needs a \"replacement\"");
+  if (auto it = request.find("scope"); it == request.end() || it->is_null()) return out;
+  out.scopes = Strings(request, "scope");
+  for (const auto& scope : *out.scopes) {
+    if (std::find(kScopes.begin(), kScopes.end(), scope) == kScopes.end()) {
+      Bad("unknown scope \"" + scope + "\" (known: code, names, properties, html)");
+    }
+  }
+  return out;
+}
+
+bool ScanRequest::Wants(std::string_view scope) const {
+  return !scopes || std::find(scopes->begin(), scopes->end(), scope) != scopes->end();
+}
+
+}  // namespace host::scan

@@ -1,0 +1,40 @@
+#pragma once
+// ScanRequest: what qx asks the Scanner to do, as it stands in a scan buffer:
+//
+//   {"patterns": ["..."], "literal": false, "case": "sensitive" | "insensitive" | "smart",
+//    "wordRegexp": false, "replacement": null | "text with $1 ${name} $$",
+//    "write": false, "scope": ["code", "names"]}
+//
+// Only "patterns" is required. Left out, the options are off, the case is "sensitive", there is
+// no replacement, nothing is written and every scope is searched (an empty "scope" searches
+// none). A request that is not of this
+// form raises 5 saying what is wrong with it.
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/scan/matcher.h"
+
+namespace host::scan {
+
+// The scopes a request may name: where in a component the Scanner looks.
+inline constexpr std::string_view kScopeCode = "code";    // procedure texts
+inline constexpr std::string_view kScopeNames = "names";  // the component's name
+inline constexpr std::string_view kScopeProperties = "properties";
+inline constexpr std::string_view kScopeHtml = "html";
+
+struct ScanRequest {
+  std::vector<std::string> patterns;
+  MatchOptions options;
+  std::optional<std::string> replacement;
+  bool write = false;
+  std::optional<std::vector<std::string>> scopes;  // none given: every scope
+
+  static ScanRequest Parse(std::string_view json);
+
+  bool Wants(std::string_view scope) const;
+};
+
+}  // namespace host::scan

@@ -1,0 +1,182 @@
+#include "host/scan/scanner.h"
+
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <vector>
+
+#include "automation/error.h"
+#include "host/host_utility.h"
+#include "host/scan/matcher.h"
+#include "host/scan/places.h"
+#include "host/scan/replacement.h"
+#include "host/scan/scan_request.h"
+
+namespace host::scan {
+namespace {
+
+using automation::Dispatch;
+using automation::ObjectRef;
+using json = nlohmann::ordered_json;
+
+// The mode in which a component object takes writes.
+constexpr int32_t kWritingMode = 2;
+
+json ErrorJson(const automation::Error& error) {
+  return json{{"number", error.Number()}, {"description", error.Description()}};
+}
+
+// One ScanObject: the walk over the component's places and the result document it fills.
+class Walk {
+ public:
+  Walk(const ScanRequest& request, const ObjectRef& component, bool updatable)
+      : request_(request),
+        component_(component),
+        updatable_(updatable),
+        matcher_(request.patterns, request.options) {
+    if (request.replacement) replacement_.emplace(*request.replacement, matcher_);
+  }
+
+  void Run(json& result) {
+    places_ = json::array();
+    problems_ = json::array();
+    const PlaceSink sink{[this](Place place) { Look(std::move(place)); },
+                         [this](const automation::Error& error, const std::string& where) {
+                           Problem(error, where);
+                         }};
+    for (const PlaceKind& kind : PlaceKinds()) {
+      if (!request_.Wants(kind.scope)) continue;
+      try {
+        kind.enumerate(component_, sink);
+      } catch (const automation::Error& error) {
+        Problem(error, std::string(kind.kind) + "s");
+      }
+    }
+    WriteChanges();
+    result["places"] = std::move(places_);
+    result["problems"] = std::move(problems_);
+  }
+
+ private:
+  // A place whose text a write would change, and where its entry is in the result.
+  struct Change {
+    Place place;
+    std::size_t entry;
+    std::string text;
+  };
+
+  void Problem(const automation::Error& error, const std::string& where) {
+    json problem = ErrorJson(error);
+    if (!where.empty()) problem["place"] = where;
+    problems_.push_back(std::move(problem));
+  }
+
+  // Reads one place once, records its matches and, with a replacement, its new text.
+  void Look(Place place) {
+    std::string text;
+    try {
+      text = place.text ? std::move(*place.text) : place.Read();
+    } catch (const automation::Error& error) {
+      Problem(error, place.name);
+      return;
+    }
+    json matches = json::array();
+    try {
+      matcher_.ForEachLocated(text, [&](const LocatedMatch& located) {
+        const std::size_t start = located.column - 1;
+        const std::size_t length = located.match.end - located.match.start;
+        matches.push_back(json{{"line", located.line},
+                               {"start", start},
+                               {"end", start + length},
+                               {"text", text.substr(located.match.start, length)}});
+      });
+    } catch (const automation::Error& error) {
+      // A pattern that exceeds the matcher's limits on this text; the other places may still
+      // be searched.
+      Problem(error, place.name);
+      return;
+    }
+    if (matches.empty()) return;
+
+    json entry{{"kind", place.kind},     {"name", place.name},
+               {"text", text},           {"matches", std::move(matches)},
+               {"replacement", nullptr}, {"written", false},
+               {"error", nullptr}};
+    if (replacement_) {
+      std::string replaced;
+      ReplaceAll(matcher_, text, *replacement_, replaced);
+      if (request_.write && updatable_ && replaced != text) {
+        changes_.push_back(Change{std::move(place), places_.size(), replaced});
+      }
+      entry["replacement"] = std::move(replaced);
+    }
+    places_.push_back(std::move(entry));
+  }
+
+  // Switches the component to writing once, then writes each change; a refused switch is the
+  // error of every change, a failed write the error of its own place.
+  void WriteChanges() {
+    if (changes_.empty()) return;
+    try {
+      Dispatch(component_, "IObject").Call("SetMode", kWritingMode);
+    } catch (const automation::Error& error) {
+      for (const Change& change : changes_)
+        places_[change.entry]["error"] = ErrorJson(error);
+      return;
+    }
+    for (const Change& change : changes_) {
+      json& entry = places_[change.entry];
+      try {
+        change.place.Write(change.text);
+        entry["written"] = true;
+      } catch (const automation::Error& error) {
+        entry["error"] = ErrorJson(error);
+      }
+    }
+  }
+
+  const ScanRequest& request_;
+  const ObjectRef& component_;
+  const bool updatable_;
+  Matcher matcher_;
+  std::optional<Replacement> replacement_;
+  json places_;
+  json problems_;
+  std::vector<Change> changes_;
+};
+
+}  // namespace
+
+const automation::ClassInfo& Scanner::Class() const {
+  static const automation::ClassInfo info =
+      automation::ClassBuilder<Scanner>("Scanner")
+          .Method("ScanObject", &Scanner::ScanObject,
+                  {"ProjectName", "CollectionName", "ObjectName", "ObjectIsUpdatable", "Object",
+                   "ScanBufferName"})
+          .Build();
+  return info;
+}
+
+void Scanner::ScanObject(const std::string& projectName, const std::string& collectionName,
+                         const std::string& objectName, bool objectIsUpdatable,
+                         const ObjectRef& object, const std::string& scanBufferName) {
+  if (!object) automation::Raise(automation::err::kObjectNotSet, "no object to scan");
+  const ObjectRef buffer = HostUtility::Instance()->GetRegisteredObject(scanBufferName);
+  if (!buffer) {
+    automation::RaiseMessage(
+        automation::err::kUserError,
+        "No scan buffer is registered under the name \"" + scanBufferName + "\".");
+  }
+  const Dispatch bufferCalls(buffer);
+  const ScanRequest request = ScanRequest::Parse(bufferCalls.Get("Request").ToString());
+
+  json result{{"project", projectName},
+              {"collection", collectionName},
+              {"component", objectName},
+              {"updatable", objectIsUpdatable}};
+  Walk(request, object, objectIsUpdatable).Run(result);
+  // Texts from the IDE are UTF-8; should one not be, its bad bytes become U+FFFD rather than
+  // losing the whole result.
+  bufferCalls.Call("AddResult", result.dump(-1, ' ', false, json::error_handler_t::replace));
+}
+
+}  // namespace host::scan
