@@ -1,6 +1,5 @@
 #include "components/component_object.h"
 
-#include "automation/error.h"
 #include "components/procedures.h"
 #include "contracts/host_classes.h"
 #include "contracts/ide_objects.h"
