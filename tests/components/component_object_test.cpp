@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 #include "automation/error.h"
@@ -102,11 +103,11 @@ TEST_F(ComponentObjectTest, WritingIsRefusedOverUnsavedChangesWhichAreSavedOnThe
 
 TEST_F(ComponentObjectTest, EachSwitchIntoWritingChecksOnceAndReturningSavesOnlyChanges) {
   const ObjectRef module = Module("Code");
-  const std::string original = Bytes("Code.bas");
+  const auto saved = std::filesystem::last_write_time(File("Code.bas"));
   SetMode(module, 1);
   SetMode(module, 0);  // nothing changed: nothing saved
   SetMode(module, 0);  // already idle: nothing at all
-  EXPECT_EQ(Bytes("Code.bas"), original);
+  EXPECT_EQ(std::filesystem::last_write_time(File("Code.bas")), saved);
   EXPECT_EQ(ModeOf(module), 0);
 
   // From 1 to 2 the component is fetched again and checked.
