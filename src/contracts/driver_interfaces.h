@@ -103,6 +103,7 @@ class IObject {
   }
   void Reconstitute() const { d_.Call("Reconstitute"); }
   void Dispose() const { d_.Call("Dispose"); }
+  const ObjectRef& object() const { return d_.object(); }
 
  private:
   automation::Dispatch d_;

@@ -17,6 +17,9 @@ ParameterList ParameterList::New() {
 HostUtility HostUtility::Get() {
   return HostUtility(CreateObject("qxlib41.HostUtility"));
 }
+Scanner Scanner::New() {
+  return Scanner(CreateObject("qxlib41.Scanner"));
+}
 RegistryKey RegistryKey::New() {
   return RegistryKey(CreateObject("qxlib41.RegistryKey"));
 }

@@ -108,6 +108,24 @@ class RegistryKey {
   automation::Dispatch d_;
 };
 
+// The host's scanning engine, made fresh for each scan of a component object. ScanObject may call
+// back into the object (its mode, name, procedures) before it returns.
+class Scanner {
+ public:
+  static Scanner New();
+  explicit Scanner(ObjectRef object) : d_(std::move(object)) {}
+
+  void ScanObject(const std::string& projectName, const std::string& collectionName,
+                  const std::string& objectName, bool objectIsUpdatable, const ObjectRef& object,
+                  const std::string& scanBufferName) const {
+    d_.Call("ScanObject", projectName, collectionName, objectName, objectIsUpdatable, object,
+            scanBufferName);
+  }
+
+ private:
+  automation::Dispatch d_;
+};
+
 // One per process.
 class Tracer {
  public:

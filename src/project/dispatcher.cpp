@@ -36,7 +36,16 @@ constexpr std::string_view kUserConnectionDesigner = "ConnectionDesigner.UserCon
 // Which designers of type 11 a kind takes.
 enum class Designers { kNone, kDhtmlPages, kUserConnections, kOthers };
 
+ComponentFactory& Factory() {
+  static ComponentFactory factory;
+  return factory;
+}
+
 }  // namespace
+
+void SetComponentFactory(ComponentFactory factory) {
+  Factory() = std::move(factory);
+}
 
 // One kind of component as the IDE tells it: the types (and designers) that select it, its
 // bitmap code, and its operations and component class.
@@ -218,40 +227,47 @@ std::string Dispatcher::EnumUserDocuments() {
   return Enumerate(kUserDocuments);
 }
 
-ObjectRef Dispatcher::Build(const Kind& kind, const std::string& /*objectName*/) {
+ObjectRef Dispatcher::Build(const Kind& kind, ObjectRef& project, const std::string& objectName) {
   return Operation(kClass, kind.factory, [&]() -> ObjectRef {
-    // The component classes come with a later version of the driver.
-    foundation::RaiseUserError(std::string("The driver cannot open a ") + kind.className +
-                               " yet: its " + kind.className + " class is not available.");
+    const ComponentFactory& factory = Factory();
+    ObjectRef object = factory ? factory(kind.className) : nullptr;
+    if (!object) {
+      foundation::RaiseUserError(std::string("The driver cannot open a ") + kind.className +
+                                 " yet: its " + kind.className + " class is not available.");
+    }
+    // The name is not checked here: the object looks its component up when it needs it.
+    automation::Args args{project, vbProject_, objectName};
+    Dispatch(object).CallArgs("Initialize", args);
+    return object;
   });
 }
 
-ObjectRef Dispatcher::GetClassModule(ObjectRef&, const std::string& objectName) {
-  return Build(kClassModules, objectName);
+ObjectRef Dispatcher::GetClassModule(ObjectRef& project, const std::string& objectName) {
+  return Build(kClassModules, project, objectName);
 }
-ObjectRef Dispatcher::GetDesigner(ObjectRef&, const std::string& objectName) {
-  return Build(kDesigners, objectName);
+ObjectRef Dispatcher::GetDesigner(ObjectRef& project, const std::string& objectName) {
+  return Build(kDesigners, project, objectName);
 }
-ObjectRef Dispatcher::GetDHTMLPage(ObjectRef&, const std::string& objectName) {
-  return Build(kDhtmlPages, objectName);
+ObjectRef Dispatcher::GetDHTMLPage(ObjectRef& project, const std::string& objectName) {
+  return Build(kDhtmlPages, project, objectName);
 }
-ObjectRef Dispatcher::GetForm(ObjectRef&, const std::string& objectName) {
-  return Build(kForms, objectName);
+ObjectRef Dispatcher::GetForm(ObjectRef& project, const std::string& objectName) {
+  return Build(kForms, project, objectName);
 }
-ObjectRef Dispatcher::GetModule(ObjectRef&, const std::string& objectName) {
-  return Build(kModules, objectName);
+ObjectRef Dispatcher::GetModule(ObjectRef& project, const std::string& objectName) {
+  return Build(kModules, project, objectName);
 }
-ObjectRef Dispatcher::GetPropertyPage(ObjectRef&, const std::string& objectName) {
-  return Build(kPropertyPages, objectName);
+ObjectRef Dispatcher::GetPropertyPage(ObjectRef& project, const std::string& objectName) {
+  return Build(kPropertyPages, project, objectName);
 }
-ObjectRef Dispatcher::GetUserConnection(ObjectRef&, const std::string& objectName) {
-  return Build(kUserConnections, objectName);
+ObjectRef Dispatcher::GetUserConnection(ObjectRef& project, const std::string& objectName) {
+  return Build(kUserConnections, project, objectName);
 }
-ObjectRef Dispatcher::GetUserControl(ObjectRef&, const std::string& objectName) {
-  return Build(kUserControls, objectName);
+ObjectRef Dispatcher::GetUserControl(ObjectRef& project, const std::string& objectName) {
+  return Build(kUserControls, project, objectName);
 }
-ObjectRef Dispatcher::GetUserDocument(ObjectRef&, const std::string& objectName) {
-  return Build(kUserDocuments, objectName);
+ObjectRef Dispatcher::GetUserDocument(ObjectRef& project, const std::string& objectName) {
+  return Build(kUserDocuments, project, objectName);
 }
 
 }  // namespace project

@@ -9,11 +9,19 @@
 // bitmap code, version ("yyyymmddhhnnss" of the file's last-modified time, or empty), whether
 // the file's time could be read ("1"/"0"), whether the file is writable ("1"/"0"), "1", "0".
 
+#include <functional>
 #include <string>
+#include <string_view>
 
 #include "automation/object.h"
 
 namespace project {
+
+// Makes a new, uninitialised component object of that class ("Module"), or returns null for a
+// class the driver does not have yet. The component objects' layer sets it when the driver
+// loads: they are the component's own classes, made without the public class registry.
+using ComponentFactory = std::function<automation::ObjectRef(std::string_view className)>;
+void SetComponentFactory(ComponentFactory factory);
 
 class Dispatcher : public automation::Object {
  public:
@@ -68,7 +76,8 @@ class Dispatcher : public automation::Object {
  private:
   FileInfo GetFileInfo(const std::string& file);
   std::string Enumerate(const Kind& kind);
-  automation::ObjectRef Build(const Kind& kind, const std::string& objectName);
+  automation::ObjectRef Build(const Kind& kind, automation::ObjectRef& project,
+                              const std::string& objectName);
 
   automation::ObjectRef parent_;     // the Connection that made this dispatcher
   automation::ObjectRef vbProject_;  // the IDE's project

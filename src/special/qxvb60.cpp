@@ -1,7 +1,9 @@
 #include "special/qxvb60.h"
 
 #include "collections/component_collection.h"
+#include "components/register.h"
 #include "foundation/globals.h"
+#include "project/add_in_register.h"
 #include "project/register.h"
 
 namespace special {
@@ -9,7 +11,13 @@ namespace special {
 void LoadDriver() {
   project::RegisterProjectClasses();
   collections::RegisterCollectionClasses();
+  components::RegisterComponentClasses();
   foundation::Main();
+}
+
+void RegisterAddIn() {
+  project::RegisterAddInClasses();
+  components::RegisterComponentClasses();
 }
 
 }  // namespace special

@@ -8,4 +8,9 @@ namespace special {
 // host process has them before it loads a driver.
 void LoadDriver();
 
+// What the IDE's process registers at its start: the add-in's classes ("qxvb60.Connection",
+// "qxvb60.Dispatcher"; creating the first of them loads the driver there) and the component
+// objects that its dispatchers build.
+void RegisterAddIn();
+
 }  // namespace special

@@ -26,9 +26,9 @@
 #include "ide/vbide/vbproject.h"
 #include "ide/vbide/vbprojects.h"
 #include "platform/registry.h"
-#include "project/add_in_register.h"
 #include "project/connection.h"
 #include "project/ide_settings.h"
+#include "special/qxvb60.h"
 #include "support/driver_env.h"
 #include "support/errors.h"
 
@@ -104,7 +104,7 @@ std::string Entry(const std::string& name, int bitmap, const std::string& versio
 class IdeSide : public ::testing::Test {
  protected:
   IdeSide() {
-    project::RegisterAddInClasses();
+    special::RegisterAddIn();
     project::WriteAddInEntry();  // the entry the driver writes before it starts the IDE
     folder_ = env_.CopyFixture("basic");
     vbp_ = (folder_ / "Basic.vbp").string();
@@ -323,12 +323,18 @@ TEST_F(ActiveProject, CollectionsAnswerFromTheIdeThatHasTheProjectOpen) {
   EXPECT_EQ(project.Get("Dispatcher").ToObject(), dispatcher);
   EXPECT_EQ(Dispatch(MainWindow()).Get("WindowState").ToLong(), 0);
 
-  // GetObject goes to the dispatcher's factory.
-  const auto e = Caught([&] { Collection("Modules").GetObject("Module1"); });
+  // GetObject goes to the dispatcher's factory, which builds the component object by name.
+  const contracts::IObject module(Collection("Modules").GetObject("Module1"));
+  EXPECT_EQ(module.Name(), "Module1");
+  module.SetMode(1);
+  EXPECT_EQ(Dispatch(Dispatch(module.object()).Get("Procedures").ToObject()).Get("Count").ToLong(),
+            3);
+  module.SetMode(0);
+  const auto e = Caught([&] { Collection("Forms").GetObject("Form1"); });
   EXPECT_EQ(e.Number(), -32767);
-  EXPECT_NE(e.Description().find("The driver cannot open a Module yet"), std::string::npos);
-  EXPECT_NE(e.Description().find("qxvb60.Dispatcher.GetModule.1  (4.1.475)\r\n"
-                                 "qxvb60.Modules.ICollection_GetObject.1  (4.1.475)"),
+  EXPECT_NE(e.Description().find("The driver cannot open a Form yet"), std::string::npos);
+  EXPECT_NE(e.Description().find("qxvb60.Dispatcher.GetForm.1  (4.1.475)\r\n"
+                                 "qxvb60.Forms.ICollection_GetObject.1  (4.1.475)"),
             std::string::npos);
 
   // The design command restores the IDE's window and opens the component's designer.

@@ -1,0 +1,68 @@
+#pragma once
+// The IDE's extensibility objects as the driver's component objects use them: typed views that
+// call VBComponent and CodeModule by name, so that the driver needs nothing of how (or in which
+// process) the IDE implements them. Line numbers start at 1.
+
+#include <cstdint>
+#include <string>
+
+#include "automation/object.h"
+
+namespace contracts {
+
+using automation::ObjectRef;
+
+class VBComponent {
+ public:
+  explicit VBComponent(ObjectRef object) : d_(std::move(object)) {}
+
+  bool IsDirty() const { return d_.Get("IsDirty").ToBool(); }
+  // The first of the component's file names (FileNames(1)).
+  std::string FirstFileName() const { return d_.GetAt("FileNames", int16_t{1}).ToString(); }
+  void SaveAs(const std::string& fileName) const { d_.Call("SaveAs", fileName); }
+  bool HasOpenDesigner() const { return d_.Get("HasOpenDesigner").ToBool(); }
+  ObjectRef DesignerWindow() const { return d_.Call("DesignerWindow").ToObject(); }
+  std::string Name() const { return d_.Get("Name").ToString(); }
+  void SetName(const std::string& name) const { d_.Put("Name", name); }
+  ObjectRef CodeModule() const { return d_.Get("CodeModule").ToObject(); }
+
+ private:
+  automation::Dispatch d_;
+};
+
+// The procedure kinds of ProcOfLine, ProcStartLine and ProcCountLines (vbext_ProcKind).
+enum ProcKind : int32_t { kProcKindProc = 0, kProcKindLet = 1, kProcKindSet = 2, kProcKindGet = 3 };
+
+class CodeModule {
+ public:
+  explicit CodeModule(ObjectRef object) : d_(std::move(object)) {}
+
+  int32_t CountOfLines() const { return d_.Get("CountOfLines").ToLong(); }
+  int32_t CountOfDeclarationLines() const { return d_.Get("CountOfDeclarationLines").ToLong(); }
+  // The name of the procedure that holds the line; its kind goes into `kind`.
+  std::string ProcOfLine(int32_t line, int32_t& kind) const;
+  int32_t ProcStartLine(const std::string& name, int32_t kind) const {
+    return d_.GetAt("ProcStartLine", name, kind).ToLong();
+  }
+  int32_t ProcCountLines(const std::string& name, int32_t kind) const {
+    return d_.GetAt("ProcCountLines", name, kind).ToLong();
+  }
+  // The lines joined by CR LF.
+  std::string Lines(int32_t start, int32_t count) const {
+    return d_.GetAt("Lines", start, count).ToString();
+  }
+  void DeleteLines(int32_t start, int32_t count) const { d_.Call("DeleteLines", start, count); }
+  void InsertLines(int32_t line, const std::string& text) const {
+    d_.Call("InsertLines", line, text);
+  }
+
+ private:
+  automation::Dispatch d_;
+};
+
+// Closes a window of the IDE (a designer's).
+inline void CloseWindow(const ObjectRef& window) {
+  automation::Dispatch(window).Call("Close");
+}
+
+}  // namespace contracts

@@ -1,0 +1,230 @@
+// The component object protocol on Module and ClassModule: built by the dispatcher, the modes
+// and their transitions, the refusal to write over unsaved IDE changes, the clean-up of a failed
+// switch, renames, and the scan that hands the object to the host's scanner.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "automation/error.h"
+#include "support/errors.h"
+#include "tests/components/component_env.h"
+
+namespace {
+
+using automation::Dispatch;
+using automation::ObjectRef;
+using qxtest::Caught;
+
+constexpr const char* kModuleRefusal =
+    "Couldn't save changes safely because the module is already open and has pending changes.";
+
+std::string Trail(const std::string& className, const std::string& operation) {
+  return "qxvb60." + className + "." + operation + ".1  (4.1.475)";
+}
+
+class ComponentObjectTest : public qxtest::ComponentEnv {
+ protected:
+  // Changes the module in the IDE behind the object's back, as a user typing in it would.
+  void TypeInto(const std::string& name) {
+    Dispatch(IdeComponent(name).Get("CodeModule").ToObject())
+        .Call("InsertLines", 3, "' typed in the IDE");
+  }
+};
+
+TEST_F(ComponentObjectTest, TheDispatcherBuildsModulesAndClassModulesThatStartIdle) {
+  const ObjectRef module = Module("Code");
+  EXPECT_EQ(module->Class().name, "Module");
+  EXPECT_EQ(ModeOf(module), 0);
+  const Dispatch object(module, "IObject");
+  EXPECT_EQ(object.Get("Name").ToString(), "Code");
+  EXPECT_EQ(object.Get("ShortName").ToString(), "Code");
+  EXPECT_EQ(Dispatch(module).Get("Name").ToString(), "Code");
+  object.Call("Reconstitute");
+  EXPECT_EQ(ModeOf(module), 0);
+  EXPECT_EQ(Get("GetClassModule", "Thing")->Class().name, "ClassModule");
+
+  // Nothing is looked up before the first switch: an unknown name fails there, and the object
+  // stays idle.
+  const ObjectRef missing = Module("NoSuchModule");
+  const automation::Error e = Caught([&] { SetMode(missing, 1); });
+  EXPECT_NE(e.Number(), 0);
+  EXPECT_NE(e.Description().find(Trail("Module", "SetMode") + "\r\n" +
+                                 Trail("Module", "IObject_SetMode")),
+            std::string::npos);
+  EXPECT_EQ(ModeOf(missing), 0);
+
+  // The kinds still to come say so.
+  EXPECT_EQ(Caught([&] { Get("GetForm", "Form1"); }).Number(), -32767);
+}
+
+TEST_F(ComponentObjectTest, IdleObjectsHaveNoComponentToReadOrRename) {
+  const ObjectRef module = Module("Code");
+  const automation::Error procedures = Caught([&] { Procedures(module); });
+  EXPECT_EQ(procedures.Number(), automation::err::kObjectNotSet);
+  EXPECT_NE(procedures.Description().find(Trail("Module", "Procedures")), std::string::npos);
+  // The rename has no failure path of its own: the error comes as the IDE call raised it.
+  const automation::Error rename = Caught([&] { Dispatch(module).Put("Name", "Other"); });
+  EXPECT_EQ(rename.Number(), automation::err::kObjectNotSet);
+  EXPECT_EQ(rename.Description().find("PROGRAM CONTEXT:"), std::string::npos);
+  EXPECT_EQ(Dispatch(module).Get("Name").ToString(), "Code");
+}
+
+TEST_F(ComponentObjectTest, WritingIsRefusedOverUnsavedChangesWhichAreSavedOnTheWayOut) {
+  const ObjectRef module = Module("Code");
+  TypeInto("Code");
+  SetMode(module, 1);  // reading tolerates them
+  EXPECT_EQ(ModeOf(module), 1);
+  Procedures(module);
+
+  const automation::Error e = Caught([&] { SetMode(module, 2); });
+  EXPECT_EQ(e.Number(), -32767);
+  EXPECT_EQ(e.Source(), "");
+  EXPECT_EQ(e.Description(), std::string(kModuleRefusal) + "\r\n\r\nPROGRAM CONTEXT:\r\n" +
+                                 Trail("Module", "SetMode") + "\r\n" +
+                                 Trail("Module", "IObject_SetMode"));
+  EXPECT_EQ(ModeOf(module), 0);
+  EXPECT_NE(Bytes("Code.bas").find("' typed in the IDE\r\n"), std::string::npos);
+  EXPECT_FALSE(IdeComponent("Code").Get("IsDirty").ToBool());
+  EXPECT_EQ(Caught([&] { Procedures(module); }).Number(), automation::err::kObjectNotSet);
+
+  // The class module's refusal names its own kind.
+  const ObjectRef thing = Get("GetClassModule", "Thing");
+  TypeInto("Thing");
+  EXPECT_EQ(Caught([&] { SetMode(thing, 2); })
+                .Description()
+                .rfind("Couldn't save changes safely because the class module is already open "
+                       "and has pending changes.\r\n\r\nPROGRAM CONTEXT:\r\n" +
+                           Trail("ClassModule", "SetMode"),
+                       0),
+            0u);
+}
+
+TEST_F(ComponentObjectTest, EachSwitchIntoWritingChecksOnceAndReturningSavesOnlyChanges) {
+  const ObjectRef module = Module("Code");
+  const auto saved = std::filesystem::last_write_time(File("Code.bas"));
+  SetMode(module, 1);
+  SetMode(module, 0);  // nothing changed: nothing saved
+  SetMode(module, 0);  // already idle: nothing at all
+  EXPECT_EQ(std::filesystem::last_write_time(File("Code.bas")), saved);
+  EXPECT_EQ(ModeOf(module), 0);
+
+  // From 1 to 2 the component is fetched again and checked.
+  SetMode(module, 1);
+  TypeInto("Code");
+  EXPECT_EQ(Caught([&] { SetMode(module, 2); }).Number(), -32767);
+
+  // 2 to 2 does not look again: the object's own writes do not stop it.
+  SetMode(module, 2);
+  Item(module, "Alpha").Put("Text", "Sub Alpha()\r\nEnd Sub");
+  SetMode(module, 2);
+  EXPECT_EQ(ModeOf(module), 2);
+  SetMode(module, 0);
+  EXPECT_NE(Bytes("Code.bas").find("\r\nSub Alpha()\r\nEnd Sub\r\n"), std::string::npos);
+  EXPECT_FALSE(IdeComponent("Code").Get("IsDirty").ToBool());
+}
+
+TEST_F(ComponentObjectTest, AnUnknownModeFailsAndEndsIdle) {
+  const ObjectRef module = Module("Code");
+  for (const int32_t mode : {3, -1}) {
+    SetMode(module, 1);
+    const automation::Error e = Caught([&] { SetMode(module, mode); });
+    EXPECT_EQ(e.Number(), -32753);
+    EXPECT_EQ(
+        e.Description().rfind("Invalid case selector (" + std::to_string(mode) +
+                                  ").\r\n\r\nPROGRAM CONTEXT:\r\n" + Trail("Module", "SetMode"),
+                              0),
+        0u);
+    EXPECT_EQ(ModeOf(module), 0);
+  }
+}
+
+TEST_F(ComponentObjectTest, ARenameIsSavedAndTheNextSwitchFindsTheNewName) {
+  const ObjectRef module = Module("Code");
+  SetMode(module, 1);
+  Dispatch(module).Put("Name", "Renamed");
+  EXPECT_EQ(Dispatch(module, "IObject").Get("Name").ToString(), "Renamed");
+  EXPECT_EQ(Dispatch(module, "IObject").Get("ShortName").ToString(), "Renamed");
+  SetMode(module, 0);
+  EXPECT_NE(Bytes("Code.bas").find("Attribute VB_Name = \"Renamed\"\r\n"), std::string::npos);
+
+  SetMode(module, 2);
+  EXPECT_EQ(Dispatch(Procedures(module)).Get("Count").ToLong(), 3);
+  SetMode(module, 0);
+  // An object made for the old name no longer finds its component.
+  EXPECT_NE(Caught([&] { SetMode(Module("Code"), 1); }).Number(), 0);
+}
+
+TEST_F(ComponentObjectTest, DisposeReleasesTheProjectsButNotTheComponent) {
+  const ObjectRef module = Module("Code");
+  SetMode(module, 1);
+  Dispatch(module, "IObject").Call("Dispose");
+  EXPECT_EQ(ModeOf(module), 1);
+  EXPECT_EQ(Dispatch(Procedures(module)).Get("Count").ToLong(), 3);
+  // Without its IDE project it can no longer fetch the component.
+  EXPECT_EQ(Caught([&] { SetMode(module, 2); }).Number(), automation::err::kObjectNotSet);
+  EXPECT_EQ(ModeOf(module), 0);
+}
+
+class ScanTest : public ComponentObjectTest {
+ protected:
+  void Scan(const ObjectRef& object, const std::string& name) {
+    Dispatch(object, "IObject").Call("Scan", "Sample", name, true, "qx-scan-1");
+  }
+};
+
+TEST_F(ScanTest, TheScannerGetsTheObjectInReadingModeAndTheChangesAreSavedAfter) {
+  const ObjectRef module = Module("Code");
+  int32_t modeDuringScan = -1;
+  std::string alphaText;
+  scanAction_ = [&](const ObjectRef& object) {
+    modeDuringScan = ModeOf(object);
+    alphaText = Item(object, "Alpha").Get("Text").ToString();
+    // A writer asks for mode 2 first, then writes.
+    Dispatch(object, "IObject").Call("SetMode", 2);
+    Item(object, "Alpha").Put("Text", "Sub Alpha()\r\n    Counter = 2\r\nEnd Sub");
+  };
+  Scan(module, "Code");
+  ASSERT_EQ(scans_.size(), 1u);
+  const qxtest::ScanCall& call = scans_.front();
+  EXPECT_EQ(call.projectName, "Sample");
+  EXPECT_EQ(call.collectionName, "Modules");
+  EXPECT_EQ(call.objectName, "Code");
+  EXPECT_TRUE(call.objectIsUpdatable);
+  EXPECT_EQ(call.object, module);
+  EXPECT_EQ(call.scanBufferName, "qx-scan-1");
+  EXPECT_EQ(modeDuringScan, 1);
+  EXPECT_EQ(alphaText, "Sub Alpha()\r\n    Counter = 1\r\nEnd Sub");
+  EXPECT_EQ(ModeOf(module), 0);
+  EXPECT_NE(Bytes("Code.bas").find("    Counter = 2\r\n"), std::string::npos);
+
+  scans_.clear();
+  scanAction_ = nullptr;
+  Scan(Get("GetClassModule", "Thing"), "Thing");
+  ASSERT_EQ(scans_.size(), 1u);
+  EXPECT_EQ(scans_.front().collectionName, "ClassModules");
+}
+
+TEST_F(ScanTest, AScanToleratesUnsavedChangesAndSavesThem) {
+  TypeInto("Code");
+  Scan(Module("Code"), "Code");
+  EXPECT_NE(Bytes("Code.bas").find("' typed in the IDE\r\n"), std::string::npos);
+}
+
+TEST_F(ScanTest, AFailingScanReturnsTheObjectToIdleAndRaisesWithItsTrail) {
+  const ObjectRef module = Module("Code");
+  scanAction_ = [&](const ObjectRef& object) {
+    Item(object, "Alpha").Put("Text", "Sub Alpha()\r\n    Counter = 3\r\nEnd Sub");
+    automation::Raise(automation::err::kInvalidCall);
+  };
+  const automation::Error e = Caught([&] { Scan(module, "Code"); });
+  EXPECT_EQ(e.Number(), automation::err::kInvalidCall);
+  EXPECT_NE(e.Description().find("PROGRAM CONTEXT:\r\n" + Trail("Module", "IObject_Scan")),
+            std::string::npos);
+  EXPECT_EQ(ModeOf(module), 0);
+  // What the scanner wrote before it failed is saved all the same.
+  EXPECT_NE(Bytes("Code.bas").find("    Counter = 3\r\n"), std::string::npos);
+}
+
+}  // namespace
