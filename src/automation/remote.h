@@ -6,6 +6,7 @@
 // there when the proxy is dropped. Incoming calls are served while the process waits (see
 // apartment.h): there are no threads.
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -34,6 +35,11 @@ class Listener {
 // The object served on the socket, as a proxy. One connection per socket is made and kept for
 // the proxies that come through it. Raises 462 when no process serves there (any more).
 ObjectRef Connect(const std::string& socketPath);
+
+// Tells the observer of every call that another process makes into one of our objects, just
+// before the call runs (a server that ends when it has been quiet counts them). One observer
+// per process; an empty function removes it.
+void SetIncomingCallObserver(std::function<void(const Object& callee)> observer);
 
 // True when the object is a proxy for an object of another process (for tests and diagnostics:
 // callers need not care).

@@ -1,5 +1,6 @@
 #include "automation/remote_object.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -9,6 +10,7 @@
 #include "automation/error.h"
 #include "automation/marshal.h"
 #include "automation/process.h"
+#include "automation/remote.h"
 
 namespace automation {
 namespace {
@@ -44,6 +46,11 @@ struct Exports {
   std::unordered_map<uint64_t, ObjectServer*> servers;
   uint64_t next = 1;
 };
+
+std::function<void(const Object&)>& IncomingCallObserver() {
+  static std::function<void(const Object&)> observer;
+  return observer;
+}
 
 Exports& TheExports() {
   static Exports* exports = new Exports();  // outlives servers released at exit
@@ -94,6 +101,7 @@ class ObjectServer final : public wire::Dispatch::Server {
       // The call runs in the (simulated) process that made the object, with its values.
       std::optional<Process::Scope> scope;
       if (auto owner = object->Owner()) scope.emplace(std::move(owner));
+      if (const auto& observer = IncomingCallObserver()) observer(*object);
       try {
         result = object->Invoke(interfaceName, memberName, kind, args);
       } catch (...) {
@@ -191,6 +199,10 @@ ObjectRef ImportObject(wire::ObjectRef::Reader in) {
     if (it != TheExports().servers.end()) return it->second->Object();
   }
   return std::make_shared<RemoteObject>(in.getCap(), in.getApartment(), in.getId());
+}
+
+void SetIncomingCallObserver(std::function<void(const Object&)> observer) {
+  IncomingCallObserver() = std::move(observer);
 }
 
 size_t ExportedObjectCount() {

@@ -28,4 +28,18 @@ struct CheckOptions {
 // Runs the checks the driver makes before it opens a project in the IDE.
 int RunCheck(const CheckOptions& options, Printer& printer);
 
+struct IdeOptions {
+  std::string projectFile;
+  bool all = false;  // stop: every IDE of this qx home
+};
+
+// Runs the start-up sequence for the project (reads its Dispatcher) and says whether it
+// connected to a running IDE or started one, with the IDE's process id.
+int RunIdeStart(const IdeOptions& options, Printer& printer);
+// Lists the IDE processes of this qx home: process id, open projects, time since the last call.
+int RunIdeList(Printer& printer);
+// Ends the IDE that has the project open, or every IDE (all), and waits until each is gone.
+// Exit 1 when no IDE has the project open.
+int RunIdeStop(const IdeOptions& options, Printer& printer);
+
 }  // namespace cli

@@ -45,6 +45,24 @@ class JsonPrinter : public Printer {
     Write(record);
   }
 
+  void IdeStarted(const IdeStart& start) override {
+    Write({{"type", "ide"},
+           {"action", start.started ? "started" : "connected"},
+           {"project", start.project},
+           {"pid", start.process.pid}});
+  }
+
+  void IdeListed(const IdeProcess& process) override {
+    Write({{"type", "ide-process"},
+           {"pid", process.pid},
+           {"projects", process.projects},
+           {"idle_seconds", process.idleSeconds}});
+  }
+
+  void IdeStopped(const IdeProcess& process) override {
+    Write({{"type", "ide"}, {"action", "stopped"}, {"pid", process.pid}});
+  }
+
   void Error(const automation::Error& error) override {
     Write({{"type", "error"}, {"number", error.Number()}, {"description", error.Description()}});
   }

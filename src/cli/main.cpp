@@ -61,6 +61,26 @@ int main(int argc, char** argv) {
   checkCommand->add_option("PROJECT", check.projectFile, "The project file (.vbp)")->required();
   checkCommand->add_flag("--json", json, kJsonHelp);
 
+  cli::IdeOptions ide;
+  CLI::App* ideCommand = app.add_subcommand("ide", "Start, list and stop the IDE processes");
+  ideCommand->require_subcommand(1);
+  CLI::App* ideStart = ideCommand->add_subcommand(
+      "start", "Connect the project to its IDE, starting one when none has it open");
+  ideStart->add_option("PROJECT", ide.projectFile, "The project file (.vbp)")->required();
+  ideStart->add_flag("--json", json, kJsonHelp);
+  CLI::App* ideList = ideCommand->add_subcommand(
+      "list", "List the IDE processes: process id, open projects, time since the last call");
+  ideList->add_flag("--json", json, kJsonHelp);
+  CLI::App* ideStop =
+      ideCommand->add_subcommand("stop", "End the IDE that has the project open, and wait");
+  ideStop->add_option("PROJECT", ide.projectFile, "The project file (.vbp)");
+  ideStop->add_flag("--all", ide.all, "End every IDE process of this qx home");
+  ideStop->add_flag("--json", json, kJsonHelp);
+  ideStop->callback([&] {
+    if (ide.all == ide.projectFile.empty()) return;
+    throw CLI::ValidationError("stop takes a project file or --all, not both and not neither");
+  });
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -81,5 +101,8 @@ int main(int argc, char** argv) {
   }
   if (listCommand->parsed()) return cli::RunList(list, *printer);
   if (checkCommand->parsed()) return cli::RunCheck(check, *printer);
+  if (ideStart->parsed()) return cli::RunIdeStart(ide, *printer);
+  if (ideList->parsed()) return cli::RunIdeList(*printer);
+  if (ideStop->parsed()) return cli::RunIdeStop(ide, *printer);
   return cli::kExitError;
 }

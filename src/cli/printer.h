@@ -31,6 +31,12 @@ class Printer {
   virtual void Collection(const CollectionListing& listing) = 0;
   virtual void Problem(const cli::Problem& problem) = 0;
   virtual void Summary(const cli::Summary& summary) = 0;
+  // The IDE that `qx ide start` started or connected to.
+  virtual void IdeStarted(const IdeStart& start) = 0;
+  // One IDE process of `qx ide list`.
+  virtual void IdeListed(const IdeProcess& process) = 0;
+  // An IDE process that `qx ide stop` ended.
+  virtual void IdeStopped(const IdeProcess& process) = 0;
   // The error that stopped the run.
   virtual void Error(const automation::Error& error) = 0;
 };

@@ -40,4 +40,18 @@ struct Summary {
   std::optional<size_t> components;  // how many components were listed
 };
 
+// An IDE process of this qx home (qxvb6.exe serving projects).
+struct IdeProcess {
+  long pid = 0;
+  std::vector<std::string> projects;  // the project files it has open, as it reports them
+  int32_t idleSeconds = 0;            // since its last call
+};
+
+// What `qx ide start` did to have the project in an IDE.
+struct IdeStart {
+  std::string project;   // as given
+  bool started = false;  // false: connected to an IDE that was running
+  IdeProcess process;
+};
+
 }  // namespace cli

@@ -2,6 +2,7 @@
 // and errors on standard error.
 
 #include <algorithm>
+#include <cstdio>
 #include <ostream>
 
 #include "cli/printer.h"
@@ -19,6 +20,19 @@ size_t DisplayWidth(std::string_view text) {
 
 std::string Pad(const std::string& text, size_t width) {
   return text + std::string(width - DisplayWidth(text), ' ');
+}
+
+// "42s", "3m05s", "2h01m": how long an IDE has been quiet.
+std::string IdleText(int32_t seconds) {
+  char text[32];
+  if (seconds < 60) {
+    std::snprintf(text, sizeof text, "%ds", seconds);
+  } else if (seconds < 3600) {
+    std::snprintf(text, sizeof text, "%dm%02ds", seconds / 60, seconds % 60);
+  } else {
+    std::snprintf(text, sizeof text, "%dh%02dm", seconds / 3600, seconds / 60 % 60);
+  }
+  return text;
 }
 
 class TextPrinter : public Printer {
@@ -75,6 +89,22 @@ class TextPrinter : public Printer {
     } else {
       out_ << "OK\n";
     }
+  }
+
+  void IdeStarted(const IdeStart& start) override {
+    out_ << (start.started ? "started" : "connected to") << " IDE process " << start.process.pid
+         << " for " << ForOut(start.project) << "\n";
+  }
+
+  void IdeListed(const IdeProcess& process) override {
+    out_ << process.pid << "  idle " << IdleText(process.idleSeconds);
+    for (const std::string& project : process.projects)
+      out_ << "  " << ForOut(project);
+    out_ << "\n";
+  }
+
+  void IdeStopped(const IdeProcess& process) override {
+    out_ << "stopped IDE process " << process.pid << "\n";
   }
 
   void Error(const automation::Error& error) override {

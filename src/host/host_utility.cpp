@@ -1,8 +1,14 @@
 #include "host/host_utility.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <functional>
 #include <vector>
 
 #include "automation/apartment.h"
@@ -11,6 +17,7 @@
 #include "host/launch.h"
 #include "host/object_table.h"
 #include "platform/files.h"
+#include "platform/home.h"
 #include "platform/paths.h"
 
 namespace host {
@@ -19,6 +26,35 @@ namespace {
 struct HostUtilityValues {
   std::shared_ptr<HostUtility> utility;
   std::vector<pid_t> launched;  // started by LaunchAndConnect and still running
+};
+
+// The launch of one name, held by one process of the qx home at a time: two hosts that start
+// the IDE for the same project at once end with one IDE, the second finding the first's
+// registration once it holds the lock. The lock is the file's flock, so it goes with its
+// process, however that ends.
+class LaunchLock {
+ public:
+  explicit LaunchLock(const std::string& name) {
+    const std::filesystem::path run = platform::QxHome() / "run";
+    std::error_code ec;
+    std::filesystem::create_directories(run, ec);
+    char hash[20];
+    std::snprintf(hash, sizeof hash, "%016zx", std::hash<std::string>()(ObjectTable::Key(name)));
+    fd_ = ::open((run / ("launch-" + std::string(hash) + ".lock")).c_str(),
+                 O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  }
+  ~LaunchLock() {
+    if (fd_ >= 0) ::close(fd_);  // releases the lock
+  }
+  LaunchLock(const LaunchLock&) = delete;
+  LaunchLock& operator=(const LaunchLock&) = delete;
+
+  // Takes the lock if no other process holds it. Without a lock file there is nothing to
+  // wait for.
+  bool TryAcquire() { return fd_ < 0 || ::flock(fd_, LOCK_EX | LOCK_NB) == 0; }
+
+ private:
+  int fd_ = -1;
 };
 
 }  // namespace
@@ -56,13 +92,20 @@ automation::ObjectRef HostUtility::LaunchAndConnect(const std::string& commandLi
   // Reap the programs started earlier that have ended since.
   std::erase_if(launched, [](pid_t pid) { return ::waitpid(pid, nullptr, WNOHANG) != 0; });
 
+  const auto deadline =
+      std::chrono::steady_clock::now() + std::chrono::milliseconds(std::max(timeout, 0));
+  // Calls into this process are served while it waits, for the lock as for the registration.
+  LaunchLock lock(name);
+  if (!automation::Apartment::Get().ServeUntil([&] { return lock.TryAcquire(); }, deadline)) {
+    return nullptr;
+  }
+  // Started meanwhile by the host that held the lock.
+  if (automation::ObjectRef running = ObjectTable::Get().Find(name)) return running;
+
   const pid_t pid = StartDetached(commandLine);
   if (pid <= 0) return nullptr;
   automation::ObjectRef found;
   bool ended = false;
-  const auto deadline =
-      std::chrono::steady_clock::now() + std::chrono::milliseconds(std::max(timeout, 0));
-  // Calls into this process are served while it waits.
   automation::Apartment::Get().ServeUntil(
       [&] {
         found = ObjectTable::Get().Find(name);

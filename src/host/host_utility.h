@@ -31,6 +31,9 @@ class HostUtility : public automation::Object {
   // Starts the Windows command line detached (see launch.h) and waits, serving calls into this
   // process, until an object is registered under the name (returned, as a proxy), the started
   // process ends or `timeout` milliseconds pass (Nothing for both), or the start fails (Nothing).
+  // One process of the qx home launches a name at a time: a caller that finds another one
+  // launching it waits its turn within the time-out and then gets the object that launch
+  // registered, without starting a second program.
   // The two string and two number arguments are accepted and not used.
   automation::ObjectRef LaunchAndConnect(const std::string& commandLine, const std::string& name,
                                          const std::string& arg3, const std::string& arg4,

@@ -17,6 +17,7 @@
 #include "automation/error.h"
 #include "automation/remote.h"
 #include "platform/home.h"
+#include "platform/paths.h"
 
 namespace host {
 namespace {
@@ -187,44 +188,18 @@ const std::string& SocketFor(const fs::path& run) {
 
 }  // namespace
 
-ObjectTable& ObjectTable::Get() {
-  static ObjectTable table;
-  return table;
-}
+namespace {
 
-int32_t ObjectTable::Add(const std::string& name, automation::ObjectRef object) {
-  State& state = TheState();
-  const fs::path run = RunFolder();
+// An entry of another live process, with its file.
+struct LiveEntry {
   Entry entry;
-  entry.pid = ::getpid();
-  entry.start = OwnStart();
-  entry.socket = SocketFor(run);
-  entry.stamp = std::max(Now(), state.lastStamp + 1);
-  entry.cookie = state.next;
-  entry.key = NormalizeName(name);
-  const fs::path file =
-      run / (std::to_string(entry.pid) + "-" + std::to_string(entry.cookie) + ".entry");
-  WriteEntry(file, entry);
-  state.next = state.next == std::numeric_limits<int32_t>::max() ? 1 : state.next + 1;
-  state.lastStamp = entry.stamp;
-  state.registrations.push_back(
-      Registration{entry.cookie, entry.key, std::move(object), entry.stamp, file});
-  return entry.cookie;
-}
+  fs::path file;
+};
 
-automation::ObjectRef ObjectTable::Find(const std::string& name) {
-  const std::string key = NormalizeName(name);
-  struct Candidate {
-    int64_t stamp;
-    ObjectRef local;  // this process's own object
-    Entry entry;      // else the registration in another process
-    fs::path file;
-  };
-  std::vector<Candidate> candidates;
-  for (const auto& r : TheState().registrations) {
-    if (r.key == key) candidates.push_back(Candidate{r.stamp, r.object, {}, {}});
-  }
-
+// The registrations of the other processes that are still running. Entries (and sockets) left
+// by processes that have ended are removed on the way.
+std::vector<LiveEntry> OtherLiveEntries() {
+  std::vector<LiveEntry> live;
   const fs::path run = platform::QxHome() / "run";
   std::error_code ec;
   for (fs::directory_iterator it(run, ec), end; !ec && it != end; it.increment(ec)) {
@@ -249,7 +224,53 @@ automation::ObjectRef ObjectTable::Find(const std::string& name) {
       if (fs::path(entry->socket).parent_path() == run) RemoveQuietly(entry->socket);
       continue;
     }
-    if (entry->key == key) candidates.push_back(Candidate{entry->stamp, nullptr, *entry, file});
+    live.push_back(LiveEntry{std::move(*entry), file});
+  }
+  return live;
+}
+
+}  // namespace
+
+ObjectTable& ObjectTable::Get() {
+  static ObjectTable table;
+  return table;
+}
+
+int32_t ObjectTable::Add(const std::string& name, automation::ObjectRef object) {
+  State& state = TheState();
+  const fs::path run = RunFolder();
+  Entry entry;
+  entry.pid = ::getpid();
+  entry.start = OwnStart();
+  entry.socket = SocketFor(run);
+  entry.stamp = std::max(Now(), state.lastStamp + 1);
+  entry.cookie = state.next;
+  entry.key = Key(name);
+  const fs::path file =
+      run / (std::to_string(entry.pid) + "-" + std::to_string(entry.cookie) + ".entry");
+  WriteEntry(file, entry);
+  state.next = state.next == std::numeric_limits<int32_t>::max() ? 1 : state.next + 1;
+  state.lastStamp = entry.stamp;
+  state.registrations.push_back(
+      Registration{entry.cookie, entry.key, std::move(object), entry.stamp, file});
+  return entry.cookie;
+}
+
+automation::ObjectRef ObjectTable::Find(const std::string& name) {
+  const std::string key = Key(name);
+  struct Candidate {
+    int64_t stamp;
+    ObjectRef local;  // this process's own object
+    Entry entry;      // else the registration in another process
+    fs::path file;
+  };
+  std::vector<Candidate> candidates;
+  for (const auto& r : TheState().registrations) {
+    if (r.key == key) candidates.push_back(Candidate{r.stamp, r.object, {}, {}});
+  }
+  for (LiveEntry& live : OtherLiveEntries()) {
+    if (live.entry.key == key)
+      candidates.push_back(Candidate{live.entry.stamp, nullptr, std::move(live.entry), live.file});
   }
 
   std::sort(candidates.begin(), candidates.end(),
@@ -270,6 +291,17 @@ automation::ObjectRef ObjectTable::Find(const std::string& name) {
   return nullptr;
 }
 
+std::vector<std::string> ObjectTable::Names() {
+  std::vector<std::string> names;
+  for (const auto& r : TheState().registrations)
+    names.push_back(r.key);
+  for (const LiveEntry& live : OtherLiveEntries())
+    names.push_back(live.entry.key);
+  std::sort(names.begin(), names.end());
+  names.erase(std::unique(names.begin(), names.end()), names.end());
+  return names;
+}
+
 bool ObjectTable::Remove(int32_t cookie) {
   auto& registrations = TheState().registrations;
   auto it = std::find_if(registrations.begin(), registrations.end(),
@@ -284,6 +316,19 @@ bool ObjectTable::Remove(int32_t cookie) {
 
 size_t ObjectTable::Size() const {
   return TheState().registrations.size();
+}
+
+std::string ObjectTable::Key(const std::string& name) {
+  const bool relative = !(name.size() >= 2 && name[1] == ':') &&
+                        !(!name.empty() && (name[0] == '\\' || name[0] == '/'));
+  if (relative && !name.empty()) {
+    std::error_code ec;
+    const fs::path native = platform::ToNative(name);
+    if (fs::is_regular_file(native, ec)) {
+      return ObjectTable::NormalizeName(platform::ToWindows(fs::absolute(native, ec)));
+    }
+  }
+  return ObjectTable::NormalizeName(name);
 }
 
 std::string ObjectTable::NormalizeName(std::string_view name) {

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "automation/object.h"
 
@@ -26,6 +27,9 @@ class ObjectTable {
   int32_t Add(const std::string& name, automation::ObjectRef object);
   // The object registered latest under the name in any live process, or null.
   automation::ObjectRef Find(const std::string& name);
+  // The names registered in live processes (this one included), as normalized, sorted, each
+  // once.
+  std::vector<std::string> Names();
   // Withdraws a registration of this process; false when the cookie is unknown.
   bool Remove(int32_t cookie);
   // The number of registrations this process holds.
@@ -35,6 +39,11 @@ class ObjectTable {
   // not matter, drive letters map to their folders (z: is "/", c: is the stand-in drive under
   // the qx home folder), and "." and ".." parts are resolved. A relative name stays relative.
   static std::string NormalizeName(std::string_view name);
+  // The key a name is registered and looked up under: its normalized form. A relative name of
+  // an existing file counts from the current folder, as a file's display name does: the IDE
+  // reports the full path of the project it opened, while the host may know it by a relative
+  // one.
+  static std::string Key(const std::string& name);
 };
 
 }  // namespace host

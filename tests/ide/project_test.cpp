@@ -276,3 +276,25 @@ TEST(Project, ProjectLinesReadAsTheDriverReadsThem) {
 }
 
 }  // namespace
+
+// The IDE never answers from a stale file: a component whose file changed on disk is read
+// again before it is next read, unless it holds unsaved changes; the project file tells that it
+// changed.
+TEST(Project, AChangedFileIsReadAgainUnlessTheComponentHoldsChanges) {
+  FixtureCopy copy("ledger");
+  auto project = Project::Open(copy.Path("Ledger.vbp"));
+  EXPECT_FALSE(project->ChangedOnDisk());
+  ide::Component& util = project->Item("modUtil");
+  const int32_t lines = util.Code().CountOfLines();
+  WriteBytes(util.FileName(), ReadBytes(util.FileName()) + "' added elsewhere\r\n");
+  EXPECT_EQ(util.Code().CountOfLines(), lines + 1);
+
+  ide::Component& account = project->Item("CAccount");
+  account.Code().InsertLines(1, "' mine");
+  const int32_t mine = account.Code().CountOfLines();
+  WriteBytes(account.FileName(), ReadBytes(account.FileName()) + "' theirs\r\n");
+  EXPECT_EQ(account.Code().CountOfLines(), mine);  // the unsaved change is kept
+
+  WriteBytes(copy.Path("Ledger.vbp"), ReadBytes(copy.Path("Ledger.vbp")) + "\r\n");
+  EXPECT_TRUE(project->ChangedOnDisk());
+}

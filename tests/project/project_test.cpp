@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
+
 #include "automation/object.h"
 #include "contracts/driver_interfaces.h"
 #include "foundation/globals.h"
@@ -236,8 +238,11 @@ TEST_F(ProjectTest, DeactivateWithoutDispatcherAndDispatcherWithoutIde) {
   const contracts::IProject project(Open(folder / "A.vbp"));
   project.Deactivate();
   EXPECT_FALSE(Dispatch(project.object()).Get("IsActive").ToBool());
-  // Starting the IDE fails with a message and the trail of the start-up sequence.
+  // Starting the IDE fails with a message and the trail of the start-up sequence (the registry
+  // of this home names a program that is not there).
+  ::setenv("QX_VB6_EXE", (folder / "missing" / "vb6.exe").c_str(), 1);
   const auto e = Caught([&] { Dispatch(project.object()).Get("Dispatcher"); });
+  ::unsetenv("QX_VB6_EXE");
   EXPECT_EQ(e.Number(), -32767);
   EXPECT_NE(e.Description().find("qxvb60.Project.Activate.1  (4.1.475)\r\n"
                                  "qxvb60.Project.Dispatcher.1  (4.1.475)"),

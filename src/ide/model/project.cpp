@@ -52,9 +52,18 @@ FileKind Component::Kind() const {
 }
 
 ComponentFile& Component::File() {
-  if (file_) return *file_;
-  if (loadError_) throw *loadError_;
+  if (file_ || loadError_) {
+    // The IDE never answers from a stale file: one changed on disk since it was read (or since
+    // reading it failed) is read again, unless the IDE holds changes of its own for it.
+    if (IsDirty() || platform::StampOf(fileName_) == loadedStamp_) {
+      if (file_) return *file_;
+      throw *loadError_;
+    }
+    file_.reset();
+    loadError_.reset();
+  }
   try {
+    loadedStamp_ = platform::StampOf(fileName_);
     std::string bytes = platform::ReadFile(fileName_);
     file_ = ComponentFile::Parse(std::move(bytes), Kind(), *project_.codePage_, fileName_);
   } catch (...) {
@@ -111,6 +120,7 @@ void Component::Save() {
   std::string bytes = file.Render();
   SaveOver(fileName_, file.DiskBytes(), bytes);
   file.MarkSaved(std::move(bytes));
+  loadedStamp_ = platform::StampOf(fileName_);
 }
 
 void Component::SaveAs(std::string_view path) {
@@ -124,6 +134,7 @@ void Component::SaveAs(std::string_view path) {
   SaveTo(target, bytes);
   file.MarkSaved(std::move(bytes));
   fileName_ = std::move(target);
+  loadedStamp_ = platform::StampOf(fileName_);
 }
 
 std::unique_ptr<Project> Project::Open(std::string_view path) {
@@ -135,6 +146,7 @@ std::unique_ptr<Project> Project::Open(std::string_view path, const platform::Co
   project->codePage_ = &codePage;
   fs::path native = fs::absolute(platform::ToNative(path));
   project->fileName_ = native.string();
+  project->stamp_ = platform::StampOf(project->fileName_);
   project->file_ =
       ProjectFile::Parse(platform::ReadFile(project->fileName_), codePage, project->fileName_);
   std::string folder = native.parent_path().string();
@@ -170,6 +182,7 @@ void Project::Save() {
   std::string bytes = file_->Render();
   SaveOver(fileName_, file_->DiskBytes(), bytes);
   file_->MarkSaved(std::move(bytes));
+  stamp_ = platform::StampOf(fileName_);
 }
 
 }  // namespace ide

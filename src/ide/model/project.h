@@ -14,6 +14,7 @@
 #include "automation/error.h"
 #include "ide/model/component_file.h"
 #include "ide/model/project_file.h"
+#include "platform/files.h"
 
 namespace platform {
 class CodePage;
@@ -52,8 +53,9 @@ class Component {
   bool IsLoaded() const { return file_ != nullptr; }
   // The error that reading the file gave, if it was tried and failed.
   const std::optional<automation::Error>& LoadError() const { return loadError_; }
-  // The file's model, read on first use. Raises the load error (53 missing, 321 not a VB file of
-  // that kind, ...) now and on every later call.
+  // The file's model, read on first use and read again when the file changed on disk since and
+  // the component holds no unsaved change. Raises the load error (53 missing, 321 not a VB file
+  // of that kind, ...) now and on every later call until the file changes.
   ComponentFile& File();
   CodeModule& Code() { return File().Code(); }
 
@@ -69,6 +71,7 @@ class Component {
   std::string fileName_;
   std::unique_ptr<ComponentFile> file_;
   std::optional<automation::Error> loadError_;
+  std::optional<platform::FileStamp> loadedStamp_;  // of the file when it was last read
 };
 
 class Project {
@@ -95,6 +98,8 @@ class Project {
   Component& Item(std::string_view name);
 
   const ProjectFile& File() const { return *file_; }
+  // The project file changed on disk since it was read or last saved.
+  bool ChangedOnDisk() const { return platform::StampOf(fileName_) != stamp_; }
   // The project file needs writing (a module or class was renamed).
   bool IsDirty() const { return file_->IsDirty(); }
   // Writes the project file when it needs writing; otherwise leaves it untouched.
@@ -107,6 +112,7 @@ class Project {
   std::string fileName_;
   const platform::CodePage* codePage_ = nullptr;
   std::unique_ptr<ProjectFile> file_;
+  std::optional<platform::FileStamp> stamp_;  // of the project file when read or saved
   std::vector<std::unique_ptr<Component>> components_;
 };
 

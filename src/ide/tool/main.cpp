@@ -1,18 +1,27 @@
-// qxvb6.exe: the headless VB6 IDE's own command line. It is the executable that the registry
-// names as VB6's, so the driver finds it where it looks for vb6.exe.
+// qxvb6.exe: the headless VB6 IDE. It is the executable that the registry names as VB6's, so the
+// driver finds it where it looks for vb6.exe and starts it as VB6 is started, with the project
+// file as its one argument: then it runs as the IDE process (ide/server/server.h), with the
+// driver's IDE-side classes linked in for the add-in. Its own commands (dump, resave) show and
+// check what the IDE makes of a project's files.
 
 #include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "automation/error.h"
+#include "host/register.h"
+#include "ide/server/server.h"
 #include "ide/tool/commands.h"
 #include "ide/tool/report.h"
 #include "platform/codepage.h"
+#include "project/add_in_register.h"
 
 int main(int argc, char** argv) {
   CLI::App app{"qxvb6: the headless VB6 IDE over a project's files."};
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);
   int codePage = 0;
+  std::string projectFile;
+  app.add_option("PROJECT", projectFile,
+                 "Run as the IDE with this project open, serving the driver until ended");
   app.add_option("--codepage", codePage,
                  "ANSI code page of the project's files (default 1252, or QX_CODEPAGE)");
 
@@ -37,5 +46,22 @@ int main(int argc, char** argv) {
   }
   if (dumpCommand->parsed()) return ide::tool::RunDump(dump, std::cout, std::cerr);
   if (resaveCommand->parsed()) return ide::tool::RunResave(resave, std::cout, std::cerr);
-  return ide::tool::kExitError;
+  if (projectFile.empty()) {
+    std::cerr << "qxvb6: a project file or a command is required\nRun 'qxvb6.exe --help' for more "
+                 "information.\n";
+    return ide::tool::kExitError;
+  }
+
+  ide::server::RedirectOutputToLog();
+  std::string message;
+  const auto idle = ide::server::IdleFromEnvironment(message);
+  if (!idle) {
+    std::cerr << "qxvb6: " << message << "\n";
+    return ide::tool::kExitError;
+  }
+  // The classes the IDE's process creates by name: the host library's, and the driver's add-in
+  // with its dispatcher, which vbaddin.ini names.
+  host::RegisterClasses();
+  project::RegisterAddInClasses();
+  return ide::server::Serve({projectFile, *idle});
 }

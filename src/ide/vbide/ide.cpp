@@ -71,7 +71,7 @@ std::unique_ptr<Ide> Ide::Start(std::string_view projectPath) {
         }
       });
   ide->LoadAddIns();
-  if (!projectPath.empty()) ide->OpenProject(projectPath);
+  if (!projectPath.empty()) ide->project_ = ide->OpenProject(projectPath);
   ide->Notify("OnStartupComplete", {Variant()});
   return ide;
 }
@@ -120,16 +120,35 @@ void Ide::LoadAddIns() {
   }
 }
 
-void Ide::OpenProject(std::string_view path) {
+std::shared_ptr<vbide::VBProject> Ide::OpenProject(std::string_view path) {
   std::shared_ptr<ide::Project> model;
   try {
     model = ide::Project::Open(path);
   } catch (...) {
     Record("opening the project " + std::string(path));
-    return;
+    return nullptr;
   }
-  project_ = vbe_->VBProjects()->Add(std::move(model));
-  vbe_->Events()->VBProjectsEvents()->Fire("ItemAdded", project_);
+  auto project = vbe_->VBProjects()->Add(std::move(model));
+  vbe_->Events()->VBProjectsEvents()->Fire("ItemAdded", project);
+  return project;
+}
+
+size_t Ide::ReopenChangedProjects() {
+  if (ended_ || !vbe_) return 0;
+  automation::Process::Scope scope(process_);
+  std::vector<std::shared_ptr<vbide::VBProject>> changed;
+  for (const auto& project : vbe_->VBProjects()->Items()) {
+    if (project->Model().ChangedOnDisk() && !project->IsDirty()) changed.push_back(project);
+  }
+  for (const auto& project : changed) {
+    const std::string path = project->FileName();
+    vbe_->Events()->VBProjectsEvents()->Fire("ItemRemoved", project);
+    vbe_->VBProjects()->Remove(project);
+    project->TearDown();
+    auto reopened = OpenProject(path);
+    if (project == project_) project_ = std::move(reopened);
+  }
+  return changed.size();
 }
 
 void Ide::Notify(std::string_view member, automation::Args arguments) {

@@ -61,6 +61,12 @@ class Ide {
   Ide(const Ide&) = delete;
   Ide& operator=(const Ide&) = delete;
 
+  // Closes and opens again, as VB6 does on a close and re-open, every project whose project file
+  // changed on disk since it was read and that holds no unsaved change: ItemRemoved for the old
+  // project, ItemAdded for the new one. Returns how many were reopened; a project that cannot be
+  // opened again is recorded in Problems() and stays closed.
+  size_t ReopenChangedProjects();
+
   // Ends the IDE (see above). Ending twice does nothing.
   void End();
   bool Ended() const { return ended_; }
@@ -77,7 +83,8 @@ class Ide {
   Ide() = default;
 
   void LoadAddIns();
-  void OpenProject(std::string_view path);
+  // Opens the project and raises ItemAdded; null (and a problem) when it cannot be opened.
+  std::shared_ptr<vbide::VBProject> OpenProject(std::string_view path);
   // Calls a member of IDTExtensibility on every connected add-in; failures become problems.
   void Notify(std::string_view member, automation::Args arguments);
   void Record(std::string context);

@@ -1,0 +1,205 @@
+#include "ide/server/server.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <iostream>
+#include <memory>
+#include <utility>
+
+#include "automation/apartment.h"
+#include "automation/error.h"
+#include "automation/object.h"
+#include "automation/process.h"
+#include "automation/remote.h"
+#include "automation/remote_object.h"
+#include "host/host_utility.h"
+#include "ide/vbide/ide.h"
+#include "ide/vbide/vbe.h"
+#include "ide/vbide/vbproject.h"
+#include "ide/vbide/vbprojects.h"
+#include "platform/home.h"
+
+namespace ide::server {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::string_view kControlPrefix = "qxvb6.exe:";
+constexpr std::chrono::milliseconds kTick{200};
+
+// One line of the log: local time, process, text.
+void Log(std::string_view text) {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  ::localtime_r(&now, &local);
+  char stamp[32];
+  std::strftime(stamp, sizeof stamp, "%Y-%m-%d %H:%M:%S", &local);
+  std::cerr << stamp << " qxvb6[" << ::getpid() << "] " << text << std::endl;
+}
+
+// What the loop and the control object share.
+struct Activity {
+  Clock::time_point started = Clock::now();
+  Clock::time_point lastCall = started;  // the last call into the IDE from another process
+  Clock::time_point lastHeld = started;  // the last time another process held one of its objects
+  bool reached = false;                  // a host has called or held something
+  bool quit = false;
+};
+
+class IdeControl : public automation::Object {
+ public:
+  IdeControl(Ide& ide, Activity& activity) : ide_(ide), activity_(activity) {}
+
+  const automation::ClassInfo& Class() const override {
+    static const automation::ClassInfo info = automation::ClassBuilder<IdeControl>(kControlClass)
+                                                  .Get("ProcessId", &IdeControl::ProcessId)
+                                                  .Get("Projects", &IdeControl::Projects)
+                                                  .Get("IdleSeconds", &IdeControl::IdleSeconds)
+                                                  .Method("Quit", &IdeControl::Quit)
+                                                  .Build();
+    return info;
+  }
+
+  int32_t ProcessId() { return static_cast<int32_t>(::getpid()); }
+  std::string Projects() {
+    std::string names;
+    if (ide_.Ended()) return names;
+    for (const auto& project : ide_.VBE()->VBProjects()->Items())
+      names += (names.empty() ? "" : "\t") + project->FileName();
+    return names;
+  }
+  int32_t IdleSeconds() {
+    return static_cast<int32_t>(
+        std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - activity_.lastCall)
+            .count());
+  }
+  void Quit() { activity_.quit = true; }
+
+ private:
+  Ide& ide_;
+  Activity& activity_;
+};
+
+bool HoldsUnsavedChanges(Ide& ide) {
+  automation::Process::Scope scope(ide.Process());
+  for (const auto& project : ide.VBE()->VBProjects()->Items()) {
+    if (project->IsDirty()) return true;
+  }
+  return false;
+}
+
+bool QuietLongEnough(const Activity& activity, std::chrono::seconds idle) {
+  const Clock::time_point now = Clock::now();
+  if (automation::ExportedObjectCount() > 0) return false;
+  if (!activity.reached && idle == std::chrono::seconds(0)) {
+    return now - activity.started >= kUnclaimedGrace;
+  }
+  return now - std::max(activity.lastCall, activity.lastHeld) >= idle;
+}
+
+void LogNewProblems(const Ide& ide, size_t& logged) {
+  const auto& problems = ide.Problems();
+  for (; logged < problems.size(); ++logged)
+    Log(problems[logged].Text());
+}
+
+}  // namespace
+
+std::string ControlName(long pid) {
+  return std::string(kControlPrefix) + std::to_string(pid);
+}
+
+std::optional<long> ControlProcess(std::string_view registeredName) {
+  if (registeredName.substr(0, kControlPrefix.size()) != kControlPrefix) return std::nullopt;
+  const std::string digits(registeredName.substr(kControlPrefix.size()));
+  if (digits.empty() || digits.size() > 9 ||
+      digits.find_first_not_of("0123456789") != std::string::npos) {
+    return std::nullopt;
+  }
+  return std::stol(digits);
+}
+
+std::filesystem::path LogPath() {
+  return platform::QxHome() / "qxvb6.log";
+}
+
+std::optional<std::chrono::seconds> IdleFromEnvironment(std::string& message) {
+  const char* text = std::getenv(kIdleVariable);
+  if (text == nullptr || *text == '\0') return kDefaultIdle;
+  const std::string value(text);
+  if (value.size() > 9 || value.find_first_not_of("0123456789") != std::string::npos) {
+    message =
+        std::string(kIdleVariable) + " must be a whole number of seconds, not \"" + value + "\"";
+    return std::nullopt;
+  }
+  return std::chrono::seconds(std::stol(value));
+}
+
+void RedirectOutputToLog() {
+  const int fd = ::open(LogPath().c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+  if (fd < 0) return;  // nowhere better to write: keep what was inherited
+  ::dup2(fd, STDOUT_FILENO);
+  ::dup2(fd, STDERR_FILENO);
+  ::close(fd);
+}
+
+int Serve(const ServeOptions& options) {
+  Log("starting for " + options.projectFile);
+  std::unique_ptr<Ide> ide = Ide::Start(options.projectFile);
+  size_t logged = 0;
+  LogNewProblems(*ide, logged);
+  if (!ide->VBProject()) {
+    Log("ending: the project could not be opened");
+    ide->End();
+    return 2;
+  }
+
+  Activity activity;
+  automation::SetIncomingCallObserver([&activity](const automation::Object& callee) {
+    activity.reached = true;
+    const std::string& name = callee.Class().name;
+    // Looking the IDE up and asking it how it is are no work for it.
+    if (name == kControlClass || name == "Registrations") return;
+    activity.lastCall = Clock::now();
+  });
+  const auto utility = host::HostUtility::Instance();
+  const int32_t cookie = utility->RegisterObject(ControlName(::getpid()),
+                                                 std::make_shared<IdeControl>(*ide, activity));
+  Log("serving " + ide->VBProject()->FileName());
+
+  std::string reason = "asked to end";
+  automation::Apartment& apartment = automation::Apartment::Get();
+  while (!activity.quit) {
+    apartment.ServeFor(kTick);
+    if (automation::ExportedObjectCount() > 0) {
+      activity.lastHeld = Clock::now();
+      activity.reached = true;
+    }
+    if (activity.quit) break;
+    if (const size_t reopened = ide->ReopenChangedProjects(); reopened > 0) {
+      Log("reopened " + std::to_string(reopened) + " project(s) changed on disk");
+    }
+    LogNewProblems(*ide, logged);
+    if (QuietLongEnough(activity, options.idle) && !HoldsUnsavedChanges(*ide)) {
+      reason = "idle";
+      break;
+    }
+  }
+
+  Log("ending: " + reason);
+  try {
+    utility->RevokeObject(cookie);
+  } catch (const automation::Error& e) {
+    Log("revoking the control object: " + e.Description());
+  }
+  ide->End();
+  LogNewProblems(*ide, logged);
+  automation::SetIncomingCallObserver({});
+  return 0;
+}
+
+}  // namespace ide::server

@@ -1,0 +1,202 @@
+// The IDE as a process, end to end: qx starts qxvb6.exe through the start-up sequence, finds it
+// again, lists it, reads the project from it and stops it; the failures of the start-up say
+// what the driver says; a killed IDE gives 462 and a clean restart.
+
+#include <signal.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <string>
+#include <thread>
+
+#include "automation/error.h"
+#include "automation/object.h"
+#include "contracts/driver_interfaces.h"
+#include "host/host_utility.h"
+#include "host/register.h"
+#include "ide_process/ide_processes.h"
+#include "support/errors.h"
+
+namespace {
+
+using automation::Dispatch;
+using qxtest::IdeProcesses;
+using qxtest::ProcessGone;
+using qxtest::WaitGone;
+
+constexpr const char* kTrail = "PROGRAM CONTEXT:";
+
+TEST_F(IdeProcesses, StartStartsOneIdeAndASecondStartConnectsToIt) {
+  const auto first = Qx({"ide", "start", vbp_});
+  ASSERT_EQ(first.status, 0) << first.err;
+  EXPECT_EQ(first.out.rfind("started IDE process ", 0), 0u) << first.out;
+  const long pid = PidIn(first.out);
+  ASSERT_GT(pid, 0);
+  EXPECT_FALSE(ProcessGone(pid));
+
+  const auto second = Qx({"ide", "start", vbp_});
+  ASSERT_EQ(second.status, 0) << second.err;
+  EXPECT_EQ(second.out, "connected to IDE process " + std::to_string(pid) + " for " + vbp_ + "\n");
+
+  const auto list = Qx({"ide", "list"});
+  ASSERT_EQ(list.status, 0) << list.err;
+  EXPECT_TRUE(std::regex_match(
+      list.out, std::regex(std::to_string(pid) + "  idle \\d+s  " +
+                           std::regex_replace(vbp_, std::regex("[.]"), "[.]") + "\n")))
+      << list.out;
+
+  // Listed by the IDE: every entry carries its file's time.
+  const auto raw = Qx({"list", "--raw", vbp_});
+  ASSERT_EQ(raw.status, 0) << raw.err;
+  EXPECT_NE(raw.out.find("frmMain\t4\t"), std::string::npos) << raw.out;
+  EXPECT_TRUE(std::regex_search(raw.out, std::regex("frmMain\t4\t\\d{14}\t1\t1\t1\t0"))) << raw.out;
+  EXPECT_TRUE(std::regex_search(raw.out, std::regex("CStockItem\t2\t\\d{14}\t1\t1\t1\t0")))
+      << raw.out;
+
+  const auto stop = Qx({"ide", "stop", "--all"});
+  ASSERT_EQ(stop.status, 0) << stop.err;
+  EXPECT_EQ(stop.out, "stopped IDE process " + std::to_string(pid) + "\n");
+  EXPECT_TRUE(ProcessGone(pid));
+  EXPECT_EQ(Qx({"ide", "list"}).out, "");
+
+  // Without an IDE, the listing comes from the project file: no times.
+  const auto fromFile = Qx({"list", "--raw", vbp_});
+  EXPECT_NE(fromFile.out.find("frmMain\t4\t\t"), std::string::npos) << fromFile.out;
+}
+
+TEST_F(IdeProcesses, StopEndsOnlyTheIdeOfThatProjectAndSaysSoWhenThereIsNone) {
+  const auto none = Qx({"ide", "stop", vbp_});
+  EXPECT_EQ(none.status, 1);
+  EXPECT_NE(none.err.find("no IDE has " + vbp_ + " open"), std::string::npos) << none.err;
+
+  std::filesystem::copy(work() / "Inventory", work() / "Other",
+                        std::filesystem::copy_options::recursive);
+  const std::string other = (work() / "Other" / "Inventory.vbp").string();
+  const long a = PidIn(Qx({"ide", "start", vbp_}).out);
+  const long b = PidIn(Qx({"ide", "start", other}).out);
+  ASSERT_GT(a, 0);
+  ASSERT_GT(b, 0);
+  ASSERT_NE(a, b);
+  const auto stop = Qx({"ide", "stop", other});
+  EXPECT_EQ(stop.status, 0) << stop.err;
+  EXPECT_TRUE(ProcessGone(b));
+  EXPECT_FALSE(ProcessGone(a));
+  EXPECT_EQ(Qx({"ide", "stop", "neither", "--all"}).status, 2);  // one or the other
+}
+
+TEST_F(IdeProcesses, APathWrittenOtherwiseFindsTheSameIde) {
+  const long pid = PidIn(Qx({"ide", "start", vbp_}).out);
+  ASSERT_GT(pid, 0);
+  // Relative, from the project's folder; and with other letter case and separators.
+  const auto relative = Qx({"ide", "start", "Inventory.vbp"}, (work() / "Inventory").string());
+  EXPECT_EQ(relative.out,
+            "connected to IDE process " + std::to_string(pid) + " for Inventory.vbp\n")
+      << relative.err;
+  std::string shouted = vbp_;
+  shouted.replace(shouted.size() - 13, 13, "INVENTORY.VBP");
+  std::replace(shouted.begin(), shouted.end(), '/', '\\');
+  const auto odd = Qx({"ide", "start", "z:" + shouted});
+  EXPECT_EQ(PidIn(odd.out), pid) << odd.out << odd.err;
+}
+
+TEST_F(IdeProcesses, TwoStartsAtTheSameMomentEndWithOneIde) {
+  const pid_t one = StartQx({"ide", "start", vbp_});
+  const pid_t two = StartQx({"ide", "start", vbp_});
+  int status = 0;
+  ::waitpid(one, &status, 0);
+  const auto first = Collect(one, status);
+  ::waitpid(two, &status, 0);
+  const auto second = Collect(two, status);
+  ASSERT_EQ(first.status, 0) << first.err;
+  ASSERT_EQ(second.status, 0) << second.err;
+  EXPECT_EQ(PidIn(first.out), PidIn(second.out));
+  const auto list = Qx({"ide", "list"});
+  EXPECT_EQ(std::count(list.out.begin(), list.out.end(), '\n'), 1) << list.out;
+}
+
+TEST_F(IdeProcesses, AKilledIdeGives462AndTheNextRunStartsAFreshOne) {
+  const long pid = PidIn(Qx({"ide", "start", vbp_}).out);
+  ASSERT_GT(pid, 0);
+  host::RegisterClasses();
+  automation::ObjectRef dispatcher = host::HostUtility::Instance()->GetRegisteredObject(vbp_);
+  ASSERT_NE(dispatcher, nullptr);
+  EXPECT_NE(Dispatch(dispatcher).Call("EnumForms").ToString().find("frmMain"), std::string::npos);
+
+  ::kill(static_cast<pid_t>(pid), SIGKILL);
+  ASSERT_TRUE(WaitGone(pid, std::chrono::seconds(10)));
+  EXPECT_EQ(qxtest::ErrorOf([&] { Dispatch(dispatcher).Call("EnumForms"); }),
+            automation::err::kServerUnavailable);
+  dispatcher.reset();
+
+  const auto restart = Qx({"ide", "start", vbp_});
+  ASSERT_EQ(restart.status, 0) << restart.err;
+  EXPECT_EQ(restart.out.rfind("started IDE process ", 0), 0u) << restart.out;
+  EXPECT_NE(PidIn(restart.out), pid);
+  // Nothing of the killed process is left in the table.
+  for (const auto& file : std::filesystem::directory_iterator(home() / "run")) {
+    EXPECT_NE(file.path().filename().string().rfind(std::to_string(pid) + "-", 0), 0u)
+        << file.path();
+  }
+}
+
+TEST_F(IdeProcesses, WithNoIdlePeriodTheIdeEndsWhenTheLastHostLetsGo) {
+  ::setenv("QX_IDE_IDLE_SECONDS", "0", 1);
+  const long pid = PidIn(Qx({"ide", "start", vbp_}).out);
+  ASSERT_GT(pid, 0);
+  EXPECT_TRUE(WaitGone(pid, std::chrono::seconds(10)));
+  const std::string log = qxtest::ReadAll(home() / "qxvb6.log");
+  EXPECT_NE(log.find("qxvb6[" + std::to_string(pid) + "] ending: idle"), std::string::npos) << log;
+}
+
+// A program in place of VB6 for the failure paths: a shell script under a vb6.exe name.
+std::string FakeVb6(const std::filesystem::path& folder, const std::string& body) {
+  std::filesystem::create_directories(folder);
+  const auto path = folder / "vb6.exe";
+  std::ofstream(path) << "#!/bin/sh\n" << body << "\n";
+  std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+  return path.string();
+}
+
+TEST_F(IdeProcesses, AnOpenCommandNamingNoProgramFailsWithItsPath) {
+  const std::string missing = (work() / "nowhere" / "vb6.exe").string();
+  ::setenv("QX_VB6_EXE", missing.c_str(), 1);
+  const auto result = Qx({"ide", "start", vbp_});
+  EXPECT_EQ(result.status, 2);
+  std::string windows = "z:" + missing;
+  std::replace(windows.begin(), windows.end(), '/', '\\');
+  EXPECT_EQ(result.err.rfind("qx: error -32767: File '" + windows + "' not found.", 0), 0u)
+      << result.err;
+  EXPECT_NE(result.err.find(kTrail), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("Project.Activate"), std::string::npos) << result.err;
+}
+
+TEST_F(IdeProcesses, AProgramThatExitsAtOnceFailsAtOnce) {
+  ::setenv("QX_VB6_EXE", FakeVb6(work() / "exits", "exit 3").c_str(), 1);
+  const auto start = std::chrono::steady_clock::now();
+  const auto result = Qx({"ide", "start", vbp_});
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.err.rfind(
+                "qx: error -32767: Quarrix was unable to start and/or communicate with VB6.", 0),
+            0u)
+      << result.err;
+  EXPECT_NE(result.err.find("Project.Activate"), std::string::npos) << result.err;
+}
+
+TEST_F(IdeProcesses, AProgramThatNeverRegistersFailsAfterTheTimeOut) {
+  ::setenv("QX_VB6_EXE", FakeVb6(work() / "silent", "exec sleep 120").c_str(), 1);
+  const auto start = std::chrono::steady_clock::now();
+  const auto result = Qx({"ide", "start", vbp_});
+  const auto took = std::chrono::steady_clock::now() - start;
+  EXPECT_GE(took, std::chrono::seconds(29));
+  EXPECT_LT(took, std::chrono::seconds(60));
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.err.rfind(
+                "qx: error -32767: Quarrix was unable to start and/or communicate with VB6.", 0),
+            0u)
+      << result.err;
+}
+
+}  // namespace
