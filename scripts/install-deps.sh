@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++ pkg-config clang-format ccache
   libgtest-dev libgmock-dev libbenchmark-dev
-  libcli11-dev nlohmann-json3-dev libpcre2-dev libcapnp-dev capnproto
+  libcli11-dev nlohmann-json3-dev libpcre2-dev libcapnp-dev capnproto libuchardet-dev
 )
 
 missing=()
