@@ -154,8 +154,9 @@ bool IsAbsolute(std::string_view file) {
 }
 
 // The component file that a project file's value names, as a path that exists; empty when none
-// does. A name with non-ASCII bytes is decoded with the first guess, then as it is (names on disk
-// are often UTF-8 already), then with each other ANSI code page.
+// does. A name with non-ASCII bytes is tried as it is (a name on disk in the same bytes), then
+// decoded with the first guess, then with each other ANSI code page (names on disk are mostly
+// UTF-8, converted by version control).
 std::string FindComponentFile(const std::string& folder, std::string_view written, int guess) {
   const auto existing = [&](const std::string& file) {
     const std::string path = IsAbsolute(file) ? file : folder + file;
