@@ -7,7 +7,7 @@ packages=(
   cmake ninja-build g++ pkg-config clang-format ccache
   clang libclang-rt-14-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  libcli11-dev nlohmann-json3-dev libpcre2-dev libcapnp-dev capnproto
+  libcli11-dev nlohmann-json3-dev libpcre2-dev libcapnp-dev capnproto libuchardet-dev
 )
 
 missing=()

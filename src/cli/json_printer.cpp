@@ -1,6 +1,7 @@
 // JSON lines for tools: one object a line, each with its "type", all on standard output. Strings
 // keep every character; JSON's own escapes carry the control characters.
 
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
@@ -42,6 +43,13 @@ class JsonPrinter : public Printer {
   void Summary(const cli::Summary& summary) override {
     json record = {{"type", "summary"}, {"ok", true}};
     if (summary.components) record["components"] = *summary.components;
+    if (const auto& codePage = summary.codePage) {
+      record["codepage"] = {{"number", codePage->number},
+                            {"source", CodePageSourceName(codePage->source)},
+                            // Two decimals are all a guess's confidence says.
+                            {"confidence", std::round(codePage->confidence * 100) / 100},
+                            {"non_ascii_bytes", codePage->nonAsciiBytes}};
+    }
     Write(record);
   }
 

@@ -25,7 +25,7 @@ int RunList(const ListOptions& options, Printer& printer) {
     }
     for (const Problem& problem : session.Problems())
       printer.Problem(problem);
-    if (total) printer.Summary({total});
+    if (total) printer.Summary({total, session.CodePage()});
     return kExitMatch;
   } catch (const automation::Error& e) {
     printer.Error(e);

@@ -43,7 +43,8 @@ int main(int argc, char** argv) {
   int codePage = 0;
   app.add_flag("--trace", trace, "Write the driver's call trace to standard error");
   app.add_option("--codepage", codePage,
-                 "ANSI code page of the project's files (default 1252, or QX_CODEPAGE)");
+                 "ANSI code page of the project's files (default: QX_CODEPAGE, else detected from "
+                 "the files)");
   constexpr const char* kJsonHelp =
       "Print JSON lines for tools (problems and errors included) instead of text";
 
@@ -94,7 +95,11 @@ int main(int argc, char** argv) {
       json ? cli::Format::Json : cli::Format::Text, std::cout, std::cerr, terminals);
   if (trace) ::setenv("QX_TRACE", "1", 1);
   try {
-    if (codePage != 0) platform::SetCurrentCodePage(codePage);
+    if (codePage != 0) {
+      platform::SetCurrentCodePage(codePage);
+      // The IDE that the driver starts reads the same files: it is told too.
+      ::setenv("QX_CODEPAGE", std::to_string(codePage).c_str(), 1);
+    }
   } catch (const automation::Error& e) {
     printer->Error(e);
     return cli::kExitError;

@@ -1,5 +1,7 @@
 #include "cli/printer.h"
 
+#include <cstdio>
+
 namespace cli {
 
 std::string ShowVersion(const std::string& version, char separator) {
@@ -19,6 +21,38 @@ std::string_view StateText(FileState state) {
       return "missing";
     case FileState::ReadOnlyOrMissing:
       return "read-only or missing";
+  }
+  return "";
+}
+
+std::string CodePageOrigin(const platform::ProjectCodePage& codePage) {
+  switch (codePage.source) {
+    case platform::CodePageSource::Option:
+      return "given by --codepage";
+    case platform::CodePageSource::Environment:
+      return "given by QX_CODEPAGE";
+    case platform::CodePageSource::Default:
+      return "the default";
+    case platform::CodePageSource::Detected:
+      break;
+  }
+  if (codePage.nonAsciiBytes == 0) return "detected: the project's files are ASCII";
+  char confidence[16];
+  std::snprintf(confidence, sizeof confidence, "%.2f", codePage.confidence);
+  return "detected from " + std::to_string(codePage.nonAsciiBytes) +
+         " non-ASCII bytes, confidence " + confidence;
+}
+
+std::string_view CodePageSourceName(platform::CodePageSource source) {
+  switch (source) {
+    case platform::CodePageSource::Option:
+      return "option";
+    case platform::CodePageSource::Environment:
+      return "environment";
+    case platform::CodePageSource::Detected:
+      return "detected";
+    case platform::CodePageSource::Default:
+      return "default";
   }
   return "";
 }

@@ -6,6 +6,7 @@
 
 #include <iosfwd>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "automation/error.h"
@@ -53,6 +54,13 @@ inline std::unique_ptr<Printer> MakePrinter(Format format, std::ostream& out, st
 // "20261123091244" as "2026-11-23 09:12:44" (with 'T' between date and time for ISO 8601);
 // anything else as it is.
 std::string ShowVersion(const std::string& version, char separator = ' ');
+
+// How a code page was chosen, for people: "given by --codepage", "detected from 812
+// non-ASCII bytes, confidence 0.97", ...
+std::string CodePageOrigin(const platform::ProjectCodePage& codePage);
+
+// How a code page was chosen, for tools: "option", "environment", "detected", "default".
+std::string_view CodePageSourceName(platform::CodePageSource source);
 
 // The words for a file state: "writable", "read-only", "missing", "read-only or missing".
 std::string_view StateText(FileState state);

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/codepage_detect.h"
+
 namespace cli {
 
 // What can be done with a component's file.
@@ -38,6 +40,8 @@ struct Problem {
 // How a run that went through ended.
 struct Summary {
   std::optional<size_t> components;  // how many components were listed
+  // The code page the project's files were read in, and how it was chosen.
+  std::optional<platform::ProjectCodePage> codePage;
 };
 
 // An IDE process of this qx home (qxvb6.exe serving projects).

@@ -34,6 +34,7 @@ Session::~Session() {
 }
 
 automation::ObjectRef Session::OpenProject(const std::string& projectFile) {
+  codePage_ = platform::UseProjectCodePage(projectFile);
   const Dispatch parameters(automation::CreateObject("qxlib41.ParameterList"));
   parameters.Call("Add", "FileName", projectFile);
   const std::string text = parameters.Get("Text").ToString();

@@ -7,6 +7,7 @@
 
 #include "automation/object.h"
 #include "cli/results.h"
+#include "platform/codepage_detect.h"
 
 namespace cli {
 
@@ -21,6 +22,10 @@ class Session {
   // tears it down when it ends, as a host does when it is done with a project.
   automation::ObjectRef OpenProject(const std::string& projectFile);
 
+  // The code page of the project opened last: given to the run, or detected from its files
+  // before the driver reads them.
+  const platform::ProjectCodePage& CodePage() const { return codePage_; }
+
   // The problems that the driver reported into the log instead of failing a call.
   std::vector<Problem> Problems() const;
 
@@ -28,6 +33,7 @@ class Session {
   automation::ObjectRef driver_;
   automation::ObjectRef problemLog_;
   std::vector<automation::ObjectRef> projects_;
+  platform::ProjectCodePage codePage_;
 };
 
 }  // namespace cli

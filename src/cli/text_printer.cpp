@@ -83,6 +83,10 @@ class TextPrinter : public Printer {
   }
 
   void Summary(const cli::Summary& summary) override {
+    if (summary.codePage) {
+      out_ << "Code page " << summary.codePage->number << " (" << CodePageOrigin(*summary.codePage)
+           << ")\n";
+    }
     if (summary.components) {
       const size_t count = *summary.components;
       out_ << count << (count == 1 ? " component" : " components") << "\n";

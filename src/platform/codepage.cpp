@@ -226,6 +226,7 @@ struct CodePageState {
   std::map<int, std::unique_ptr<CodePage>> pages;
   std::map<int, bool> known;
   std::optional<int> current;
+  std::optional<int> detected;
 };
 
 CodePageState& State() {
@@ -412,24 +413,47 @@ const CodePage& GetCodePage(int number) {
   return *it->second;
 }
 
+namespace {
+
+// The number in $QX_CODEPAGE, if it holds one; raises 5 for text that is not a number.
+std::optional<int> EnvironmentCodePage() {
+  const char* env = std::getenv("QX_CODEPAGE");
+  if (env == nullptr || *env == '\0') return std::nullopt;
+  const std::string_view text(env);
+  int value = 0;
+  const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (ec != std::errc() || end != text.data() + text.size()) RaiseUnknown(text);
+  return value;
+}
+
+}  // namespace
+
 const CodePage& CurrentCodePage() {
   CodePageState& state = State();
   std::optional<int> number;
+  std::optional<int> detected;
   {
     std::lock_guard lock(state.mutex);
     number = state.current;
+    detected = state.detected;
   }
-  if (!number) {
-    const char* env = std::getenv("QX_CODEPAGE");
-    if (env == nullptr || *env == '\0') return GetCodePage(kWindows1252);
-    const std::string_view text(env);
-    int value = 0;
-    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (ec != std::errc() || end != text.data() + text.size()) RaiseUnknown(text);
-    number = value;
-  }
+  if (!number) number = EnvironmentCodePage();
+  if (!number) number = detected;
+  if (!number) return GetCodePage(kWindows1252);
   if (!IsKnownCodePage(*number)) RaiseUnknown(std::to_string(*number));
   return GetCodePage(*number);
+}
+
+CodePageSource CurrentCodePageSource() {
+  CodePageState& state = State();
+  {
+    std::lock_guard lock(state.mutex);
+    if (state.current) return CodePageSource::Option;
+  }
+  const char* env = std::getenv("QX_CODEPAGE");
+  if (env != nullptr && *env != '\0') return CodePageSource::Environment;
+  std::lock_guard lock(state.mutex);
+  return state.detected ? CodePageSource::Detected : CodePageSource::Default;
 }
 
 void SetCurrentCodePage(int number) {
@@ -443,6 +467,19 @@ void ClearCurrentCodePage() {
   CodePageState& state = State();
   std::lock_guard lock(state.mutex);
   state.current.reset();
+}
+
+void SetDetectedCodePage(int number) {
+  if (!IsKnownCodePage(number)) RaiseUnknown(std::to_string(number));
+  CodePageState& state = State();
+  std::lock_guard lock(state.mutex);
+  state.detected = number;
+}
+
+void ClearDetectedCodePage() {
+  CodePageState& state = State();
+  std::lock_guard lock(state.mutex);
+  state.detected.reset();
 }
 
 }  // namespace platform

@@ -43,13 +43,31 @@ bool IsKnownCodePage(int number);
 const CodePage& GetCodePage(int number);
 
 // The code page of this run: the one set with SetCurrentCodePage, else the number in
-// $QX_CODEPAGE, else 1252. An unknown number in $QX_CODEPAGE raises 5.
+// $QX_CODEPAGE, else the one detected for the project at hand (SetDetectedCodePage), else 1252.
+// An unknown number in $QX_CODEPAGE raises 5.
 const CodePage& CurrentCodePage();
 
 // Chooses the code page of this run (qx's --codepage); raises 5 for an unknown number.
 void SetCurrentCodePage(int number);
 
-// Forgets SetCurrentCodePage, going back to $QX_CODEPAGE or 1252.
+// Forgets SetCurrentCodePage, going back to $QX_CODEPAGE, the detected code page or 1252.
 void ClearCurrentCodePage();
+
+// Where the current code page comes from.
+enum class CodePageSource {
+  Option,       // SetCurrentCodePage: the command line's --codepage
+  Environment,  // $QX_CODEPAGE
+  Detected,     // SetDetectedCodePage: read from the project's own files
+  Default,      // none of these: 1252
+};
+
+CodePageSource CurrentCodePageSource();
+
+// The code page found in the files of the project being worked on; it counts only when neither
+// SetCurrentCodePage nor $QX_CODEPAGE gives one. Raises 5 for an unknown number.
+void SetDetectedCodePage(int number);
+
+// Forgets SetDetectedCodePage.
+void ClearDetectedCodePage();
 
 }  // namespace platform

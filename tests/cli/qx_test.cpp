@@ -131,7 +131,9 @@ TEST_F(Qx, ListTellsRepeatedAndMissingNamesApart) {
   EXPECT_EQ(records[3]["problems"], nlohmann::json::parse(R"(["name used 3 times"])"));
   EXPECT_EQ(records[7]["type"], "problem");
   EXPECT_TRUE(records[7]["number"].is_null());
-  EXPECT_EQ(records[9], nlohmann::json::parse(R"({"type":"summary","ok":true,"components":7})"));
+  EXPECT_EQ(records[9], nlohmann::json::parse(R"({"type":"summary","ok":true,"components":7,)"
+                                              R"("codepage":{"number":1252,"source":"detected",)"
+                                              R"("confidence":1.0,"non_ascii_bytes":0}})"));
 }
 
 TEST_F(Qx, ListJsonGivesOneRecordALine) {

@@ -123,6 +123,24 @@ TEST_F(Tool, ResaveLeavesEveryFixtureFileAsItWas) {
     EXPECT_EQ(ReadBytes(path), bytes) << path;
 }
 
+// A wrong code page only shows text wrongly: the Japanese project resaved as Cyrillic, Chinese
+// and Western keeps every byte of every file it can find.
+TEST_F(Tool, ResaveInAWrongCodePageKeepsEveryByte) {
+  const fs::path root = home_.path() / "sjis";
+  fs::copy(fs::path(QX_FIXTURES) / "codepage" / "sjis", root, fs::copy_options::recursive);
+  std::map<fs::path, std::string> before;
+  for (const auto& entry : fs::directory_iterator(root))
+    before[entry.path()] = ReadBytes(entry.path());
+  for (int wrong : {1251, 936, 1252}) {
+    platform::SetCurrentCodePage(wrong);
+    const Outcome run = Resave((root / "顧客管理.vbp").string());
+    platform::ClearCurrentCodePage();
+    EXPECT_EQ(run.out.find("changed "), std::string::npos) << wrong << "\n" << run.out;
+    for (const auto& [path, bytes] : before)
+      EXPECT_EQ(ReadBytes(path), bytes) << path << " in " << wrong;
+  }
+}
+
 TEST_F(Tool, ResaveReportsAReadOnlyFileAndLeavesIt) {
   const std::string vbp = Small();
   const fs::path util = fs::path(vbp).parent_path() / "Util.bas";

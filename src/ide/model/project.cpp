@@ -7,6 +7,7 @@
 #include "ide/model/designer_id.h"
 #include "ide/model/safe_save.h"
 #include "platform/codepage.h"
+#include "platform/codepage_detect.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 
@@ -138,7 +139,9 @@ void Component::SaveAs(std::string_view path) {
 }
 
 std::unique_ptr<Project> Project::Open(std::string_view path) {
-  return Open(path, platform::CurrentCodePage());
+  // Without a code page given (--codepage, QX_CODEPAGE), the project's own files tell theirs,
+  // as they do for the driver.
+  return Open(path, platform::GetCodePage(platform::UseProjectCodePage(path).number));
 }
 
 std::unique_ptr<Project> Project::Open(std::string_view path, const platform::CodePage& codePage) {

@@ -77,7 +77,8 @@ class Component {
 class Project {
  public:
   // Reads the project file (53 when missing). Component paths are decoded and resolved with the
-  // code page given (the run's current one by default).
+  // code page given; by default the one given to the run, else the one detected from the
+  // project's files (platform::UseProjectCodePage).
   static std::unique_ptr<Project> Open(std::string_view path);
   static std::unique_ptr<Project> Open(std::string_view path, const platform::CodePage& codePage);
   ~Project();

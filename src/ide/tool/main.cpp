@@ -23,7 +23,8 @@ int main(int argc, char** argv) {
   app.add_option("PROJECT", projectFile,
                  "Run as the IDE with this project open, serving the driver until ended");
   app.add_option("--codepage", codePage,
-                 "ANSI code page of the project's files (default 1252, or QX_CODEPAGE)");
+                 "ANSI code page of the project's files (default: QX_CODEPAGE, else detected from "
+                 "the files)");
 
   ide::tool::DumpOptions dump;
   CLI::App* dumpCommand = app.add_subcommand(
