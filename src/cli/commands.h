@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/printer.h"
+#include "cli/search_options.h"
 
 namespace cli {
 
@@ -27,5 +28,9 @@ struct CheckOptions {
 
 // Runs the checks the driver makes before it opens a project in the IDE.
 int RunCheck(const CheckOptions& options, Printer& printer);
+
+// qx search, and qx replace when the options carry a replacement: 0 when something matched (and,
+// for replace, everything was applied), 1 when nothing matched, 2 when anything failed.
+int RunSearch(SearchOptions& options, Printer& printer);
 
 }  // namespace cli
