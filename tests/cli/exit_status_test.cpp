@@ -44,7 +44,8 @@ TEST_F(QxProgram, UsageErrorsExitTwoWithTheirMessageAndHelpExitsZero) {
   EXPECT_EQ(run.err, "qx: a verb is required: one of list, check, search, replace" + retry);
   run = Qx({"frobnicate", vbp});
   EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err, "qx: unknown verb \"frobnicate\"; the verbs are list, check, search, replace" + retry);
+  EXPECT_EQ(run.err,
+            "qx: unknown verb \"frobnicate\"; the verbs are list, check, search, replace" + retry);
   run = Qx({"list", "--bogus", vbp});
   EXPECT_EQ(run.status, 2);
   EXPECT_EQ(run.err, "qx: The following argument was not expected: --bogus" + retry);
