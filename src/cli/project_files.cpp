@@ -19,11 +19,14 @@ bool HasExtension(const fs::path& path, std::string_view extension) {
   return automation::EqualsAsciiNoCase(path.extension().string(), extension);
 }
 
+bool IsAbsolute(std::string_view written) {
+  return (!written.empty() && (written.front() == '\\' || written.front() == '/')) ||
+         (written.size() >= 2 && written[1] == ':');
+}
+
 // A path written in a project or group file, relative to that file's folder.
 fs::path Resolve(const fs::path& folder, std::string_view written) {
-  const bool absolute = (!written.empty() && (written.front() == '\\' || written.front() == '/')) ||
-                        (written.size() >= 2 && written[1] == ':');
-  if (absolute) return platform::ToNative(written);
+  if (IsAbsolute(written)) return platform::ToNative(written);
   return platform::ToNative(platform::ToWindows(folder) + "\\" + std::string(written));
 }
 
@@ -161,7 +164,7 @@ std::vector<ComponentFile> ReadComponentFiles(const fs::path& projectFile) {
       if (!automation::EqualsAsciiNoCase(line.key, kind.projectFileKey)) continue;
       const platform::ComponentValue value = platform::SplitComponentValue(line.value);
       ComponentFile file{std::string(kind.className), std::string(value.name),
-                         Resolve(projectFile.parent_path(), value.file)};
+                         Resolve(projectFile.parent_path(), value.file), IsAbsolute(value.file)};
       if (!value.hasName) file.name = NameFromFile(file.file);
       files.push_back(std::move(file));
       break;

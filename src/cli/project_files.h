@@ -25,6 +25,7 @@ struct ComponentFile {
   std::string collection;  // "Modules"
   std::string name;        // from the entry, else the file's Attribute VB_Name line
   std::filesystem::path file;
+  bool absolute = false;  // the entry names the file by an absolute path
 };
 
 // Every component entry of the project file, in its order. Raises when the project file cannot

@@ -47,6 +47,16 @@ struct ScannedFile {
 class ScratchCopy {
  public:
   ScratchCopy(const fs::path& project, const std::vector<ComponentFile>& files) {
+    // A file named by an absolute path would be written in place, not in the copy.
+    for (const ComponentFile& file : files) {
+      if (file.absolute) {
+        throw automation::Error(
+            5, "qx",
+            project.string() + ": " + file.file.string() +
+                " is named by an absolute path, so a preview cannot be made on a copy; "
+                "use --write to replace, or name the file relative to the project");
+      }
+    }
     root_ = fs::temp_directory_path() /
             ("qx-preview-" + std::to_string(::getpid()) + "-" + std::to_string(++serial_));
     fs::create_directories(root_);
