@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/printer.h"
+#include "cli/search_options.h"
 
 namespace cli {
 
@@ -41,5 +42,9 @@ int RunIdeList(Printer& printer);
 // Ends the IDE that has the project open, or every IDE (all), and waits until each is gone.
 // Exit 1 when no IDE has the project open.
 int RunIdeStop(const IdeOptions& options, Printer& printer);
+
+// qx search, and qx replace when the options carry a replacement: 0 when something matched (and,
+// for replace, everything was applied), 1 when nothing matched, 2 when anything failed.
+int RunSearch(SearchOptions& options, Printer& printer);
 
 }  // namespace cli

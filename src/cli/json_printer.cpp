@@ -2,6 +2,7 @@
 // keep every character; JSON's own escapes carry the control characters.
 
 #include <cmath>
+#include <cstdio>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
@@ -15,7 +16,8 @@ using json = nlohmann::ordered_json;
 
 class JsonPrinter : public Printer {
  public:
-  JsonPrinter(std::ostream& out, Terminals terminals) : out_(out), terminals_(terminals) {}
+  JsonPrinter(std::ostream& out, Terminals terminals, std::ostream* err)
+      : out_(out), terminals_(terminals), err_(err) {}
 
   void Enumeration(std::string_view collection, std::string_view text) override {
     Write({{"type", "enumeration"}, {"collection", collection}, {"text", text}});
@@ -34,6 +36,7 @@ class JsonPrinter : public Printer {
   }
 
   void Problem(const cli::Problem& problem) override {
+    if (err_ != nullptr) return text_->Problem(problem);
     json record = {{"type", "problem"}};
     record["number"] = problem.number ? json(*problem.number) : json(nullptr);
     record["description"] = problem.description;
@@ -72,24 +75,114 @@ class JsonPrinter : public Printer {
   }
 
   void Error(const automation::Error& error) override {
+    if (err_ != nullptr) return text_->Error(error);
     Write({{"type", "error"}, {"number", error.Number()}, {"description", error.Description()}});
   }
 
+  // ripgrep's JSON Lines messages: "begin", one "match" per matching line, "end" with the
+  // file's statistics, and "summary" at the end; the match data gains the component's place.
+  void SearchFile(const FileMatches& file, SearchStyle) override {
+    const json path = {{"text", file.path}};
+    Write({{"type", "begin"}, {"data", {{"path", path}}}});
+    size_t printed = 0;
+    for (const SearchHit& hit : file.hits) {
+      json submatches = json::array();
+      for (const SearchHit::Submatch& sub : hit.submatches)
+        submatches.push_back(
+            {{"match", {{"text", sub.text}}}, {"start", sub.start}, {"end", sub.end}});
+      json data = {{"path", path},
+                   {"lines", {{"text", hit.text + (hit.lineEnd.empty() ? "" : "\n")}}},
+                   {"line_number", hit.line == 0 ? json(nullptr) : json(hit.line)},
+                   {"absolute_offset", hit.offset},
+                   {"submatches", submatches},
+                   {"collection", hit.collection},
+                   {"component", hit.component},
+                   {"procedure", hit.procedure.empty() ? json(nullptr) : json(hit.procedure)}};
+      printed += Write({{"type", "match"}, {"data", data}});
+    }
+    json stats = Stats(file.seconds, 1, file.hits.empty() ? 0 : 1, file.bytes, printed,
+                       file.hits.size(), file.matches);
+    Write({{"type", "end"},
+           {"data", {{"path", path}, {"binary_offset", nullptr}, {"stats", stats}}}});
+    printed_ += printed;
+  }
+
+  void Refused(const cli::Refusal& refusal) override {
+    if (err_ != nullptr) return text_->Refused(refusal);
+    Write({{"type", "refused"},
+           {"data",
+            {{"path", {{"text", refusal.path}}},
+             {"line_number", refusal.line == 0 ? json(nullptr) : json(refusal.line)},
+             {"collection", refusal.collection},
+             {"component", refusal.component},
+             {"procedure", refusal.procedure.empty() ? json(nullptr) : json(refusal.procedure)},
+             {"number", refusal.number},
+             {"description", refusal.description}}}});
+  }
+
+  void Diff(const FileDiff& diff) override {
+    Write({{"type", "diff"}, {"data", {{"path", {{"text", diff.path}}}, {"diff", diff.diff}}}});
+  }
+
+  void SearchSummary(const SearchTotals& totals, SearchStyle) override {
+    json stats = Stats(totals.seconds, totals.files, totals.filesWithMatches, totals.bytes,
+                       printed_, totals.matchedLines, totals.matches);
+    json data = {{"elapsed_total", Elapsed(totals.seconds)}, {"stats", stats}};
+    if (totals.replace) {
+      data["replace"] = {{"written", totals.written},
+                         {"files_changed", totals.filesChanged},
+                         {"refused", totals.refused}};
+    }
+    Write({{"type", "summary"}, {"data", data}});
+  }
+
+  void Progress(std::string_view text) override {
+    if (err_ != nullptr) text_->Progress(text);
+  }
+
  private:
-  void Write(const json& record) {
+  // Writes the record as one line; returns the bytes written.
+  size_t Write(const json& record) {
     // Text inside qx is UTF-8 throughout, so nothing is ever replaced here.
     const std::string line = record.dump(-1, ' ', false, json::error_handler_t::replace);
-    out_ << (terminals_.out ? EscapeJsonControls(line) : line) << "\n";
+    const std::string shown = terminals_.out ? EscapeJsonControls(line) : line;
+    out_ << shown << "\n";
+    return shown.size() + 1;
+  }
+
+  static json Elapsed(double seconds) {
+    const auto secs = static_cast<int64_t>(seconds);
+    const auto nanos = static_cast<int64_t>((seconds - static_cast<double>(secs)) * 1e9);
+    char human[32];
+    std::snprintf(human, sizeof human, "%.6fs", seconds);
+    return {{"secs", secs}, {"nanos", nanos}, {"human", human}};
+  }
+
+  static json Stats(double seconds, size_t searches, size_t withMatch, size_t bytes, size_t printed,
+                    size_t lines, size_t matches) {
+    return {{"elapsed", Elapsed(seconds)},
+            {"searches", searches},
+            {"searches_with_match", withMatch},
+            {"bytes_searched", bytes},
+            {"bytes_printed", printed},
+            {"matched_lines", lines},
+            {"matches", matches}};
   }
 
   std::ostream& out_;
   Terminals terminals_;
+  std::ostream* err_;
+  // Errors, problems, refusals and progress when they go to standard error.
+  std::unique_ptr<Printer> text_ =
+      MakeTextPrinter(err_ != nullptr ? *err_ : out_, err_ != nullptr ? *err_ : out_, terminals_);
+  size_t printed_ = 0;
 };
 
 }  // namespace
 
-std::unique_ptr<Printer> MakeJsonPrinter(std::ostream& out, Terminals terminals) {
-  return std::make_unique<JsonPrinter>(out, terminals);
+std::unique_ptr<Printer> MakeJsonPrinter(std::ostream& out, Terminals terminals,
+                                         std::ostream* err) {
+  return std::make_unique<JsonPrinter>(out, terminals, err);
 }
 
 }  // namespace cli

@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <iostream>
+#include <map>
 
 #include "automation/error.h"
 #include "cli/commands.h"
@@ -31,6 +32,68 @@ int UsageError(const CLI::App& app, const CLI::ParseError& error, bool terminal)
   std::cerr << "qx: " << (terminal ? cli::EscapeControls(message) : message)
             << "\nRun 'qx --help' for more information.\n";
   return cli::kExitError;
+}
+
+// The options that qx search and qx replace share; for replace, REPLACEMENT after PATTERN.
+void AddSearchOptions(CLI::App& verb, cli::SearchOptions& options, bool& json, const char* jsonHelp,
+                      std::string* replacement = nullptr) {
+  static const std::map<std::string, cli::ColorChoice> colors = {
+      {"auto", cli::ColorChoice::Auto},
+      {"always", cli::ColorChoice::Always},
+      {"never", cli::ColorChoice::Never}};
+  verb.add_option("-e,--regexp", options.patterns,
+                  "A pattern to search for (may be given several times); then every positional "
+                  "argument is a PATH")
+      ->allow_extra_args(false);
+  verb.add_flag("-F,--fixed-strings", options.literal, "Take the patterns as plain text");
+  verb.add_flag_callback(
+      "-i,--ignore-case", [&options] { options.caseChoice = cli::CaseChoice::Insensitive; },
+      "Match without regard to letter case");
+  verb.add_flag_callback(
+      "-S,--smart-case", [&options] { options.caseChoice = cli::CaseChoice::Smart; },
+      "Ignore letter case unless a pattern has an upper-case letter");
+  verb.add_flag("-w,--word-regexp", options.wordRegexp, "Match whole words only");
+  verb.add_option("--in", options.scope, "Where to look: code, names (default both)")
+      ->delimiter(',')
+      ->allow_extra_args(false);
+  verb.add_option("--kind", options.kinds, "Only these kinds of component (Forms, Modules, ...)")
+      ->delimiter(',')
+      ->allow_extra_args(false);
+  verb.add_option("--component", options.componentGlob,
+                  "Only components whose name matches this wildcard pattern");
+  verb.add_option("--color", options.color, "When to colour: auto, always, never")
+      ->transform(CLI::CheckedTransformer(colors, CLI::ignore_case));
+  const auto style = [&options](cli::SearchStyle s) {
+    return [&options, s] { options.style = s; };
+  };
+  verb.add_flag_callback("--vimgrep", style(cli::SearchStyle::Vimgrep),
+                         "One line a match: path:line:column:text");
+  verb.add_flag_callback("-c,--count", style(cli::SearchStyle::Count),
+                         "The number of matching lines per file");
+  verb.add_flag_callback("-l,--files-with-matches", style(cli::SearchStyle::FilesWithMatches),
+                         "Only the paths of files with matches");
+  verb.add_flag_callback("-q,--quiet", style(cli::SearchStyle::Quiet),
+                         "Print nothing; the exit status says whether anything matched");
+  verb.add_flag("--json", json, jsonHelp);
+  // The first positional arguments are the pattern (unless -e gave one) and the replacement;
+  // the rest are paths. They are sorted out once parsing is done.
+  static std::vector<std::string> positionals;
+  verb.add_option("ARGS", positionals,
+                  replacement ? "PATTERN REPLACEMENT [PATH...]" : "PATTERN [PATH...]");
+  verb.callback([&options, replacement] {
+    std::vector<std::string> rest = positionals;
+    size_t next = 0;
+    if (options.patterns.empty()) {
+      if (next >= rest.size()) throw CLI::RequiredError("PATTERN");
+      options.patterns.push_back(rest[next++]);
+    }
+    if (replacement != nullptr) {
+      if (next >= rest.size()) throw CLI::RequiredError("REPLACEMENT");
+      *replacement = rest[next++];
+    }
+    options.paths.assign(rest.begin() + static_cast<std::ptrdiff_t>(next), rest.end());
+    positionals.clear();
+  });
 }
 
 }  // namespace
@@ -82,6 +145,18 @@ int main(int argc, char** argv) {
     throw CLI::ValidationError("stop takes a project file or --all, not both and not neither");
   });
 
+  cli::SearchOptions search;
+  CLI::App* searchCommand = app.add_subcommand(
+      "search", "Search the code and names of projects, groups (.vbg) or folders of projects");
+  AddSearchOptions(*searchCommand, search, json, kJsonHelp);
+
+  cli::SearchOptions replace;
+  std::string replacement;
+  CLI::App* replaceCommand =
+      app.add_subcommand("replace", "Show what replacing would change; with --write, change it");
+  AddSearchOptions(*replaceCommand, replace, json, kJsonHelp, &replacement);
+  replaceCommand->add_flag("--write", replace.write, "Write the replacements into the projects");
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -90,9 +165,15 @@ int main(int argc, char** argv) {
     return UsageError(app, e, ::isatty(STDERR_FILENO) == 1);
   }
 
-  const cli::Terminals terminals{::isatty(STDOUT_FILENO) == 1, ::isatty(STDERR_FILENO) == 1};
+  cli::Terminals terminals{::isatty(STDOUT_FILENO) == 1, ::isatty(STDERR_FILENO) == 1};
+  const bool searching = searchCommand->parsed() || replaceCommand->parsed();
+  if (searching) {
+    const cli::ColorChoice color = searchCommand->parsed() ? search.color : replace.color;
+    terminals.color =
+        color == cli::ColorChoice::Always || (color == cli::ColorChoice::Auto && terminals.out);
+  }
   const std::unique_ptr<cli::Printer> printer = cli::MakePrinter(
-      json ? cli::Format::Json : cli::Format::Text, std::cout, std::cerr, terminals);
+      json ? cli::Format::Json : cli::Format::Text, std::cout, std::cerr, terminals, searching);
   if (trace) ::setenv("QX_TRACE", "1", 1);
   try {
     if (codePage != 0) {
@@ -109,5 +190,11 @@ int main(int argc, char** argv) {
   if (ideStart->parsed()) return cli::RunIdeStart(ide, *printer);
   if (ideList->parsed()) return cli::RunIdeList(*printer);
   if (ideStop->parsed()) return cli::RunIdeStop(ide, *printer);
+
+  if (searchCommand->parsed()) return cli::RunSearch(search, *printer);
+  if (replaceCommand->parsed()) {
+    replace.replacement = replacement;
+    return cli::RunSearch(replace, *printer);
+  }
   return cli::kExitError;
 }

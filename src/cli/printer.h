@@ -11,15 +11,17 @@
 
 #include "automation/error.h"
 #include "cli/results.h"
+#include "cli/search_options.h"
 
 namespace cli {
 
 enum class Format { Text, Json };
 
-// Which of the two streams are terminals (isatty).
+// Which of the two streams are terminals (isatty), and whether matches are coloured.
 struct Terminals {
   bool out = false;
   bool err = false;
+  bool color = false;
 };
 
 class Printer {
@@ -38,16 +40,27 @@ class Printer {
   virtual void IdeListed(const IdeProcess& process) = 0;
   // An IDE process that `qx ide stop` ended.
   virtual void IdeStopped(const IdeProcess& process) = 0;
-  // The error that stopped the run.
+  // The error that stopped the run (or, in a search, the work of one project or component).
   virtual void Error(const automation::Error& error) = 0;
+
+  // qx search and replace: one file's matches, in the style asked for.
+  virtual void SearchFile(const FileMatches& file, SearchStyle style) = 0;
+  virtual void Refused(const cli::Refusal& refusal) = 0;
+  virtual void Diff(const FileDiff& diff) = 0;
+  virtual void SearchSummary(const SearchTotals& totals, SearchStyle style) = 0;
+  // A progress line on standard error (replacing the one before); empty clears it.
+  virtual void Progress(std::string_view text) = 0;
 };
 
 std::unique_ptr<Printer> MakeTextPrinter(std::ostream& out, std::ostream& err, Terminals terminals);
-std::unique_ptr<Printer> MakeJsonPrinter(std::ostream& out, Terminals terminals);
+// With `err`, errors and problems go there as text (as grep-like tools keep them apart from
+// their JSON messages); without, they are records of their own.
+std::unique_ptr<Printer> MakeJsonPrinter(std::ostream& out, Terminals terminals,
+                                         std::ostream* err = nullptr);
 
 inline std::unique_ptr<Printer> MakePrinter(Format format, std::ostream& out, std::ostream& err,
-                                            Terminals terminals) {
-  if (format == Format::Json) return MakeJsonPrinter(out, terminals);
+                                            Terminals terminals, bool errorsApart = false) {
+  if (format == Format::Json) return MakeJsonPrinter(out, terminals, errorsApart ? &err : nullptr);
   return MakeTextPrinter(out, err, terminals);
 }
 

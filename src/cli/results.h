@@ -37,6 +37,63 @@ struct Problem {
   std::string description;
 };
 
+// One line of a component file with matches, as qx search shows it.
+struct SearchHit {
+  std::string collection;  // "Modules"
+  std::string component;   // "Module1"
+  std::string procedure;   // "<declarations>", "Foo", "Value.Get"; empty for the name
+  size_t line = 0;         // 1-based in the file; 0 when the place was not found in the file
+  std::string text;        // the line, UTF-8, without its line end
+  std::string lineEnd;     // the line end in the file
+  size_t offset = 0;       // where the line starts in the file's bytes
+  struct Submatch {
+    size_t start = 0;  // bytes of the UTF-8 line
+    size_t end = 0;
+    std::string text;
+  };
+  std::vector<Submatch> submatches;
+};
+
+// What one component file gave.
+struct FileMatches {
+  std::string path;  // as shown: relative to the current folder when below it
+  std::vector<SearchHit> hits;
+  size_t matches = 0;
+  size_t bytes = 0;  // the file's size
+  double seconds = 0;
+};
+
+// A write that the IDE refused, or another failure at one place.
+struct Refusal {
+  std::string path;
+  size_t line = 0;  // 0 when not known
+  std::string collection;
+  std::string component;
+  std::string procedure;
+  int32_t number = 0;
+  std::string description;
+};
+
+// What replacing would change (or changed) in one file.
+struct FileDiff {
+  std::string path;
+  std::string diff;  // unified, UTF-8
+};
+
+// The totals of a search or replace run.
+struct SearchTotals {
+  size_t files = 0;  // component files searched
+  size_t filesWithMatches = 0;
+  size_t matches = 0;
+  size_t matchedLines = 0;
+  size_t bytes = 0;
+  double seconds = 0;
+  bool replace = false;
+  bool written = false;  // replace --write
+  size_t filesChanged = 0;
+  size_t refused = 0;
+};
+
 // How a run that went through ended.
 struct Summary {
   std::optional<size_t> components;  // how many components were listed

@@ -77,6 +77,7 @@ class TextPrinter : public Printer {
   }
 
   void Problem(const cli::Problem& problem) override {
+    ClearProgress();
     const std::string number = problem.number ? std::to_string(*problem.number) : std::string();
     err_ << "qx: problem" << (number.empty() ? "" : " " + number) << ": "
          << ForErr(problem.description) << "\n";
@@ -112,7 +113,95 @@ class TextPrinter : public Printer {
   }
 
   void Error(const automation::Error& error) override {
+    ClearProgress();
     err_ << "qx: error " << error.Number() << ": " << ForErr(error.Description()) << "\n";
+  }
+
+  void SearchFile(const FileMatches& file, SearchStyle style) override {
+    ClearProgress();
+    const std::string path = Paint(kPathColor, ForOut(file.path));
+    switch (style) {
+      case SearchStyle::Quiet:
+        return;
+      case SearchStyle::FilesWithMatches:
+        out_ << path << "\n";
+        return;
+      case SearchStyle::Count:
+        out_ << path << ":" << file.hits.size() << "\n";
+        return;
+      case SearchStyle::Vimgrep:
+        for (const SearchHit& hit : file.hits) {
+          for (const SearchHit::Submatch& sub : hit.submatches) {
+            out_ << path << ":" << hit.line << ":" << sub.start + 1 << ":"
+                 << Highlight(hit.text, {sub}) << "\n";
+          }
+        }
+        return;
+      case SearchStyle::Grouped:
+        break;
+    }
+    if (groupsPrinted_++ > 0) out_ << "\n";
+    out_ << path << "\n";
+    const std::string* procedure = nullptr;
+    for (const SearchHit& hit : file.hits) {
+      if (procedure == nullptr || *procedure != hit.procedure) {
+        procedure = &hit.procedure;
+        const std::string label = hit.procedure.empty() ? "name of " + hit.component
+                                                        : hit.component + "." + hit.procedure;
+        out_ << Paint(kProcedureColor, "[" + ForOut(label) + "]") << "\n";
+      }
+      const size_t column = hit.submatches.empty() ? 1 : hit.submatches.front().start + 1;
+      out_ << Paint(kLineColor, hit.line == 0 ? "?" : std::to_string(hit.line)) << ":" << column
+           << ":" << Highlight(hit.text, hit.submatches) << "\n";
+    }
+  }
+
+  void Refused(const cli::Refusal& refusal) override {
+    ClearProgress();
+    std::string place = refusal.path;
+    if (refusal.line != 0) place += ":" + std::to_string(refusal.line);
+    std::string what = refusal.component;
+    if (!refusal.procedure.empty()) what += "." + refusal.procedure;
+    err_ << "qx: " << ForErr(place) << ": " << ForErr(what) << ": error " << refusal.number << ": "
+         << ForErr(refusal.description) << "\n";
+  }
+
+  void Diff(const FileDiff& diff) override {
+    ClearProgress();
+    std::string_view rest = diff.diff;
+    while (!rest.empty()) {
+      const size_t end = rest.find('\n');
+      const std::string_view line = rest.substr(0, end);
+      rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
+      const bool header = line.starts_with("--- ") || line.starts_with("+++ ");
+      const char* color = header                   ? kBold
+                          : line.starts_with("@@") ? kHunkColor
+                          : line.starts_with("-")  ? kRemovedColor
+                          : line.starts_with("+")  ? kAddedColor
+                                                   : nullptr;
+      out_ << (color ? Paint(color, ForOut(line)) : ForOut(line)) << "\n";
+    }
+  }
+
+  void SearchSummary(const SearchTotals& totals, SearchStyle style) override {
+    ClearProgress();
+    if (!totals.replace || style == SearchStyle::Quiet) return;
+    const auto plural = [](size_t n, const char* one, const char* many) {
+      return std::to_string(n) + " " + (n == 1 ? one : many);
+    };
+    out_ << plural(totals.matches, "replacement", "replacements") << " in "
+         << plural(totals.filesChanged, "file", "files");
+    if (totals.refused != 0)
+      out_ << ", " << plural(totals.refused, "place", "places") << " refused";
+    out_ << (totals.written ? "; written\n" : "; nothing written (--write applies them)\n");
+  }
+
+  void Progress(std::string_view text) override {
+    if (!terminals_.err) return;
+    ClearProgress();
+    if (text.empty()) return;
+    err_ << ForErr(text) << std::flush;
+    progressShown_ = true;
   }
 
  private:
@@ -123,9 +212,46 @@ class TextPrinter : public Printer {
     return terminals_.err ? EscapeControls(PlainLines(text)) : PlainLines(text);
   }
 
+  static constexpr const char* kPathColor = "\x1b[35m";
+  static constexpr const char* kLineColor = "\x1b[32m";
+  static constexpr const char* kMatchColor = "\x1b[1;31m";
+  static constexpr const char* kProcedureColor = "\x1b[36m";
+  static constexpr const char* kHunkColor = "\x1b[36m";
+  static constexpr const char* kRemovedColor = "\x1b[31m";
+  static constexpr const char* kAddedColor = "\x1b[32m";
+  static constexpr const char* kBold = "\x1b[1m";
+
+  std::string Paint(const char* color, const std::string& text) const {
+    return terminals_.color ? std::string(color) + text + "\x1b[0m" : text;
+  }
+
+  // The line with its matches painted; each piece is escaped on its own, so escapes never cut
+  // through a colour.
+  std::string Highlight(const std::string& line,
+                        const std::vector<SearchHit::Submatch>& submatches) const {
+    std::string out;
+    size_t at = 0;
+    for (const SearchHit::Submatch& sub : submatches) {
+      const size_t start = std::min(std::max(sub.start, at), line.size());
+      const size_t end = std::min(std::max(sub.end, start), line.size());
+      out += ForOut(line.substr(at, start - at));
+      out += Paint(kMatchColor, ForOut(line.substr(start, end - start)));
+      at = end;
+    }
+    return out + ForOut(line.substr(at));
+  }
+
+  void ClearProgress() {
+    if (!progressShown_) return;
+    err_ << "\r\x1b[K" << std::flush;
+    progressShown_ = false;
+  }
+
   std::ostream& out_;
   std::ostream& err_;
   Terminals terminals_;
+  size_t groupsPrinted_ = 0;
+  bool progressShown_ = false;
 };
 
 }  // namespace

@@ -43,10 +43,12 @@ TEST_F(QxProgram, UsageErrorsExitTwoWithTheirMessageAndHelpExitsZero) {
 
   Outcome run = Qx({});
   EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err, "qx: a verb is required: one of list, check, ide" + retry);
+  EXPECT_EQ(run.err, "qx: a verb is required: one of list, check, ide, search, replace" + retry);
   run = Qx({"frobnicate", vbp});
   EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err, "qx: unknown verb \"frobnicate\"; the verbs are list, check, ide" + retry);
+  EXPECT_EQ(
+      run.err,
+      "qx: unknown verb \"frobnicate\"; the verbs are list, check, ide, search, replace" + retry);
   run = Qx({"list", "--bogus", vbp});
   EXPECT_EQ(run.status, 2);
   EXPECT_EQ(run.err, "qx: The following argument was not expected: --bogus" + retry);

@@ -13,7 +13,7 @@
 #include "ide/tool/commands.h"
 #include "ide/tool/report.h"
 #include "platform/codepage.h"
-#include "project/add_in_register.h"
+#include "special/qxvb60.h"
 
 int main(int argc, char** argv) {
   CLI::App app{"qxvb6: the headless VB6 IDE over a project's files."};
@@ -63,6 +63,6 @@ int main(int argc, char** argv) {
   // The classes the IDE's process creates by name: the host library's, and the driver's add-in
   // with its dispatcher, which vbaddin.ini names.
   host::RegisterClasses();
-  project::RegisterAddInClasses();
+  special::RegisterAddIn();
   return ide::server::Serve({projectFile, *idle});
 }

@@ -1,0 +1,176 @@
+#include "cli/project_files.h"
+
+#include <algorithm>
+#include <set>
+
+#include "automation/casefold.h"
+#include "collections/collection_kinds.h"
+#include "platform/codepage.h"
+#include "platform/files.h"
+#include "platform/lines.h"
+#include "platform/paths.h"
+#include "platform/project_lines.h"
+
+namespace cli {
+namespace fs = std::filesystem;
+namespace {
+
+bool HasExtension(const fs::path& path, std::string_view extension) {
+  return automation::EqualsAsciiNoCase(path.extension().string(), extension);
+}
+
+bool IsAbsolute(std::string_view written) {
+  return (!written.empty() && (written.front() == '\\' || written.front() == '/')) ||
+         (written.size() >= 2 && written[1] == ':');
+}
+
+// A path written in a project or group file, relative to that file's folder.
+fs::path Resolve(const fs::path& folder, std::string_view written) {
+  if (IsAbsolute(written)) return platform::ToNative(written);
+  return platform::ToNative(platform::ToWindows(folder) + "\\" + std::string(written));
+}
+
+std::string_view Trim(std::string_view text) {
+  const size_t first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+// The name in the file's "Attribute VB_Name" line; empty when it has none or cannot be read.
+std::string NameFromFile(const fs::path& file) {
+  std::string bytes;
+  try {
+    bytes = platform::ReadFile(file.string());
+  } catch (const automation::Error&) {
+    return {};
+  }
+  platform::LineReader reader(bytes);
+  std::string_view line;
+  while (reader.Next(line)) {
+    const size_t equals = line.find('=');
+    if (equals == std::string_view::npos) continue;
+    if (!automation::EqualsAsciiNoCase(Trim(line.substr(0, equals)), "Attribute VB_Name")) continue;
+    std::string value = platform::CurrentCodePage().Decode(Trim(line.substr(equals + 1)));
+    if (!value.empty() && value.front() == '"')
+      value = value.size() >= 2 ? value.substr(1, value.size() - 2) : std::string();
+    return value;
+  }
+  return {};
+}
+
+class Collector {
+ public:
+  explicit Collector(ProjectDiscovery& out) : out_(out) {}
+
+  void Add(const fs::path& project) {
+    if (seen_.insert(FileKey(project)).second) out_.projects.push_back(fs::absolute(project));
+  }
+
+  void Group(const fs::path& group) {
+    const std::string bytes = platform::ReadFile(group.string());
+    platform::ProjectLineReader reader(bytes, platform::CurrentCodePage(), group.string());
+    while (reader.Next()) {
+      const platform::ProjectLine& line = reader.Line();
+      if (!line.hasKey) continue;
+      if (!automation::EqualsAsciiNoCase(line.key, "Project") &&
+          !automation::EqualsAsciiNoCase(line.key, "StartupProject")) {
+        continue;
+      }
+      const fs::path project = Resolve(group.parent_path(), line.value);
+      if (fs::is_regular_file(project)) {
+        Add(project);
+      } else {
+        out_.errors.emplace_back(53, "qx",
+                                 "File not found: " + project.string() + " (line " +
+                                     std::to_string(reader.Number()) + " of " + group.string() +
+                                     ")");
+      }
+    }
+  }
+
+  void Folder(const fs::path& folder) {
+    std::vector<fs::path> found;
+    std::error_code ec;
+    for (auto it = fs::recursive_directory_iterator(
+             folder, fs::directory_options::skip_permission_denied, ec);
+         !ec && it != fs::recursive_directory_iterator(); it.increment(ec)) {
+      if (it->is_regular_file(ec) && HasExtension(it->path(), ".vbp")) found.push_back(it->path());
+    }
+    if (ec) out_.errors.emplace_back(75, "qx", "Path/File access error: " + folder.string());
+    std::sort(found.begin(), found.end());
+    for (const fs::path& project : found)
+      Add(project);
+  }
+
+ private:
+  ProjectDiscovery& out_;
+  std::set<std::string> seen_;
+};
+
+}  // namespace
+
+std::string FileKey(const fs::path& file) {
+  std::error_code ec;
+  fs::path key = fs::weakly_canonical(fs::absolute(file), ec);
+  if (ec) key = fs::absolute(file).lexically_normal();
+  return key.string();
+}
+
+std::string ShowPath(const fs::path& file) {
+  std::error_code ec;
+  const fs::path current = fs::current_path(ec);
+  const fs::path absolute = fs::absolute(file).lexically_normal();
+  if (!ec) {
+    const fs::path relative = absolute.lexically_relative(current);
+    if (!relative.empty() && *relative.begin() != "..") return relative.string();
+  }
+  return absolute.string();
+}
+
+ProjectDiscovery FindProjects(const std::vector<std::string>& paths) {
+  ProjectDiscovery out;
+  Collector collector(out);
+  const std::vector<std::string> given = paths.empty() ? std::vector<std::string>{"."} : paths;
+  for (const std::string& path : given) {
+    try {
+      const fs::path native = platform::ToNative(path);
+      if (fs::is_directory(native)) {
+        collector.Folder(native);
+      } else if (!fs::exists(native)) {
+        out.errors.emplace_back(53, "qx", "File not found: " + path);
+      } else if (HasExtension(native, ".vbg")) {
+        collector.Group(native);
+      } else if (HasExtension(native, ".vbp")) {
+        collector.Add(native);
+      } else {
+        out.errors.emplace_back(
+            5, "qx", path + " is neither a project (.vbp), a project group (.vbg) nor a folder");
+      }
+    } catch (const automation::Error& e) {
+      out.errors.push_back(e);
+    }
+  }
+  return out;
+}
+
+std::vector<ComponentFile> ReadComponentFiles(const fs::path& projectFile) {
+  const std::string bytes = platform::ReadFile(projectFile.string());
+  platform::ProjectLineReader reader(bytes, platform::CurrentCodePage(), projectFile.string());
+  std::vector<ComponentFile> files;
+  while (reader.Next()) {
+    const platform::ProjectLine& line = reader.Line();
+    if (!line.hasKey) continue;
+    for (const auto& kind : collections::CollectionKinds()) {
+      if (!automation::EqualsAsciiNoCase(line.key, kind.projectFileKey)) continue;
+      const platform::ComponentValue value = platform::SplitComponentValue(line.value);
+      ComponentFile file{std::string(kind.className), std::string(value.name),
+                         Resolve(projectFile.parent_path(), value.file), IsAbsolute(value.file)};
+      if (!value.hasName) file.name = NameFromFile(file.file);
+      files.push_back(std::move(file));
+      break;
+    }
+  }
+  return files;
+}
+
+}  // namespace cli

@@ -1,0 +1,161 @@
+#include "cli/scan_results.h"
+
+#include <nlohmann/json.hpp>
+
+#include "automation/casefold.h"
+#include "automation/error.h"
+#include "platform/codepage.h"
+#include "platform/lines.h"
+
+namespace cli {
+namespace {
+
+using json = nlohmann::json;
+
+ScanError ErrorOf(const json& value) {
+  return {value.at("number").get<int32_t>(), value.at("description").get<std::string>()};
+}
+
+ScanPlace PlaceOf(const json& value) {
+  ScanPlace place;
+  place.kind = value.at("kind").get<std::string>();
+  place.name = value.at("name").get<std::string>();
+  place.text = value.value("text", std::string());
+  for (const json& m : value.at("matches")) {
+    place.matches.push_back({m.at("line").get<size_t>(), m.at("start").get<size_t>(),
+                             m.at("end").get<size_t>(), m.value("text", std::string())});
+  }
+  if (value.contains("replacement") && !value["replacement"].is_null())
+    place.replacement = value["replacement"].get<std::string>();
+  place.written = value.value("written", false);
+  if (value.contains("error") && !value["error"].is_null()) place.error = ErrorOf(value["error"]);
+  return place;
+}
+
+bool StartsWithAttribute(std::string_view line) {
+  const size_t first = line.find_first_not_of(" \t");
+  return first != std::string_view::npos &&
+         automation::EqualsAsciiNoCase(line.substr(first, 10), "Attribute ");
+}
+
+// The first line at or after `from` where the text's lines begin, each following text line on
+// the next file line but for hidden Attribute lines; fills `at` with the file line of each text
+// line.
+bool FindText(const std::vector<FileLine>& lines, const std::vector<std::string_view>& text,
+              size_t from, std::vector<size_t>& at) {
+  for (size_t first = from; first < lines.size(); ++first) {
+    if (text.empty() || lines[first].text != text[0]) continue;
+    at.assign(1, first);
+    size_t j = first + 1;
+    for (size_t k = 1; k < text.size(); ++k) {
+      while (j < lines.size() && lines[j].text != text[k] && StartsWithAttribute(lines[j].text))
+        ++j;
+      if (j >= lines.size() || lines[j].text != text[k]) break;
+      at.push_back(j++);
+    }
+    if (at.size() == text.size()) return true;
+  }
+  return false;
+}
+
+// Where the name's text begins in the "Attribute VB_Name" line, or false.
+bool FindNameLine(const std::vector<FileLine>& lines, size_t& line, size_t& column) {
+  for (size_t i = 0; i < lines.size(); ++i) {
+    const std::string& text = lines[i].text;
+    const size_t equals = text.find('=');
+    if (equals == std::string::npos) continue;
+    std::string_view key = std::string_view(text).substr(0, equals);
+    while (!key.empty() && (key.back() == ' ' || key.back() == '\t'))
+      key.remove_suffix(1);
+    if (!automation::EqualsAsciiNoCase(key, "Attribute VB_Name")) continue;
+    size_t value = text.find_first_not_of(" \t", equals + 1);
+    if (value == std::string::npos) value = text.size();
+    if (value < text.size() && text[value] == '"') ++value;
+    line = i;
+    column = value;
+    return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::vector<ComponentScan> ParseScanResults(std::string_view text) {
+  try {
+    const json documents = json::parse(text);
+    std::vector<ComponentScan> scans;
+    for (const json& d : documents) {
+      ComponentScan scan;
+      scan.project = d.value("project", std::string());
+      scan.collection = d.at("collection").get<std::string>();
+      scan.component = d.at("component").get<std::string>();
+      scan.updatable = d.value("updatable", false);
+      for (const json& place : d.at("places"))
+        scan.places.push_back(PlaceOf(place));
+      if (d.contains("problems")) {
+        for (const json& problem : d["problems"])
+          scan.problems.push_back(ErrorOf(problem));
+      }
+      scans.push_back(std::move(scan));
+    }
+    return scans;
+  } catch (const json::exception& e) {
+    throw automation::Error(5, "qx", std::string("The scan results are not readable: ") + e.what());
+  }
+}
+
+std::vector<FileLine> SplitFileLines(std::string_view bytes) {
+  std::vector<FileLine> lines;
+  const platform::CodePage& codePage = platform::CurrentCodePage();
+  platform::LineReader reader(bytes);
+  std::string_view line;
+  size_t offset = reader.Position();
+  while (reader.Next(line)) {
+    lines.push_back({codePage.Decode(line), std::string(reader.LastLineEnd()), offset});
+    offset = reader.Position();
+  }
+  return lines;
+}
+
+std::vector<std::string_view> TextLines(std::string_view text) {
+  std::vector<std::string_view> lines;
+  size_t start = 0;
+  for (size_t i = 0; i <= text.size(); ++i) {
+    if (i == text.size() || text[i] == '\r' || text[i] == '\n') {
+      lines.push_back(text.substr(start, i - start));
+      if (i < text.size() && text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
+      start = i + 1;
+    }
+  }
+  return lines;
+}
+
+std::vector<std::vector<FilePlace>> MapToFile(const std::vector<FileLine>& lines,
+                                              const std::vector<ScanPlace>& places) {
+  std::vector<std::vector<FilePlace>> out;
+  size_t cursor = 0;
+  for (const ScanPlace& place : places) {
+    std::vector<FilePlace> located;
+    if (place.kind == "name") {
+      size_t line = 0, column = 0;
+      const bool found = FindNameLine(lines, line, column);
+      for (const ScanMatch& m : place.matches) {
+        located.push_back(found ? FilePlace{line + 1, column + m.start, column + m.end}
+                                : FilePlace{0, m.start, m.end});
+      }
+    } else {
+      const std::vector<std::string_view> text = TextLines(place.text);
+      std::vector<size_t> at;
+      const bool found = FindText(lines, text, cursor, at) || FindText(lines, text, 0, at);
+      if (found) cursor = at.back() + 1;
+      for (const ScanMatch& m : place.matches) {
+        const bool known = found && m.line >= 1 && m.line <= at.size();
+        located.push_back({known ? at[m.line - 1] + 1 : 0, m.start, m.end});
+      }
+    }
+    out.push_back(std::move(located));
+  }
+  return out;
+}
+
+}  // namespace cli

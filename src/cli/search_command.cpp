@@ -1,0 +1,333 @@
+// qx search and qx replace: every chosen component of every project is handed to the scanner
+// through its component object, and what comes back is shown in the files' own lines.
+//
+// A replace without --write runs the very same write on a scratch copy of the project and shows
+// how the copy's files changed, so the preview is exactly what --write would do.
+
+#include <chrono>
+#include <filesystem>
+#include <map>
+#include <set>
+
+#include "automation/casefold.h"
+#include "cli/commands.h"
+#include "cli/ide_processes.h"
+#include "cli/listing.h"
+#include "cli/project_files.h"
+#include "cli/scan_buffer.h"
+#include "cli/scan_results.h"
+#include "cli/session.h"
+#include "cli/unified_diff.h"
+#include "contracts/driver_interfaces.h"
+#include "contracts/enumeration.h"
+#include "platform/files.h"
+#include "platform/paths.h"
+
+namespace cli {
+namespace fs = std::filesystem;
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double Since(Clock::time_point start) {
+  return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+// One component file scanned: its bytes before and after, and what the scanner found.
+struct ScannedFile {
+  fs::path original;  // the file as the user knows it (outside any scratch copy)
+  std::string before;
+  std::string after;  // after a write; equal to before otherwise
+  ComponentScan scan;
+  double seconds = 0;
+};
+
+// A scratch copy of a project: the project file and every component file with its companions
+// (Form1.frx beside Form1.frm), each under the folder at its own absolute path, so that the
+// project's relative paths lead into the copy.
+class ScratchCopy {
+ public:
+  ScratchCopy(const fs::path& project, const std::vector<ComponentFile>& files) {
+    // A file named by an absolute path would be written in place, not in the copy.
+    for (const ComponentFile& file : files) {
+      if (file.absolute) {
+        throw automation::Error(
+            5, "qx",
+            project.string() + ": " + file.file.string() +
+                " is named by an absolute path, so a preview cannot be made on a copy; "
+                "use --write to replace, or name the file relative to the project");
+      }
+    }
+    root_ = fs::temp_directory_path() /
+            ("qx-preview-" + std::to_string(::getpid()) + "-" + std::to_string(++serial_));
+    fs::create_directories(root_);
+    Copy(project);
+    for (const ComponentFile& file : files) {
+      if (!fs::exists(file.file)) continue;
+      for (const auto& entry : fs::directory_iterator(file.file.parent_path())) {
+        if (entry.is_regular_file() && entry.path().stem() == file.file.stem()) Copy(entry.path());
+      }
+    }
+    project_ = Inside(project);
+  }
+  ~ScratchCopy() {
+    std::error_code ec;
+    fs::remove_all(root_, ec);
+  }
+  ScratchCopy(const ScratchCopy&) = delete;
+  ScratchCopy& operator=(const ScratchCopy&) = delete;
+
+  const fs::path& project() const { return project_; }
+  fs::path Inside(const fs::path& file) const {
+    return root_ / fs::absolute(file).lexically_normal().relative_path();
+  }
+
+ private:
+  void Copy(const fs::path& file) {
+    const fs::path target = Inside(file);
+    fs::create_directories(target.parent_path());
+    fs::copy_file(file, target, fs::copy_options::overwrite_existing);
+  }
+
+  static inline int serial_ = 0;
+  fs::path root_;
+  fs::path project_;
+};
+
+class Run {
+ public:
+  Run(const SearchOptions& options, Printer& printer)
+      : options_(options), printer_(printer), request_(BuildRequest(options)) {}
+
+  int Go() {
+    const ProjectDiscovery discovery = FindProjects(options_.paths);
+    for (const automation::Error& e : discovery.errors)
+      Fail(e);
+    Session session;
+    for (size_t i = 0; i < discovery.projects.size(); ++i) {
+      if (Since(start_) > 1.0) {
+        printer_.Progress("project " + std::to_string(i + 1) + " of " +
+                          std::to_string(discovery.projects.size()) + ": " +
+                          ShowPath(discovery.projects[i]));
+      }
+      try {
+        Project(session, discovery.projects[i]);
+      } catch (const automation::Error& e) {
+        Fail(e);
+      } catch (const fs::filesystem_error& e) {
+        Fail(automation::Error(75, "qx", e.what()));
+      }
+      if (options_.style == SearchStyle::Quiet && totals_.matches > 0 && !options_.replacement)
+        break;
+    }
+    printer_.Progress("");
+    for (const Problem& problem : session.Problems())
+      printer_.Problem(problem);
+    totals_.seconds = Since(start_);
+    totals_.replace = options_.replacement.has_value();
+    totals_.written = options_.write;
+    printer_.SearchSummary(totals_, options_.style);
+    if (error_ || totals_.refused > 0) return kExitError;
+    return totals_.matches > 0 ? kExitMatch : kExitNoMatch;
+  }
+
+ private:
+  void Fail(const automation::Error& e) {
+    printer_.Error(e);
+    error_ = true;
+  }
+
+  void Project(Session& session, const fs::path& projectFile) {
+    const std::vector<ComponentFile> files = ReadComponentFiles(projectFile);
+    const bool preview = options_.replacement && !options_.write;
+    std::unique_ptr<ScratchCopy> copy;
+    if (preview) copy = std::make_unique<ScratchCopy>(projectFile, files);
+    const fs::path scanned = copy ? copy->project() : projectFile;
+
+    // An IDE that this run starts for the project is ended when the project is done (before its
+    // scratch copy goes), so a run over many projects keeps few IDEs alive; one that was running
+    // before the run is left running.
+    struct EndStartedIde {
+      std::string project;
+      bool wasRunning;
+      ~EndStartedIde() {
+        if (wasRunning) return;
+        try {
+          StopIdesOf(project);
+        } catch (...) {
+          // An IDE that will not end ends by itself once idle; the results are in.
+        }
+      }
+    } endStartedIde{scanned.string(), AnyHasOpen(scanned.string())};
+
+    const automation::ObjectRef project = session.OpenProject(scanned.string());
+    struct Deactivate {
+      const automation::ObjectRef& project;
+      ~Deactivate() {
+        try {
+          contracts::IProject(project).Deactivate();
+        } catch (...) {
+          // Deactivating only drops the link to the IDE; the results are in.
+        }
+      }
+    } deactivate{project};
+
+    bool reached = false;
+    for (const CollectionEnumeration& collection : EnumerateCollections(project)) {
+      if (!options_.kinds.empty() && std::find(options_.kinds.begin(), options_.kinds.end(),
+                                               collection.name) == options_.kinds.end()) {
+        continue;
+      }
+      for (const contracts::EnumerationEntry& entry :
+           contracts::ParseEnumeration(collection.text)) {
+        if (entry.name.empty() || !ComponentSelected(options_, entry.name)) continue;
+        const ComponentFile* file = FileOf(files, collection.name, entry.name);
+        if (file != nullptr && !done_.insert(FileKey(file->file)).second) continue;
+        try {
+          Component(project, scanned, collection.name, entry, file, copy.get());
+          reached = true;
+        } catch (const automation::Error& e) {
+          // Without a first component, the IDE is out of reach: once said is enough.
+          if (!reached) throw;
+          Fail(automation::Error(e.Number(), e.Source(),
+                                 collection.name + " " + entry.name + ": " + e.Description()));
+        }
+      }
+    }
+  }
+
+  static const ComponentFile* FileOf(const std::vector<ComponentFile>& files,
+                                     const std::string& collection, const std::string& name) {
+    for (const ComponentFile& file : files) {
+      if (file.collection == collection && automation::EqualsAsciiNoCase(file.name, name))
+        return &file;
+    }
+    return nullptr;
+  }
+
+  void Component(const automation::ObjectRef& project, const fs::path& projectFile,
+                 const std::string& collection, const contracts::EnumerationEntry& entry,
+                 const ComponentFile* file, const ScratchCopy* copy) {
+    const Clock::time_point started = Clock::now();
+    ScannedFile scanned;
+    fs::path onDisk;
+    if (file != nullptr) {
+      scanned.original = file->file;
+      onDisk = copy ? copy->Inside(file->file) : file->file;
+      scanned.before = platform::ReadFile(onDisk.string());
+    }
+    const automation::ObjectRef object =
+        contracts::ICollection(contracts::IProject(project).GetCollection(collection))
+            .GetObject(entry.name);
+    const ScanBufferView buffer;
+    buffer.SetRequest(request_);
+    {
+      const RegisteredBuffer registration(buffer);
+      contracts::IObject(object).Scan(projectFile.stem().string(), entry.name, entry.writable,
+                                      registration.name());
+    }
+    for (ComponentScan& scan : ParseScanResults(buffer.Results())) {
+      scanned.scan = std::move(scan);
+      scanned.after = file != nullptr && options_.replacement ? platform::ReadFile(onDisk.string())
+                                                              : scanned.before;
+      scanned.seconds = Since(started);
+      Show(scanned);
+    }
+  }
+
+  void Show(const ScannedFile& scanned) {
+    const ComponentScan& scan = scanned.scan;
+    const std::string path = scanned.original.empty() ? scan.collection + "/" + scan.component
+                                                      : ShowPath(scanned.original);
+    for (const ScanError& problem : scan.problems)
+      printer_.Problem({problem.number, scan.component + ": " + problem.description});
+    const std::vector<FileLine> lines = SplitFileLines(scanned.before);
+    const std::vector<std::vector<FilePlace>> places = MapToFile(lines, scan.places);
+
+    ++totals_.files;
+    totals_.bytes += scanned.before.size();
+    FileMatches matches;
+    matches.path = path;
+    matches.bytes = scanned.before.size();
+    matches.seconds = scanned.seconds;
+    for (size_t p = 0; p < scan.places.size(); ++p) {
+      const ScanPlace& place = scan.places[p];
+      const std::string procedure = place.kind == "name" ? std::string() : place.name;
+      for (size_t m = 0; m < place.matches.size(); ++m) {
+        const FilePlace& at = places[p][m];
+        const ScanMatch& match = place.matches[m];
+        ++matches.matches;
+        SearchHit* hit = matches.hits.empty() ? nullptr : &matches.hits.back();
+        if (hit == nullptr || hit->line != at.line || hit->procedure != procedure ||
+            (at.line == 0 && match.line != place.matches[m - 1].line)) {
+          SearchHit fresh;
+          fresh.collection = scan.collection;
+          fresh.component = scan.component;
+          fresh.procedure = procedure;
+          fresh.line = at.line;
+          if (at.line != 0) {
+            fresh.text = lines[at.line - 1].text;
+            fresh.lineEnd = lines[at.line - 1].end;
+            fresh.offset = lines[at.line - 1].offset;
+          } else if (const auto text = TextLines(place.text); match.line <= text.size()) {
+            fresh.text = place.kind == "name" ? place.text : std::string(text[match.line - 1]);
+          }
+          matches.hits.push_back(std::move(fresh));
+          hit = &matches.hits.back();
+        }
+        hit->submatches.push_back({at.start, at.end, match.text});
+      }
+      if (place.error) {
+        ++totals_.refused;
+        printer_.Refused({path, place.matches.empty() ? 0 : places[p][0].line, scan.collection,
+                          scan.component, procedure, place.error->number,
+                          place.error->description});
+      }
+    }
+    totals_.matches += matches.matches;
+    totals_.matchedLines += matches.hits.size();
+    if (matches.matches == 0) return;
+    ++totals_.filesWithMatches;
+    if (!options_.replacement) {
+      printer_.SearchFile(matches, options_.style);
+      return;
+    }
+    if (scanned.after == scanned.before) return;
+    ++totals_.filesChanged;
+    if (options_.style == SearchStyle::Quiet) return;
+    const auto diffLines = [](const std::string& bytes) {
+      std::vector<DiffLine> out;
+      for (FileLine& line : SplitFileLines(bytes))
+        out.push_back({std::move(line.text), std::move(line.end)});
+      return out;
+    };
+    printer_.Diff({path, UnifiedDiff(path, diffLines(scanned.before), diffLines(scanned.after))});
+  }
+
+  const SearchOptions& options_;
+  Printer& printer_;
+  const std::string request_;
+  const Clock::time_point start_ = Clock::now();
+  std::set<std::string> done_;  // component files already searched in this run
+  SearchTotals totals_;
+  bool error_ = false;
+};
+
+}  // namespace
+
+int RunSearch(SearchOptions& options, Printer& printer) {
+  try {
+    ValidateSearchOptions(options);
+  } catch (const automation::Error& e) {
+    printer.Error(e);
+    return kExitError;
+  }
+  try {
+    return Run(options, printer).Go();
+  } catch (const automation::Error& e) {
+    printer.Error(e);
+    return kExitError;
+  }
+}
+
+}  // namespace cli

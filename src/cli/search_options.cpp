@@ -1,0 +1,98 @@
+#include "cli/search_options.h"
+
+#include <fnmatch.h>
+
+#include <nlohmann/json.hpp>
+
+#include "automation/casefold.h"
+#include "automation/error.h"
+#include "collections/collection_kinds.h"
+#include "host/scan/matcher.h"
+#include "host/scan/replacement.h"
+
+namespace cli {
+namespace {
+
+// Error 5, as VB raises it for an argument it cannot take.
+[[noreturn]] void InvalidArgument(const std::string& description) {
+  throw automation::Error(5, "qx", description);
+}
+
+std::string KnownKinds() {
+  std::string names;
+  for (const auto& kind : collections::CollectionKinds())
+    names += (names.empty() ? "" : ", ") + std::string(kind.className);
+  return names;
+}
+
+std::string_view CaseName(CaseChoice choice) {
+  switch (choice) {
+    case CaseChoice::Insensitive:
+      return "insensitive";
+    case CaseChoice::Smart:
+      return "smart";
+    case CaseChoice::Sensitive:
+      break;
+  }
+  return "sensitive";
+}
+
+}  // namespace
+
+const std::vector<std::string>& ScopeNames() {
+  static const std::vector<std::string> names = {"code", "names"};
+  return names;
+}
+
+void ValidateSearchOptions(SearchOptions& options) {
+  if (options.scope.empty()) InvalidArgument("--in needs at least one of: code, names");
+  for (const std::string& scope : options.scope) {
+    bool known = false;
+    for (const std::string& name : ScopeNames())
+      known = known || name == scope;
+    if (!known)
+      InvalidArgument("--in: unknown place \"" + scope + "\"; the places are code, names");
+  }
+  for (std::string& kind : options.kinds) {
+    bool known = false;
+    for (const auto& k : collections::CollectionKinds()) {
+      if (automation::EqualsAsciiNoCase(kind, k.className)) {
+        kind = std::string(k.className);
+        known = true;
+      }
+    }
+    if (!known)
+      InvalidArgument("--kind: unknown kind \"" + kind + "\"; the kinds are " + KnownKinds());
+  }
+  host::scan::MatchOptions match;
+  match.literal = options.literal;
+  match.wholeWord = options.wordRegexp;
+  match.caseMode = options.caseChoice == CaseChoice::Insensitive
+                       ? host::scan::CaseMode::kInsensitive
+                   : options.caseChoice == CaseChoice::Smart ? host::scan::CaseMode::kSmart
+                                                             : host::scan::CaseMode::kSensitive;
+  const host::scan::Matcher matcher(options.patterns, match);
+  if (options.replacement) host::scan::Replacement replacement(*options.replacement, matcher);
+}
+
+std::string BuildRequest(const SearchOptions& options) {
+  nlohmann::ordered_json request;
+  request["patterns"] = options.patterns;
+  request["literal"] = options.literal;
+  request["case"] = CaseName(options.caseChoice);
+  request["wordRegexp"] = options.wordRegexp;
+  request["replacement"] =
+      options.replacement ? nlohmann::ordered_json(*options.replacement) : nullptr;
+  // A replace always writes: with --write into the project, otherwise into the scratch copy that
+  // the preview is made from.
+  request["write"] = options.replacement.has_value();
+  request["scope"] = options.scope;
+  return request.dump();
+}
+
+bool ComponentSelected(const SearchOptions& options, const std::string& name) {
+  if (options.componentGlob.empty()) return true;
+  return ::fnmatch(options.componentGlob.c_str(), name.c_str(), FNM_CASEFOLD) == 0;
+}
+
+}  // namespace cli

@@ -1,0 +1,57 @@
+#pragma once
+// What qx search and qx replace are asked to do: the patterns and how they match, where to look,
+// how to show what was found, and for replace the replacement and whether to write. The request
+// that the component objects' scanner reads is made from these.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+enum class CaseChoice { Sensitive, Insensitive, Smart };
+
+// How matches are shown (ripgrep's output modes).
+enum class SearchStyle {
+  Grouped,           // the file's path, then LINE:COLUMN: and the line of each match
+  Vimgrep,           // path:line:column:text, one line a match
+  Count,             // path:count
+  FilesWithMatches,  // the path of each file with a match
+  Quiet,             // nothing; the exit status says it
+};
+
+enum class ColorChoice { Auto, Always, Never };
+
+struct SearchOptions {
+  std::vector<std::string> patterns;  // -e, or the first positional argument
+  bool literal = false;               // -F
+  CaseChoice caseChoice = CaseChoice::Sensitive;
+  bool wordRegexp = false;                             // -w
+  std::vector<std::string> scope = {"code", "names"};  // --in
+  std::vector<std::string> kinds;                      // --kind; empty: every kind
+  std::string componentGlob;                           // --component; empty: any
+  std::vector<std::string> paths;                      // none: the current folder
+  SearchStyle style = SearchStyle::Grouped;
+  ColorChoice color = ColorChoice::Auto;
+  bool json = false;
+  std::optional<std::string> replacement;  // qx replace only
+  bool write = false;                      // qx replace --write
+};
+
+// The places a search can look in, and the component kinds it can be narrowed to.
+const std::vector<std::string>& ScopeNames();
+
+// Checks the options that the command line parser cannot: known scopes and kinds (kinds are
+// given their proper spelling), and patterns and replacement that compile, so that a bad one
+// stops the run before any IDE starts. Raises the error to print, with the matcher's message
+// for a pattern.
+void ValidateSearchOptions(SearchOptions& options);
+
+// The request document for the scan buffer.
+std::string BuildRequest(const SearchOptions& options);
+
+// Whether a component name matches the --component glob (shell wildcards, letter case not
+// mattering, as VB names compare).
+bool ComponentSelected(const SearchOptions& options, const std::string& name);
+
+}  // namespace cli

@@ -1,0 +1,257 @@
+// The pieces of qx search and qx replace that need no IDE: which projects and files a run
+// covers, the scanner's results placed in the files' lines, the output in ripgrep's shapes and
+// the diff of a replacement.
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "automation/error.h"
+#include "cli/printer.h"
+#include "cli/project_files.h"
+#include "cli/scan_results.h"
+#include "cli/search_options.h"
+#include "cli/unified_diff.h"
+#include "support/driver_env.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using qxtest::DriverEnv;
+
+TEST(SearchPaths, ProjectsGroupsAndFoldersGiveEachProjectOnce) {
+  DriverEnv env;
+  const fs::path root = env.work();
+  fs::create_directories(root / "a" / "deep");
+  DriverEnv::Write((root / "a" / "A.vbp").string(), "Type=Exe\r\n");
+  DriverEnv::Write((root / "a" / "deep" / "B.VBP").string(), "Type=Exe\r\n");
+  DriverEnv::Write((root / "g.vbg").string(),
+                   "VBGROUP 5.0\r\nStartupProject=a\\A.vbp\r\nProject=a\\deep\\B.VBP\r\n"
+                   "Project=gone\\C.vbp\r\n");
+  const cli::ProjectDiscovery found =
+      cli::FindProjects({(root / "g.vbg").string(), (root / "a").string(),
+                         (root / "a" / "A.vbp").string(), (root / "nothing").string()});
+  ASSERT_EQ(found.projects.size(), 2u);
+  EXPECT_EQ(found.projects[0].filename(), "A.vbp");
+  EXPECT_EQ(found.projects[1].filename(), "B.VBP");
+  ASSERT_EQ(found.errors.size(), 2u);
+  EXPECT_NE(found.errors[0].Description().find("line 4 of"), std::string::npos);
+  EXPECT_EQ(found.errors[1].Number(), 53);
+}
+
+TEST(SearchPaths, ComponentFilesComeFromTheProjectFileAndAFileOtherwise) {
+  DriverEnv env;
+  const fs::path root = env.work();
+  fs::create_directories(root / "p" / "shared");
+  DriverEnv::Write((root / "p" / "P.vbp").string(),
+                   "Type=Exe\r\nForm=Main.frm\r\nModule=Util; shared\\Util.bas\r\n"
+                   "Class=CThing; \"C Thing.cls\"\r\n");
+  DriverEnv::Write(
+      (root / "p" / "Main.frm").string(),
+      "VERSION 5.00\r\nBegin VB.Form frmMain\r\nEnd\r\nAttribute VB_Name = \"frmMain\"\r\n");
+  const std::vector<cli::ComponentFile> files = cli::ReadComponentFiles(root / "p" / "P.vbp");
+  ASSERT_EQ(files.size(), 3u);
+  EXPECT_EQ(files[0].collection, "Forms");
+  EXPECT_EQ(files[0].name, "frmMain");
+  EXPECT_EQ(files[1].name, "Util");
+  EXPECT_EQ(cli::FileKey(files[1].file), cli::FileKey(root / "p" / "shared" / "Util.bas"));
+  EXPECT_EQ(files[2].collection, "ClassModules");
+  EXPECT_EQ(files[2].file.filename(), "C Thing.cls");
+}
+
+TEST(SearchOptions, BadKindsScopesPatternsAndReplacementsStopTheRun) {
+  cli::SearchOptions options;
+  options.patterns = {"a(b"};
+  try {
+    cli::ValidateSearchOptions(options);
+    FAIL();
+  } catch (const automation::Error& e) {
+    EXPECT_EQ(e.Description(),
+              "Invalid pattern string: \"a(b\": missing closing parenthesis at offset 3");
+  }
+  options.patterns = {"(a)"};
+  options.replacement = "$2";
+  EXPECT_THROW(cli::ValidateSearchOptions(options), automation::Error);
+  options.replacement = "${1}x";
+  options.kinds = {"modules"};
+  cli::ValidateSearchOptions(options);
+  EXPECT_EQ(options.kinds[0], "Modules");
+  EXPECT_EQ(cli::BuildRequest(options),
+            R"j({"patterns":["(a)"],"literal":false,"case":"sensitive","wordRegexp":false,)j"
+            R"("replacement":"${1}x","write":true,"scope":["code","names"]})");
+  options.scope = {"code", "html"};
+  EXPECT_THROW(cli::ValidateSearchOptions(options), automation::Error);
+  options.componentGlob = "frm*";
+  EXPECT_TRUE(cli::ComponentSelected(options, "FrmMain"));
+  EXPECT_FALSE(cli::ComponentSelected(options, "Module1"));
+}
+
+// A module file: header, declarations, a procedure with a hidden member attribute after its
+// heading, blank lines before the next.
+const char* const kModule =
+    "Attribute VB_Name = \"Module1\"\r\n"
+    "Option Explicit\r\n"
+    "Dim Foo As Long\r\n"
+    "\r\n"
+    "Public Function Foo2() As Long\r\n"
+    "Attribute Foo2.VB_Description = \"x\"\r\n"
+    "  Foo2 = Foo\r\n"
+    "End Function\r\n"
+    "\r\n"
+    "  \r\n"
+    "Sub Bar()\r\n"
+    "  Foo = 1\r\n"
+    "End Sub\r\n";
+
+const char* const kResults = R"([{"project":"P","collection":"Modules","component":"Module1",
+  "updatable":true,"places":[
+   {"kind":"name","name":"Module1","text":"Module1","matches":[{"line":1,"start":0,"end":3,"text":"Mod"}],
+    "replacement":null,"written":false,"error":null},
+   {"kind":"procedure","name":"<declarations>","text":"Option Explicit\r\nDim Foo As Long\r\n",
+    "matches":[{"line":2,"start":4,"end":7,"text":"Foo"}],"replacement":null,"written":false,"error":null},
+   {"kind":"procedure","name":"Foo2","text":"Public Function Foo2() As Long\r\n  Foo2 = Foo\r\nEnd Function\r\n",
+    "matches":[{"line":2,"start":2,"end":5,"text":"Foo"},{"line":2,"start":9,"end":12,"text":"Foo"}],
+    "replacement":null,"written":false,"error":null},
+   {"kind":"procedure","name":"Bar","text":"Sub Bar()\r\n  Foo = 1\r\nEnd Sub",
+    "matches":[{"line":2,"start":2,"end":5,"text":"Foo"}],"replacement":null,"written":false,
+    "error":{"number":5000,"description":"This replacement would have changed the total number of procedures in the module."}}],
+  "problems":[{"number":-32767,"description":"p"}]}])";
+
+TEST(ScanResults, PlacesLandOnTheFilesLinesPastHiddenAttributes) {
+  const std::vector<cli::ComponentScan> scans = cli::ParseScanResults(kResults);
+  ASSERT_EQ(scans.size(), 1u);
+  const cli::ComponentScan& scan = scans[0];
+  EXPECT_EQ(scan.places.size(), 4u);
+  ASSERT_TRUE(scan.places[3].error);
+  EXPECT_EQ(scan.places[3].error->number, 5000);
+  EXPECT_EQ(scan.problems.size(), 1u);
+
+  const std::vector<cli::FileLine> lines = cli::SplitFileLines(kModule);
+  EXPECT_EQ(lines[1].offset, 31u);
+  EXPECT_EQ(lines[1].end, "\r\n");
+  const auto places = cli::MapToFile(lines, scan.places);
+  // The name sits inside the quotes of the VB_Name line.
+  EXPECT_EQ(places[0][0].line, 1u);
+  EXPECT_EQ(places[0][0].start, 21u);
+  EXPECT_EQ(places[1][0].line, 3u);
+  EXPECT_EQ(places[2][0].line, 7u);
+  EXPECT_EQ(places[2][1].line, 7u);
+  EXPECT_EQ(places[2][1].start, 9u);
+  EXPECT_EQ(places[3][0].line, 12u);
+
+  EXPECT_THROW(cli::ParseScanResults("[{\"collection\":1}]"), automation::Error);
+}
+
+TEST(ScanResults, AProcedureTextsFirstLineFoundAfterThePreviousPlace) {
+  // Two procedures of the same text: the second place is the second copy.
+  const std::vector<cli::FileLine> lines =
+      cli::SplitFileLines("Sub A()\nEnd Sub\nSub A()\nEnd Sub\n");
+  std::vector<cli::ScanPlace> places(2);
+  for (cli::ScanPlace& place : places) {
+    place.kind = "procedure";
+    place.text = "Sub A()\r\nEnd Sub";
+    place.matches.push_back({1, 4, 5, "A"});
+  }
+  const auto at = cli::MapToFile(lines, places);
+  EXPECT_EQ(at[0][0].line, 1u);
+  EXPECT_EQ(at[1][0].line, 3u);
+  places[0].text = "Sub Z()";
+  EXPECT_EQ(cli::MapToFile(lines, places)[0][0].line, 0u);
+}
+
+std::vector<cli::DiffLine> Lines(std::initializer_list<const char*> texts) {
+  std::vector<cli::DiffLine> out;
+  for (const char* text : texts)
+    out.push_back({text, "\r\n"});
+  return out;
+}
+
+TEST(UnifiedDiff, HunksWithThreeLinesOfContextMergeWhenClose) {
+  EXPECT_EQ(cli::UnifiedDiff("m.bas", Lines({"a", "b"}), Lines({"a", "b"})), "");
+  EXPECT_EQ(cli::UnifiedDiff("m.bas", Lines({"1", "2", "3", "4", "5", "6", "7", "8", "9"}),
+                             Lines({"1", "2", "3", "4", "x", "6", "7", "8", "9"})),
+            "--- m.bas\n+++ m.bas\n@@ -2,7 +2,7 @@\n 2\n 3\n 4\n-5\n+x\n 6\n 7\n 8\n");
+  // Far apart: two hunks; an insertion into an empty file names line 0.
+  std::vector<cli::DiffLine> before, after;
+  for (int i = 0; i < 20; ++i)
+    before.push_back({std::to_string(i), "\r\n"});
+  after = before;
+  after[1].text = "one";
+  after[18].text = "eighteen";
+  EXPECT_EQ(cli::UnifiedDiff("f", before, after),
+            "--- f\n+++ f\n@@ -1,5 +1,5 @@\n 0\n-1\n+one\n 2\n 3\n 4\n"
+            "@@ -16,5 +16,5 @@\n 15\n 16\n 17\n-18\n+eighteen\n 19\n");
+  EXPECT_EQ(cli::UnifiedDiff("f", {}, Lines({"a"})), "--- f\n+++ f\n@@ -0,0 +1 @@\n+a\n");
+  // A changed line end is a change.
+  std::vector<cli::DiffLine> lf = Lines({"a"});
+  lf[0].end = "\n";
+  EXPECT_EQ(cli::UnifiedDiff("f", Lines({"a"}), lf), "--- f\n+++ f\n@@ -1 +1 @@\n-a\n+a\n");
+}
+
+cli::FileMatches Sample() {
+  cli::FileMatches file;
+  file.path = "p/Module1.bas";
+  file.bytes = 100;
+  file.matches = 2;
+  cli::SearchHit hit;
+  hit.collection = "Modules";
+  hit.component = "Module1";
+  hit.procedure = "Foo2";
+  hit.line = 7;
+  hit.text = "  Foo2 = Foo\x1b";
+  hit.lineEnd = "\r\n";
+  hit.offset = 90;
+  hit.submatches = {{2, 5, "Foo"}, {9, 12, "Foo"}};
+  file.hits.push_back(hit);
+  return file;
+}
+
+std::string Text(cli::SearchStyle style, bool color, bool terminal = false) {
+  std::ostringstream out, err;
+  auto printer = cli::MakeTextPrinter(out, err, {terminal, false, color});
+  printer->SearchFile(Sample(), style);
+  return out.str();
+}
+
+TEST(SearchOutput, TextInRipgrepsShapes) {
+  EXPECT_EQ(Text(cli::SearchStyle::Grouped, false),
+            "p/Module1.bas\n[Module1.Foo2]\n7:3:  Foo2 = Foo\x1b\n");
+  EXPECT_EQ(Text(cli::SearchStyle::Vimgrep, false),
+            "p/Module1.bas:7:3:  Foo2 = Foo\x1b\np/Module1.bas:7:10:  Foo2 = Foo\x1b\n");
+  EXPECT_EQ(Text(cli::SearchStyle::Count, false), "p/Module1.bas:1\n");
+  EXPECT_EQ(Text(cli::SearchStyle::FilesWithMatches, false), "p/Module1.bas\n");
+  EXPECT_EQ(Text(cli::SearchStyle::Quiet, false), "");
+  // On a terminal, matches are painted and control characters escaped outside the colours.
+  EXPECT_TRUE(Text(cli::SearchStyle::Vimgrep, true, true)
+                  .starts_with("\x1b[35mp/Module1.bas\x1b[0m:7:3:  \x1b[1;31mFoo\x1b[0m2 = "
+                               "Foo\\x1b\n"));
+}
+
+TEST(SearchOutput, JsonIsRipgrepsMessagesWithThePlaceAdded) {
+  std::ostringstream out, err;
+  auto printer = cli::MakeJsonPrinter(out, {}, &err);
+  printer->SearchFile(Sample(), cli::SearchStyle::Grouped);
+  printer->Error(automation::Error(53, "qx", "File not found: x"));
+  std::istringstream lines(out.str());
+  std::string begin, match, end;
+  std::getline(lines, begin);
+  std::getline(lines, match);
+  std::getline(lines, end);
+  EXPECT_EQ(begin, R"({"type":"begin","data":{"path":{"text":"p/Module1.bas"}}})");
+  EXPECT_EQ(match,
+            R"({"type":"match","data":{"path":{"text":"p/Module1.bas"},)"
+            R"("lines":{"text":"  Foo2 = Foo\u001b\n"},"line_number":7,"absolute_offset":90,)"
+            R"("submatches":[{"match":{"text":"Foo"},"start":2,"end":5},)"
+            R"({"match":{"text":"Foo"},"start":9,"end":12}],)"
+            R"("collection":"Modules","component":"Module1","procedure":"Foo2"}})");
+  EXPECT_NE(
+      end.find(R"({"type":"end","data":{"path":{"text":"p/Module1.bas"},"binary_offset":null,)"
+               R"("stats":{"elapsed":)"),
+      std::string::npos);
+  EXPECT_NE(end.find(R"("searches":1,"searches_with_match":1,"bytes_searched":100,)"),
+            std::string::npos);
+  EXPECT_NE(end.find(R"("matched_lines":1,"matches":2})"), std::string::npos);
+  EXPECT_EQ(err.str(), "qx: error 53: File not found: x\n");
+}
+
+}  // namespace
