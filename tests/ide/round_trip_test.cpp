@@ -25,22 +25,6 @@ using idetest::RenderThroughLines;
 using idetest::Snapshot;
 using qxbench::LineEnds;
 
-const char* StyleName(LineEnds ends) {
-  switch (ends) {
-    case LineEnds::kCrLf:
-      return "CR LF";
-    case LineEnds::kLf:
-      return "LF";
-    case LineEnds::kCr:
-      return "CR";
-    case LineEnds::kMixed:
-      return "mixed";
-    case LineEnds::kCycle:
-      break;
-  }
-  return "cycle";
-}
-
 // A generated project in every line-end style resaves byte for byte. Then the driver's replace
 // in every procedure of every component (read the text, change it, write it back), and SaveAs
 // into another folder: the files are exactly those of the same project generated with the other
@@ -48,8 +32,12 @@ const char* StyleName(LineEnds ends) {
 // ends, and the final line break (or its absence) and NUL tails stay. Mixed line ends are the
 // exception: rewritten lines take the file's most common one.
 TEST(RoundTrip, GeneratedProjectsResaveByteForByteAndRewrittenProceduresSaveAsExpected) {
-  for (LineEnds ends : {LineEnds::kCrLf, LineEnds::kLf, LineEnds::kCr, LineEnds::kMixed}) {
-    SCOPED_TRACE(StyleName(ends));
+  const std::pair<LineEnds, const char*> styles[] = {{LineEnds::kCrLf, "CR LF"},
+                                                     {LineEnds::kLf, "LF"},
+                                                     {LineEnds::kCr, "CR"},
+                                                     {LineEnds::kMixed, "mixed"}};
+  for (const auto& [ends, style] : styles) {
+    SCOPED_TRACE(style);
     qxtest::TempHome home;
     qxbench::GeneratorOptions options;
     options.totalLines = 600;
