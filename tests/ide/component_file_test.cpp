@@ -10,6 +10,7 @@
 #include "ide/model/component_file.h"
 #include "module_text.h"
 #include "platform/codepage.h"
+#include "support/errors.h"
 
 namespace {
 
@@ -17,24 +18,16 @@ using ide::ComponentFile;
 using ide::FileKind;
 using ide::ProcKind;
 using idetest::Crlf;
+using idetest::Module;
 using idetest::RenderThroughLines;
-
-std::unique_ptr<ComponentFile> Parse(const std::string& bytes, FileKind kind, int codePage = 1252) {
-  return ComponentFile::Parse(bytes, kind, platform::GetCodePage(codePage), "x");
-}
 
 std::unique_ptr<ComponentFile> Fixture(const std::string& relative, FileKind kind,
                                        int codePage = 1252) {
-  return Parse(idetest::ReadBytes(std::string(QX_FIXTURES) + "/ide/" + relative), kind, codePage);
+  return Module(idetest::ReadBytes(std::string(QX_FIXTURES) + "/ide/" + relative), kind, codePage);
 }
 
 int LoadError(const std::string& bytes, FileKind kind) {
-  try {
-    Parse(bytes, kind);
-  } catch (const automation::Error& e) {
-    return e.Number();
-  }
-  return 0;
+  return qxtest::ErrorOf([&] { Module(bytes, kind); });
 }
 
 TEST(ComponentFile, HeaderIsHiddenAndDescribedAsBlocks) {
@@ -79,12 +72,6 @@ TEST(ComponentFile, FilesThatAreNotVbSourceGiveInvalidFileFormat) {
             321);  // binary data among the lines
   // A module without any header is plain code, and NULs after the last line are a tail.
   EXPECT_EQ(LoadError(std::string("Sub A()\r\nEnd Sub\r\n\0\0\0", 21), FileKind::kModule), 0);
-  // A megabyte-long line is just a long line.
-  std::string longLine =
-      "Const S = \"" + std::string(1 << 20, 'x') + "\"\r\nSub A()\r\nEnd Sub\r\n";
-  auto file = Parse(longLine, FileKind::kModule);
-  EXPECT_EQ(file->Code().CountOfDeclarationLines(), 1);
-  EXPECT_EQ(RenderThroughLines(*file), longLine);
 }
 
 TEST(ComponentFile, EditsRewriteOnlyTheLinesThatChanged) {
@@ -92,13 +79,13 @@ TEST(ComponentFile, EditsRewriteOnlyTheLinesThatChanged) {
   // a line with bytes that Windows-1252 leaves undefined.
   std::string crlf =
       Crlf({"Attribute VB_Name = \"M\"", "Const K = \"\x81\x8d\"", "Sub A()", "End Sub"});
-  auto file = Parse(crlf, FileKind::kModule);
+  auto file = Module(crlf, FileKind::kModule);
   file->Code().InsertLines(2, "' caf\xC3\xA9");  // UTF-8 inside, 1252 outside
   EXPECT_EQ(file->Render(), Crlf({"Attribute VB_Name = \"M\"", "Const K = \"\x81\x8d\"",
                                   "' caf\xE9", "Sub A()", "End Sub"}));
 
   // LF file without a final line break: appended lines use LF and the end stays unbroken.
-  auto lf = Parse("Attribute VB_Name = \"M\"\nSub A()\nEnd Sub", FileKind::kModule);
+  auto lf = Module("Attribute VB_Name = \"M\"\nSub A()\nEnd Sub", FileKind::kModule);
   lf->Code().InsertLines(3, "Sub B()\r\nEnd Sub");
   EXPECT_EQ(lf->Render(), "Attribute VB_Name = \"M\"\nSub A()\nEnd Sub\nSub B()\nEnd Sub");
   lf->Code().DeleteLines(1, 2);
@@ -107,14 +94,14 @@ TEST(ComponentFile, EditsRewriteOnlyTheLinesThatChanged) {
   // Mixed ends: untouched lines keep theirs, new ones take the most common; the NUL tail stays.
   constexpr char kMixed[] = "Sub A()\r\nEnd Sub\r\n\nSub B()\nEnd Sub\r\n\0\0";
   std::string mixed(kMixed, sizeof kMixed - 1);
-  auto m = Parse(mixed, FileKind::kModule);
+  auto m = Module(mixed, FileKind::kModule);
   m->Code().DeleteLines(4, 2);
   m->Code().InsertLines(4, "Sub C()\nEnd Sub");
   constexpr char kEdited[] = "Sub A()\r\nEnd Sub\r\n\nSub C()\r\nEnd Sub\r\n\0\0";
   EXPECT_EQ(m->Render(), std::string(kEdited, sizeof kEdited - 1));
 
   // Deleting everything after the header leaves the header with its own line end.
-  auto all = Parse(Crlf({"Attribute VB_Name = \"M\"", "Sub A()", "End Sub"}), FileKind::kModule);
+  auto all = Module(Crlf({"Attribute VB_Name = \"M\"", "Sub A()", "End Sub"}), FileKind::kModule);
   all->Code().DeleteLines(1, 2);
   EXPECT_EQ(all->Render(), Crlf({"Attribute VB_Name = \"M\""}));
 }
@@ -146,21 +133,6 @@ TEST(ComponentFile, MemberAttributesStayWithTheirMember) {
   EXPECT_NE(saved.find("Attribute VB_Ext_KEY"), std::string::npos);  // module attributes stay
 }
 
-TEST(ComponentFile, RenameRewritesTheNameAttributeAndTheRootObject) {
-  std::string bytes = idetest::ReadBytes(std::string(QX_FIXTURES) + "/ide/ledger/frmShell.frm");
-  auto form = Parse(bytes, FileKind::kForm);
-  form->SetName("frmFrame");
-  std::string expected = bytes;
-  expected.replace(expected.find("frmShell "), 8, "frmFrame");
-  expected.replace(expected.find("\"frmShell\""), 10, "\"frmFrame\"");
-  EXPECT_EQ(form->Render(), expected);
-  EXPECT_EQ(form->Name(), "frmFrame");
-
-  auto bare = Parse("Sub A()\r\nEnd Sub\r\n", FileKind::kModule);
-  bare->SetName("Helpers");
-  EXPECT_EQ(bare->Render(), "Attribute VB_Name = \"Helpers\"\r\nSub A()\r\nEnd Sub\r\n");
-}
-
 TEST(ComponentFile, CodePagesAreDecodedAndEncodedLosslessly) {
   auto gbk = Fixture("gbk/工具.bas", FileKind::kModule, 936);
   EXPECT_EQ(gbk->Name(), "工具");
@@ -171,28 +143,34 @@ TEST(ComponentFile, CodePagesAreDecodedAndEncodedLosslessly) {
   EXPECT_EQ(saved.substr(saved.find("' "), 8), "' \xD0\xC2\xD4\xF6\r\n");
 
   // A character the code page cannot hold is refused at save time, naming it.
-  auto latin = Parse("Sub A()\r\nEnd Sub\r\n", FileKind::kModule);
+  auto latin = Module("Sub A()\r\nEnd Sub\r\n", FileKind::kModule);
   latin->Code().InsertLines(1, "' 中");
-  try {
-    latin->Render();
-    ADD_FAILURE() << "encoding should have failed";
-  } catch (const automation::Error& e) {
-    EXPECT_EQ(e.Number(), 5);
-  }
+  EXPECT_EQ(qxtest::ErrorOf([&] { latin->Render(); }), 5);
+
+  // Bytes the code page does not define (and a character cut in two at a line end) stay as they
+  // are, in lines left alone and in lines that are edited.
+  std::string bytes = Crlf({"Attribute VB_Name = \"M\"", "Const A = \"\x80\xFF\"",
+                            "Const B = \"\xB9\xA4\" ' \xB9", "Sub S()", "End Sub"});
+  auto file = Module(bytes, FileKind::kModule, 936);
+  EXPECT_EQ(RenderThroughLines(*file), bytes);
+  ide::CodeModule& code = file->Code();
+  std::string line = code.Lines(2, 1);
+  EXPECT_EQ(line.substr(0, 15), "Const B = \"工\"");  // 0xB9 0xA4 is GBK for 工
+  line[6] = 'C';                                      // B becomes C
+  code.DeleteLines(2);
+  code.InsertLines(2, line);
+  EXPECT_EQ(file->Render(), Crlf({"Attribute VB_Name = \"M\"", "Const A = \"\x80\xFF\"",
+                                  "Const C = \"\xB9\xA4\" ' \xB9", "Sub S()", "End Sub"}));
 }
 
-}  // namespace
-
-namespace {
-
 // Headers with keys, blocks and versions we do not know are kept as they are; the code after
-// them is found all the same.
-TEST(ComponentFile, UnknownHeaderContentIsKeptAndTheCodeStillFound) {
+// them is found all the same, and a rename changes only the name.
+TEST(ComponentFile, UnknownHeaderContentIsKeptAndARenameChangesOnlyTheName) {
   std::string cls = Crlf({"VERSION 1.0 CLASS", "BEGIN", "  MultiUse = -1  'True",
                           "  FutureSetting = 7  'Unknown", "END", "Attribute VB_Name = \"CFuture\"",
                           "Attribute VB_Ext_KEY = \"SavedWithClassBuilder6\" ,\"Yes\"",
                           "Attribute VB_Future = 1", "Option Explicit", "Sub A()", "End Sub"});
-  auto c = Parse(cls, FileKind::kClass);
+  auto c = Module(cls, FileKind::kClass);
   EXPECT_EQ(c->Name(), "CFuture");
   EXPECT_EQ(c->Code().Lines(1, 1), "Option Explicit");
   EXPECT_EQ(RenderThroughLines(*c), cls);
@@ -205,7 +183,7 @@ TEST(ComponentFile, UnknownHeaderContentIsKeptAndTheCodeStillFound) {
             "         Mode            =   3", "         BeginProperty Item(1) ",
             "         EndProperty", "      EndProperty", "   End", "End",
             "Attribute VB_Name = \"frmOdd\"", "Private Sub Form_Load()", "End Sub"});
-  auto f = Parse(frm, FileKind::kForm);
+  auto f = Module(frm, FileKind::kForm);
   EXPECT_EQ(f->Name(), "frmOdd");
   ASSERT_EQ(f->Description().size(), 4u);
   EXPECT_EQ(f->Description()[1].type, "Vendor.Widget");
@@ -217,44 +195,36 @@ TEST(ComponentFile, UnknownHeaderContentIsKeptAndTheCodeStillFound) {
   EXPECT_NE(renamed.find("Begin VB.Form frmEven \r\n"), std::string::npos);
   EXPECT_NE(renamed.find("Attribute VB_Name = \"frmEven\"\r\n"), std::string::npos);
   EXPECT_EQ(renamed.size(), frm.size() + 2);  // only the two names changed
+  EXPECT_EQ(f->Name(), "frmEven");
+
+  // A module without a name line gets one.
+  auto bare = Module("Sub A()\r\nEnd Sub\r\n", FileKind::kModule);
+  bare->SetName("Helpers");
+  EXPECT_EQ(bare->Render(), "Attribute VB_Name = \"Helpers\"\r\nSub A()\r\nEnd Sub\r\n");
 }
 
-// Bytes the code page does not define (and a character cut in two at a line end) stay as they
-// are, in lines left alone and in lines that are edited.
-TEST(ComponentFile, BytesTheCodePageCannotDecodeSurviveEdits) {
-  std::string bytes = Crlf({"Attribute VB_Name = \"M\"", "Const A = \"\x80\xFF\"",
-                            "Const B = \"\xB9\xA4\" ' \xB9", "Sub S()", "End Sub"});
-  auto file = Parse(bytes, FileKind::kModule, 936);
-  EXPECT_EQ(RenderThroughLines(*file), bytes);
-  ide::CodeModule& code = file->Code();
-  std::string line = code.Lines(2, 1);
-  EXPECT_EQ(line.substr(0, 15), "Const B = \"工\"");  // 0xB9 0xA4 is GBK for 工
-  line[6] = 'C';                                      // B becomes C
-  code.DeleteLines(2);
-  code.InsertLines(2, line);
-  EXPECT_EQ(file->Render(), Crlf({"Attribute VB_Name = \"M\"", "Const A = \"\x80\xFF\"",
-                                  "Const C = \"\xB9\xA4\" ' \xB9", "Sub S()", "End Sub"}));
-}
-
-// Statements as long as real code has them: a heading continued over 24 lines, a comment
-// continued over 20,000 lines, a property line of a megabyte in the form description.
+// Statements as long as real code has them: a code line of a megabyte, a heading continued over
+// 24 lines, a comment continued over 20,000 lines, a property line of a megabyte in the form
+// description.
 TEST(ComponentFile, VeryLongStatementsAndLinesAreRead) {
-  std::string code = "Attribute VB_Name = \"M\"\r\nPublic Function Wide( _\r\n";
+  std::string code = "Attribute VB_Name = \"M\"\r\nConst S = \"" + std::string(1 << 20, 'x') +
+                     "\"\r\nPublic Function Wide( _\r\n";
   for (int i = 0; i < 23; ++i)
     code.append("    ByVal a").append(std::to_string(i)).append(" As Long, _\r\n");
   code += "    ByVal z As Long) As Long\r\nEnd Function\r\n' note _\r\n";
   for (int i = 0; i < 20000; ++i)
     code += "Sub NotAHeading() _\r\n";
   code += "End Sub\r\nSub After()\r\nEnd Sub\r\n";
-  auto m = Parse(code, FileKind::kModule);
+  auto m = Module(code, FileKind::kModule);
+  EXPECT_EQ(m->Code().CountOfDeclarationLines(), 1);
   EXPECT_EQ(m->Code().ProcCountLines("Wide", ProcKind::kProc), 26);
-  EXPECT_EQ(m->Code().ProcBodyLine("After", ProcKind::kProc), 20029);
-  EXPECT_EQ(m->Code().ProcStartLine("After", ProcKind::kProc), 27);
+  EXPECT_EQ(m->Code().ProcBodyLine("After", ProcKind::kProc), 20030);
+  EXPECT_EQ(m->Code().ProcStartLine("After", ProcKind::kProc), 28);
   EXPECT_EQ(RenderThroughLines(*m), code);
 
   std::string frm = "VERSION 5.00\r\nBegin VB.Form F \r\n   Tag             =   \"";
   frm.append(1 << 20, 'x').append("\"\r\nEnd\r\nAttribute VB_Name = \"F\"\r\n");
-  auto f = Parse(frm, FileKind::kForm);
+  auto f = Module(frm, FileKind::kForm);
   EXPECT_EQ(f->Name(), "F");
   EXPECT_EQ(f->Code().CountOfLines(), 0);
   EXPECT_EQ(RenderThroughLines(*f), frm);

@@ -1,6 +1,8 @@
 #pragma once
 // Builds code modules from literal text for the tests: the text is a .bas file's contents.
 
+#include <gtest/gtest.h>
+
 #include <memory>
 #include <string>
 #include <string_view>
@@ -11,8 +13,9 @@
 namespace idetest {
 
 inline std::unique_ptr<ide::ComponentFile> Module(std::string_view code,
-                                                  ide::FileKind kind = ide::FileKind::kModule) {
-  return ide::ComponentFile::Parse(std::string(code), kind, platform::GetCodePage(1252),
+                                                  ide::FileKind kind = ide::FileKind::kModule,
+                                                  int codePage = 1252) {
+  return ide::ComponentFile::Parse(std::string(code), kind, platform::GetCodePage(codePage),
                                    "test.bas");
 }
 
@@ -24,6 +27,32 @@ inline std::string Crlf(std::initializer_list<std::string_view> lines) {
     out += "\r\n";
   }
   return out;
+}
+
+// The module after edits answers as the same text read afresh: counts, every procedure's place,
+// and the owner of every line.
+inline void ExpectSameIndex(const ide::CodeModule& code, const ide::CodeModule& fresh) {
+  ASSERT_EQ(code.CountOfLines(), fresh.CountOfLines());
+  EXPECT_EQ(code.CountOfDeclarationLines(), fresh.CountOfDeclarationLines());
+  auto got = code.Procedures();
+  auto want = fresh.Procedures();
+  ASSERT_EQ(got.size(), want.size());
+  for (std::size_t i = 0; i < got.size(); ++i) {
+    SCOPED_TRACE(want[i].name);
+    EXPECT_EQ(got[i].name, want[i].name);
+    EXPECT_EQ(got[i].kind, want[i].kind);
+    EXPECT_EQ(got[i].startLine, want[i].startLine);
+    EXPECT_EQ(got[i].bodyLine, want[i].bodyLine);
+    EXPECT_EQ(got[i].countLines, want[i].countLines);
+    EXPECT_EQ(code.ProcCountLines(want[i].name, want[i].kind),
+              fresh.ProcCountLines(want[i].name, want[i].kind));
+  }
+  for (int32_t line = 1; line <= code.CountOfLines(); line += 3) {
+    ide::ProcKind a = ide::ProcKind::kProc;
+    ide::ProcKind b = ide::ProcKind::kProc;
+    EXPECT_EQ(code.ProcOfLine(line, a), fresh.ProcOfLine(line, b)) << "line " << line;
+    EXPECT_EQ(a, b);
+  }
 }
 
 }  // namespace idetest

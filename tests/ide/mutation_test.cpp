@@ -17,6 +17,7 @@
 #include "ide/model/component_file.h"
 #include "ide/model/designer_id.h"
 #include "ide/model/project_file.h"
+#include "module_text.h"
 #include "platform/codepage.h"
 #include "support/procedure_text.h"
 
@@ -40,33 +41,18 @@ std::vector<std::size_t> LineStarts(const std::string& bytes) {
 void Mutate(std::string& bytes, std::mt19937& random, std::string& what) {
   auto pick = [&](std::size_t n) { return n == 0 ? 0 : static_cast<std::size_t>(random() % n); };
   const std::size_t at = pick(bytes.size() + 1);
-  switch (random() % 8) {
-    case 0:
-      bytes.resize(at);
-      what += " cut at " + std::to_string(at);
-      return;
-    case 1:
-      bytes.insert(at, 1, '\r');
-      what += " CR at " + std::to_string(at);
-      return;
-    case 2:
-      bytes.insert(at, 1, '\n');
-      what += " LF at " + std::to_string(at);
-      return;
-    case 3:
-      bytes.insert(at, 1, '\0');
-      what += " NUL at " + std::to_string(at);
-      return;
-    case 4:
-      bytes.insert(at, 1, '\xFF');
-      what += " FF at " + std::to_string(at);
-      return;
-    case 5:
-      bytes.insert(at, "\r\n");
-      what += " CRLF at " + std::to_string(at);
-      return;
-    default:
-      break;
+  const std::size_t kind = random() % 8;
+  if (kind == 0) {
+    bytes.resize(at);
+    what += " cut at " + std::to_string(at);
+    return;
+  }
+  static const std::pair<std::string, const char*> kInserted[] = {
+      {"\r", "CR"}, {"\n", "LF"}, {std::string(1, '\0'), "NUL"}, {"\xFF", "FF"}, {"\r\n", "CRLF"}};
+  if (kind <= 5) {
+    bytes.insert(at, kInserted[kind - 1].first);
+    what += std::string(" ") + kInserted[kind - 1].second + " at " + std::to_string(at);
+    return;
   }
   // Duplicate or delete a whole line, line end included.
   std::vector<std::size_t> starts = LineStarts(bytes);
@@ -165,18 +151,8 @@ TEST(Mutation, DamagedFilesLoadOrFailCleanlyAndResaveByteForByte) {
     CodeModule& code = file->Code();
     Exercise(code);
     // After the write, the module answers as the same text read afresh.
-    {
-      auto fresh = ComponentFile::Parse(file->Render(), *fixture.kind, codePage, fixture.name);
-      EXPECT_EQ(code.CountOfDeclarationLines(), fresh->Code().CountOfDeclarationLines());
-      auto got = code.Procedures();
-      auto want = fresh->Code().Procedures();
-      ASSERT_EQ(got.size(), want.size());
-      for (std::size_t i = 0; i < got.size(); ++i) {
-        EXPECT_EQ(got[i].name, want[i].name);
-        EXPECT_EQ(got[i].startLine, want[i].startLine);
-        EXPECT_EQ(got[i].countLines, want[i].countLines);
-      }
-    }
+    idetest::ExpectSameIndex(
+        code, ComponentFile::Parse(file->Render(), *fixture.kind, codePage, fixture.name)->Code());
     ide::DesignerIdOf(*file);
     // Renamed, what the rewrite saves is a file the IDE reads again, under the new name.
     file->SetName("Renamed");

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <map>
 #include <sstream>
 
 #include "fixture_copy.h"
@@ -60,7 +59,7 @@ class Tool : public ::testing::Test {
   qxtest::TempHome home_;
 };
 
-TEST_F(Tool, DumpShowsEachComponentItsCodeAndProcedures) {
+TEST_F(Tool, DumpShowsEachComponentItsCodeAndProceduresAndFailsClearly) {
   const std::string vbp = Small();
   const std::string dir = fs::path(vbp).parent_path().string();
   const Outcome run = Dump(vbp);
@@ -85,27 +84,21 @@ TEST_F(Tool, DumpShowsEachComponentItsCodeAndProcedures) {
   EXPECT_EQ(one.status, ide::tool::kExitOk);
   EXPECT_EQ(one.out.rfind("component Util type=1", 0), 0u);
   EXPECT_EQ(one.out.find("component Main"), std::string::npos);
-}
 
-TEST_F(Tool, DumpFailsClearlyForAMissingProjectOrComponent) {
+  const Outcome absent = Dump(vbp, "NoSuchThing");
+  EXPECT_EQ(absent.status, ide::tool::kExitError);
+  EXPECT_EQ(absent.err.rfind("qxvb6: error 9: ", 0), 0u);
   const Outcome missing = Dump((home_.path() / "Nowhere.vbp").string());
   EXPECT_EQ(missing.status, ide::tool::kExitError);
   EXPECT_EQ(missing.out, "");
   EXPECT_EQ(missing.err.rfind("qxvb6: error 53: File not found: ", 0), 0u);
-
-  const Outcome absent = Dump(Small(), "NoSuchThing");
-  EXPECT_EQ(absent.status, ide::tool::kExitError);
-  EXPECT_EQ(absent.err.rfind("qxvb6: error 9: ", 0), 0u);
 }
 
 // Every fixture project, whatever its line ends, code page or damage, comes back byte for byte.
 TEST_F(Tool, ResaveLeavesEveryFixtureFileAsItWas) {
   const fs::path root = home_.path() / "fixtures";
   fs::copy(QX_FIXTURES, root, fs::copy_options::recursive);
-  std::map<fs::path, std::string> before;
-  for (const auto& entry : fs::recursive_directory_iterator(root)) {
-    if (entry.is_regular_file()) before[entry.path()] = ReadBytes(entry.path());
-  }
+  const auto before = idetest::Snapshot(root);
   int projects = 0;
   for (const auto& entry : fs::recursive_directory_iterator(root)) {
     if (entry.path().extension() != ".vbp") continue;
@@ -119,8 +112,7 @@ TEST_F(Tool, ResaveLeavesEveryFixtureFileAsItWas) {
     ++projects;
   }
   EXPECT_GE(projects, 10);
-  for (const auto& [path, bytes] : before)
-    EXPECT_EQ(ReadBytes(path), bytes) << path;
+  EXPECT_EQ(idetest::Snapshot(root), before);
 }
 
 // A wrong code page only shows text wrongly: the Japanese project resaved as Cyrillic, Chinese
@@ -128,16 +120,13 @@ TEST_F(Tool, ResaveLeavesEveryFixtureFileAsItWas) {
 TEST_F(Tool, ResaveInAWrongCodePageKeepsEveryByte) {
   const fs::path root = home_.path() / "sjis";
   fs::copy(fs::path(QX_FIXTURES) / "codepage" / "sjis", root, fs::copy_options::recursive);
-  std::map<fs::path, std::string> before;
-  for (const auto& entry : fs::directory_iterator(root))
-    before[entry.path()] = ReadBytes(entry.path());
+  const auto before = idetest::Snapshot(root);
   for (int wrong : {1251, 936, 1252}) {
     platform::SetCurrentCodePage(wrong);
     const Outcome run = Resave((root / "顧客管理.vbp").string());
     platform::ClearCurrentCodePage();
     EXPECT_EQ(run.out.find("changed "), std::string::npos) << wrong << "\n" << run.out;
-    for (const auto& [path, bytes] : before)
-      EXPECT_EQ(ReadBytes(path), bytes) << path << " in " << wrong;
+    EXPECT_EQ(idetest::Snapshot(root), before) << "in " << wrong;
   }
 }
 

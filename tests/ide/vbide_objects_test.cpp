@@ -28,7 +28,8 @@ class VbideObjects : public ::testing::Test {
   void Open(const std::string& fixture, const std::string& projectFile) {
     copy_ = std::make_unique<FixtureCopy>(fixture);
     ide_ = ide::Ide::Start(copy_->Path(projectFile));
-    ASSERT_TRUE(ide_->Problems().empty());
+    ASSERT_TRUE(ide_->Problems().empty());  // no vbaddin.ini: no add-ins, nothing to note
+    ASSERT_TRUE(ide_->AddIns().empty());
     components_ = Dispatch(Dispatch(ide_->VBProject()).Get("VBComponents").ToObject());
   }
   Dispatch Component(const automation::Variant& index) const {
@@ -43,20 +44,34 @@ class VbideObjects : public ::testing::Test {
 
 TEST_F(VbideObjects, ComponentsComeInProjectOrderByNumberOrName) {
   Open("ledger", "Ledger.vbp");
-  const std::vector<std::pair<std::string, int32_t>> expected{
-      {"frmMain", 5},  {"frmShell", 6}, {"modUtil", 1}, {"CAccount", 2},
-      {"ctlGauge", 8}, {"ppgGauge", 7}, {"docHome", 9}, {"dhtMain", 11}};
-  ASSERT_EQ(components_.Get("Count").ToLong(), static_cast<int32_t>(expected.size()));
+  const struct {
+    const char* name;
+    int32_t type;
+    const char* designer;
+    const char* file;
+  } expected[] = {
+      {"frmMain", 5, "VB.Form", "frmMain.frm"},
+      {"frmShell", 6, "VB.MDIForm", "frmShell.frm"},
+      {"modUtil", 1, "", "ModUtil.BAS"},  // found whatever the case of its file name
+      {"CAccount", 2, "", "CAccount.cls"},
+      {"ctlGauge", 8, "VB.UserControl", "ctlGauge.ctl"},
+      {"ppgGauge", 7, "VB.PropertyPage", "ppgGauge.pag"},
+      {"docHome", 9, "VB.UserDocument", "docHome.dob"},
+      {"dhtMain", 11, "DHTMLPageDesigner.DHTMLPage", "dhtMain.Dsr"},
+  };
+  ASSERT_EQ(components_.Get("Count").ToLong(), static_cast<int32_t>(std::size(expected)));
   for (int32_t i = 1; i <= components_.Get("Count").ToLong(); ++i) {
+    SCOPED_TRACE(expected[i - 1].name);
     Dispatch component = Component(i);
-    EXPECT_EQ(component.Get("Name").ToString(), expected[i - 1].first);
-    EXPECT_EQ(component.Get("Type").ToLong(), expected[i - 1].second);
+    EXPECT_EQ(component.Get("Name").ToString(), expected[i - 1].name);
+    EXPECT_EQ(component.Get("Type").ToLong(), expected[i - 1].type);
+    EXPECT_EQ(component.Get("DesignerID").ToString(), expected[i - 1].designer);
+    EXPECT_EQ(component.GetAt("FileNames", 1).ToString(), Path(expected[i - 1].file));
+    EXPECT_FALSE(component.Get("IsDirty").ToBool());
     // The same object however it is reached.
-    EXPECT_EQ(Component(expected[i - 1].first).object(), component.object());
+    EXPECT_EQ(Component(expected[i - 1].name).object(), component.object());
   }
-  EXPECT_EQ(Component("MODUTIL").GetAt("FileNames", 1).ToString(), Path("ModUtil.BAS"));
-  EXPECT_EQ(Component("dhtMain").Get("DesignerID").ToString(), "DHTMLPageDesigner.DHTMLPage");
-  EXPECT_EQ(Component("modUtil").Get("DesignerID").ToString(), "");
+  EXPECT_EQ(Component("MODUTIL").object(), Component(3).object());
   EXPECT_EQ(ErrorOf([&] { Component("frmNowhere"); }), 9);
   EXPECT_EQ(ErrorOf([&] { Component(0); }), 9);
   EXPECT_EQ(ErrorOf([&] { Component(9); }), 9);
@@ -72,6 +87,9 @@ TEST_F(VbideObjects, ComponentsComeInProjectOrderByNumberOrName) {
   EXPECT_EQ(Dispatch(account.Get("CodeModule").ToObject()).Get("Parent").ToObject(),
             account.object());
   Dispatch projects(vbe.Get("VBProjects").ToObject());
+  EXPECT_EQ(projects.Get("Count").ToLong(), 1);
+  EXPECT_EQ(vbe.Get("ActiveVBProject").ToObject(), ide_->VBProject());
+  EXPECT_EQ(Dispatch(ide_->VBProject()).Get("Name").ToString(), "Ledger");
   EXPECT_EQ(projects.Call("Item", 1).ToObject(), ide_->VBProject());
   EXPECT_EQ(projects.Call("Item", "ledger").ToObject(), ide_->VBProject());
   EXPECT_EQ(ErrorOf([&] { projects.Call("Item", 2); }), 9);
@@ -242,8 +260,12 @@ TEST_F(VbideObjects, UnreadableComponentsRaiseTheirLoadErrorOnlyWhereTheFileIsNe
   EXPECT_FALSE(table.Get("HasOpenDesigner").ToBool());
   EXPECT_EQ(ErrorOf([&] { table.Get("Type"); }), 321);
   EXPECT_EQ(ErrorOf([&] { table.Get("DesignerID"); }), 321);
-  EXPECT_EQ(ErrorOf([&] { table.Call("Activate"); }), 321);
+  const automation::Error error = qxtest::Caught([&] { table.Call("Activate"); });
+  EXPECT_EQ(error.Number(), 321);
+  EXPECT_NE(error.Description().find("Table.frm"), std::string::npos) << error.Description();
   EXPECT_FALSE(table.Get("HasOpenDesigner").ToBool());
+  EXPECT_EQ(ErrorOf([&] { Component(3).Get("CodeModule"); }), 321);  // header cut short
+  EXPECT_EQ(ErrorOf([&] { Component(5).Get("CodeModule"); }), 321);  // binary data
 
   // The others are not taken down with them.
   EXPECT_EQ(Dispatch(Component("Good").Get("CodeModule").ToObject()).Get("CountOfLines").ToLong(),
