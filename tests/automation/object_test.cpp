@@ -4,6 +4,7 @@
 
 #include "automation/error.h"
 #include "automation/process.h"
+#include "support/errors.h"
 
 namespace {
 
@@ -11,6 +12,7 @@ using automation::Args;
 using automation::Dispatch;
 using automation::Error;
 using automation::Variant;
+using qxtest::ErrorOf;
 
 class Counter : public automation::Object {
  public:
@@ -63,22 +65,14 @@ TEST(Object, MembersAreCalledByNameWithConversionsAndDefaults) {
 TEST(Object, BadCallsRaiseVbErrors) {
   auto c = std::make_shared<Counter>();
   Dispatch d(c);
-  auto number = [](auto&& f) {
-    try {
-      f();
-    } catch (const Error& e) {
-      return e.Number();
-    }
-    return 0;
-  };
-  EXPECT_EQ(number([&] { d.Call("Nope"); }), 438);
-  EXPECT_EQ(number([&] { d.Put("Name", "x"); }), 383);  // read-only property
-  EXPECT_EQ(number([&] { d.Call("Add"); }), 449);       // argument not optional
-  EXPECT_EQ(number([&] { d.Call("Add", 1, 2, 3); }), 450);
-  EXPECT_EQ(number([&] { d.Call("Add", "abc"); }), 13);
-  EXPECT_EQ(number([&] { Dispatch(nullptr).Get("Value"); }), 91);
-  EXPECT_EQ(number([&] { Dispatch(c, "IOther").Call("Reset"); }), 430);
-  EXPECT_EQ(number([&] { automation::CreateObject("No.SuchClass"); }), 429);
+  EXPECT_EQ(ErrorOf([&] { d.Call("Nope"); }), 438);
+  EXPECT_EQ(ErrorOf([&] { d.Put("Name", "x"); }), 383);  // read-only property
+  EXPECT_EQ(ErrorOf([&] { d.Call("Add"); }), 449);       // argument not optional
+  EXPECT_EQ(ErrorOf([&] { d.Call("Add", 1, 2, 3); }), 450);
+  EXPECT_EQ(ErrorOf([&] { d.Call("Add", "abc"); }), 13);
+  EXPECT_EQ(ErrorOf([&] { Dispatch(nullptr).Get("Value"); }), 91);
+  EXPECT_EQ(ErrorOf([&] { Dispatch(c, "IOther").Call("Reset"); }), 430);
+  EXPECT_EQ(ErrorOf([&] { automation::CreateObject("No.SuchClass"); }), 429);
 }
 
 TEST(Object, TypeInformationListsMembersInSlotOrder) {
@@ -113,15 +107,6 @@ TEST(Object, CreatableClassesAndOwningProcess) {
 }
 
 TEST(Object, ObjectsOfAnEndedOrVanishedProcessRaise462) {
-  auto number = [](auto&& f) {
-    try {
-      f();
-    } catch (const Error& e) {
-      EXPECT_EQ(e.Description(), "The remote server machine does not exist or is unavailable");
-      return e.Number();
-    }
-    return 0;
-  };
   auto server = automation::Process::Create("server");
   std::shared_ptr<Counter> ended;
   std::shared_ptr<Counter> vanished;
@@ -135,14 +120,16 @@ TEST(Object, ObjectsOfAnEndedOrVanishedProcessRaise462) {
   EXPECT_EQ(Dispatch(ended).Get("Value").ToLong(), 5);  // alive while its process runs
   server->End();
   // Every kind of call fails, before the member is even looked up.
-  EXPECT_EQ(number([&] { Dispatch(ended).Get("Value"); }), 462);
-  EXPECT_EQ(number([&] { Dispatch(ended).Put("Value", 1); }), 462);
-  EXPECT_EQ(number([&] { Dispatch(ended, "ICounter").Call("Reset"); }), 462);
-  EXPECT_EQ(number([&] { Dispatch(ended).Call("NoSuchMember"); }), 462);
+  const Error e = qxtest::Caught([&] { Dispatch(ended).Get("Value"); });
+  EXPECT_EQ(e.Number(), 462);
+  EXPECT_EQ(e.Description(), "The remote server machine does not exist or is unavailable");
+  EXPECT_EQ(ErrorOf([&] { Dispatch(ended).Put("Value", 1); }), 462);
+  EXPECT_EQ(ErrorOf([&] { Dispatch(ended, "ICounter").Call("Reset"); }), 462);
+  EXPECT_EQ(ErrorOf([&] { Dispatch(ended).Call("NoSuchMember"); }), 462);
   EXPECT_EQ(ended->Value(), 5);
   // A process object that is gone altogether counts as ended.
   EXPECT_EQ(vanished->Owner(), nullptr);
-  EXPECT_EQ(number([&] { Dispatch(vanished).Get("Value"); }), 462);
+  EXPECT_EQ(ErrorOf([&] { Dispatch(vanished).Get("Value"); }), 462);
   // Objects of the running process are not affected.
   EXPECT_EQ(Dispatch(std::make_shared<Counter>()).Get("Value").ToLong(), 0);
 }

@@ -200,7 +200,7 @@ TEST(MatcherTest, ReplacementExpandsGroupsAndDollars) {
   EXPECT_EQ(r.Expand("x: Call Foo", m), "Foo()");
 }
 
-TEST(MatcherTest, ReplacementNamingAMissingGroupRaises) {
+TEST(MatcherTest, BadPatternsAndReplacementsRaiseNamingTheFault) {
   Matcher matcher("(?<word>\\w+) (\\d)", {});
   auto error = Caught([&] { Replacement("$3", matcher); });
   EXPECT_EQ(error.Number(), host::scan::kInvalidPattern);
@@ -213,10 +213,9 @@ TEST(MatcherTest, ReplacementNamingAMissingGroupRaises) {
             "Invalid pattern string: replacement \"$2x\": no group named \"2x\" in the pattern "
             "(write ${2}x for group 2 followed by \"x\")");
   EXPECT_EQ(Caught([&] { Replacement("${2}x $word", matcher); }).Number(), 0);
-}
 
-TEST(MatcherTest, PatternThatDoesNotCompileRaisesWithPcreMessage) {
-  auto error = Caught([] { Matcher("Foo(", {}); });
+  // A pattern that does not compile raises with PCRE2's message.
+  error = Caught([] { Matcher("Foo(", {}); });
   EXPECT_EQ(error.Number(), host::scan::kInvalidPattern);
   EXPECT_EQ(error.Description(),
             "Invalid pattern string: \"Foo(\": missing closing parenthesis at offset 4");

@@ -33,9 +33,15 @@ class ProblemLogTest : public ::testing::Test {
   }
 };
 
-TEST_F(ProblemLogTest, RecordsProblemsWithSiteAndContext) {
+TEST_F(ProblemLogTest, RecordsProblemsWithSiteAndContextAndIsHeldByALink) {
   ObjectRef logRef = automation::CreateObject("qxlib41.ProblemLog");
   Dispatch log(logRef);
+  // A log link holds the log it is given.
+  Dispatch link(automation::CreateObject("qxlib41.ProblemLogLink"));
+  EXPECT_EQ(link.Get("ProblemLog").ToObject(), nullptr);
+  Args linked{logRef};
+  link.CallArgs("Link", linked);
+  EXPECT_EQ(link.Get("ProblemLog").ToObject(), logRef);
 
   ObjectRef problem = automation::CreateObject("qxlib41.Problem");
   Dispatch(problem).Call("SetError", -32767, "It failed.", "help.chm", 12, "qxvb60", "Form",
@@ -133,15 +139,6 @@ TEST_F(ProblemLogTest, ProblemFromAnotherProcessIsCopied) {
   EXPECT_EQ(log.Problems()[0]->Number(), 75);
   EXPECT_EQ(log.Problems()[0]->ProcName(), "far");
   EXPECT_EQ(log.Problems()[0]->SiteName(), "far.site");
-}
-
-TEST_F(ProblemLogTest, LogLinkHoldsTheLog) {
-  Dispatch link(automation::CreateObject("qxlib41.ProblemLogLink"));
-  EXPECT_EQ(link.Get("ProblemLog").ToObject(), nullptr);
-  ObjectRef log = automation::CreateObject("qxlib41.ProblemLog");
-  Args args{log};
-  link.CallArgs("Link", args);
-  EXPECT_EQ(link.Get("ProblemLog").ToObject(), log);
 }
 
 }  // namespace

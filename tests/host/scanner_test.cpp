@@ -237,11 +237,20 @@ TEST_F(ScannerTest, ScopesChooseBetweenTheNameAndTheCode) {
   EXPECT_EQ(module->nameReads, 2);  // the code scope never reads the name
 }
 
+// Replacing without writing, or in a component that cannot be written, shows the new text and
+// changes nothing.
 TEST_F(ScannerTest, ReplacingWithoutWritingShowsTheNewTextAndChangesNothing) {
-  const json result = Scan({{"patterns", {"m(Total)"}}, {"replacement", "count$1"}});
-  EXPECT_EQ(result["places"][1]["replacement"],
+  const json preview = Scan({{"patterns", {"m(Total)"}}, {"replacement", "count$1"}});
+  EXPECT_EQ(preview["places"][1]["replacement"],
             "Public Sub AddItem()\r\n  countTotal = countTotal + 1\r\nEnd Sub");
+  EXPECT_EQ(preview["places"][1]["written"], false);
+
+  const json result =
+      Scan({{"patterns", {"mTotal"}}, {"replacement", "x"}, {"write", true}}, false);
+  EXPECT_EQ(result["updatable"], false);
+  EXPECT_EQ(result["places"][1]["replacement"], "Public Sub AddItem()\r\n  x = x + 1\r\nEnd Sub");
   EXPECT_EQ(result["places"][1]["written"], false);
+  EXPECT_EQ(result["places"][1]["error"], nullptr);
   EXPECT_TRUE(module->modeCalls.empty());
   EXPECT_EQ(module->Procedure(1).writes, 0);
 }
@@ -308,17 +317,6 @@ TEST_F(ScannerTest, ARefusedSwitchToWritingIsTheErrorOfEveryChangeAndNothingIsWr
   EXPECT_EQ(module->modeCalls, std::vector<int32_t>{2});
   EXPECT_EQ(module->nameWrites, 0);
   EXPECT_TRUE(result["problems"].empty());
-}
-
-TEST_F(ScannerTest, AComponentThatCannotBeWrittenIsOnlySearched) {
-  const json result =
-      Scan({{"patterns", {"mTotal"}}, {"replacement", "x"}, {"write", true}}, false);
-  EXPECT_EQ(result["updatable"], false);
-  EXPECT_EQ(result["places"][1]["replacement"], "Public Sub AddItem()\r\n  x = x + 1\r\nEnd Sub");
-  EXPECT_EQ(result["places"][1]["written"], false);
-  EXPECT_EQ(result["places"][1]["error"], nullptr);
-  EXPECT_TRUE(module->modeCalls.empty());
-  EXPECT_EQ(module->Procedure(1).writes, 0);
 }
 
 TEST_F(ScannerTest, APlaceThatCannotBeReadIsAProblemAndTheWalkGoesOn) {

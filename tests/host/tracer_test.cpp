@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <optional>
 #include <sstream>
 
 #include "automation/object.h"
@@ -17,28 +16,13 @@ namespace {
 using automation::Args;
 using automation::Dispatch;
 
-// Sets an environment variable for one scope.
-class EnvVar {
- public:
-  EnvVar(const char* name, const char* value) : name_(name) {
-    if (const char* old = std::getenv(name)) old_ = old;
-    if (value) {
-      ::setenv(name, value, 1);
-    } else {
-      ::unsetenv(name);
-    }
+// Each test sets the variables that switch tracing; they are cleared after it.
+class Tracer : public ::testing::Test {
+ protected:
+  void TearDown() override {
+    ::unsetenv("QX_TRACE");
+    ::unsetenv("QX_TRACE_FILE");
   }
-  ~EnvVar() {
-    if (old_) {
-      ::setenv(name_, old_->c_str(), 1);
-    } else {
-      ::unsetenv(name_);
-    }
-  }
-
- private:
-  const char* name_;
-  std::optional<std::string> old_;
 };
 
 void Enter(const Dispatch& tracer, const std::string& site) {
@@ -47,9 +31,8 @@ void Enter(const Dispatch& tracer, const std::string& site) {
   EXPECT_EQ(args[0].ToString(), site);
 }
 
-TEST(Tracer, WritesTheNestedCallTree) {
-  EnvVar trace("QX_TRACE", "1");
-  EnvVar file("QX_TRACE_FILE", nullptr);
+TEST_F(Tracer, WritesTheNestedCallTree) {
+  ::setenv("QX_TRACE", "1", 1);
   auto tracer = std::make_shared<host::Tracer>();
   std::ostringstream out;
   tracer->SetSink(&out);
@@ -88,12 +71,12 @@ TEST(Tracer, WritesTheNestedCallTree) {
   tracer->SetSink(nullptr);
 }
 
-TEST(Tracer, SwitchedByTheEnvironmentAndOnePerProcess) {
+TEST_F(Tracer, SwitchedByTheEnvironmentAndOnePerProcess) {
   host::RegisterClasses();
   qxtest::TempDir dir;
   const std::string traceFile = (dir.path() / "trace.txt").string();
   {
-    EnvVar trace("QX_TRACE", "0");
+    ::setenv("QX_TRACE", "0", 1);
     auto off = std::make_shared<host::Tracer>();
     EXPECT_FALSE(off->IsEnabled());
     std::ostringstream out;
@@ -104,8 +87,8 @@ TEST(Tracer, SwitchedByTheEnvironmentAndOnePerProcess) {
     EXPECT_EQ(out.str(), "");
   }
   {
-    EnvVar trace("QX_TRACE", "1");
-    EnvVar file("QX_TRACE_FILE", traceFile.c_str());
+    ::setenv("QX_TRACE", "1", 1);
+    ::setenv("QX_TRACE_FILE", traceFile.c_str(), 1);
     auto process = automation::Process::Create("traced");
     automation::Process::Scope scope(process);
     auto tracer = automation::CreateObject("qxlib41.Tracer");

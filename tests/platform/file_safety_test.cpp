@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "platform/files.h"
+#include "support/errors.h"
 #include "support/temp_home.h"
 #include "test_files.h"
 
@@ -23,17 +24,9 @@ namespace fs = std::filesystem;
 namespace {
 
 using platform::WriteStep;
-using platformtest::ErrorNumber;
-using platformtest::ErrorText;
-
-// The names in a folder, sorted.
-std::vector<std::string> Names(const fs::path& folder) {
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(folder))
-    names.push_back(entry.path().filename().string());
-  std::sort(names.begin(), names.end());
-  return names;
-}
+using platformtest::Names;
+using qxtest::Caught;
+using qxtest::ErrorOf;
 
 // Removes the fault hook when the test ends, also when it fails.
 struct FaultHook {
@@ -48,26 +41,23 @@ TEST(FileSafety, OnlyRegularFilesAreRead) {
   const fs::path fifo = dir.path() / "Pipe.bas";
   ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
   // Would wait for a writer forever if it were opened for reading.
-  EXPECT_EQ(ErrorNumber([&] { platform::ReadFile(fifo.string()); }), 75);
-  EXPECT_NE(ErrorText([&] { platform::ReadFile(fifo.string()); }).find("FIFO"), std::string::npos);
+  EXPECT_EQ(ErrorOf([&] { platform::ReadFile(fifo.string()); }), 75);
+  EXPECT_NE(Caught([&] { platform::ReadFile(fifo.string()); }).Description().find("FIFO"),
+            std::string::npos);
   // Would fill memory if it were read to its end; reached through ".." as a project can name it.
   std::string zero = dir.path().string();
   for (auto it = dir.path().begin(); it != dir.path().end(); ++it)
     zero += "/..";
   zero += "/dev/zero";
-  EXPECT_NE(ErrorText([&] { platform::ReadFile(zero); }).find("a device"), std::string::npos);
-  EXPECT_EQ(ErrorNumber([&] { platform::WriteFileAtomic(fifo.string(), "x"); }), 75);
+  EXPECT_NE(Caught([&] { platform::ReadFile(zero); }).Description().find("a device"),
+            std::string::npos);
+  EXPECT_EQ(ErrorOf([&] { platform::WriteFileAtomic(fifo.string(), "x"); }), 75);
 
   platformtest::WriteBytes(dir.path() / "big.frx", std::string(100, 'x'));
-  EXPECT_EQ(ErrorNumber([&] { platform::ReadFile((dir.path() / "big.frx").string(), 99); }), 75);
-  EXPECT_EQ(platform::ReadFile((dir.path() / "big.frx").string(), 100).size(), 100u);
-}
-
-TEST(FileSafety, ReadBytesHoldNoMoreMemoryThanTheFile) {
-  qxtest::TempDir dir;
-  platformtest::WriteBytes(dir.path() / "small.bas", std::string(40, 'x'));
-  const std::string bytes = platform::ReadFile((dir.path() / "small.bas").string());
-  EXPECT_EQ(bytes.size(), 40u);
+  EXPECT_EQ(ErrorOf([&] { platform::ReadFile((dir.path() / "big.frx").string(), 99); }), 75);
+  // The bytes read hold no more memory than the file.
+  const std::string bytes = platform::ReadFile((dir.path() / "big.frx").string(), 100);
+  EXPECT_EQ(bytes.size(), 100u);
   EXPECT_LT(bytes.capacity(), 128u);
 }
 
@@ -87,9 +77,8 @@ TEST(FileSafety, FailingStepsLeaveTheOldFileWhole) {
   };
   for (const auto& c : cases) {
     FaultHook hook([&](WriteStep step) { return step == c.step ? c.error : 0; });
-    EXPECT_EQ(
-        ErrorNumber([&] { platform::WriteFileAtomic(file.string(), std::string(200000, 'n')); }),
-        c.number)
+    EXPECT_EQ(ErrorOf([&] { platform::WriteFileAtomic(file.string(), std::string(200000, 'n')); }),
+              c.number)
         << static_cast<int>(c.step);
     EXPECT_EQ(platformtest::ReadBytes(file), old);
     EXPECT_EQ(Names(dir.path()), std::vector<std::string>{"Module1.bas"});

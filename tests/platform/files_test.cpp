@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <ctime>
 
+#include "support/errors.h"
 #include "support/temp_home.h"
 #include "test_files.h"
 
@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using platformtest::ErrorNumber;
+using qxtest::ErrorOf;
 
 std::string Win(const fs::path& path) {
   std::string text = path.string();
@@ -55,8 +55,8 @@ TEST(Files, AttributesAndTimes) {
             (std::vector<int>{2021, 3, 4, 15, 6, 7}));
 
   const std::string missing = Win(home.path() / "gone.bas");
-  EXPECT_EQ(ErrorNumber([&] { platform::GetAttr(missing); }), 53);
-  EXPECT_EQ(ErrorNumber([&] { platform::FileDateTime(missing); }), 53);
+  EXPECT_EQ(ErrorOf([&] { platform::GetAttr(missing); }), 53);
+  EXPECT_EQ(ErrorOf([&] { platform::FileDateTime(missing); }), 53);
 }
 
 TEST(Files, ReadFileGivesBytesOrVbErrors) {
@@ -66,8 +66,8 @@ TEST(Files, ReadFileGivesBytesOrVbErrors) {
   EXPECT_EQ(platform::ReadFile(Win(home.path() / "F.FRX")), bytes);
   platformtest::WriteBytes(home.path() / "empty", "");
   EXPECT_EQ(platform::ReadFile((home.path() / "empty").string()), "");
-  EXPECT_EQ(ErrorNumber([&] { platform::ReadFile(Win(home.path() / "none.frx")); }), 53);
-  EXPECT_EQ(ErrorNumber([&] { platform::ReadFile(home.path().string()); }), 75);
+  EXPECT_EQ(ErrorOf([&] { platform::ReadFile(Win(home.path() / "none.frx")); }), 53);
+  EXPECT_EQ(ErrorOf([&] { platform::ReadFile(home.path().string()); }), 75);
 }
 
 TEST(Files, AtomicWriteReplacesKeepsModeAndFailsCleanly) {
@@ -84,19 +84,15 @@ TEST(Files, AtomicWriteReplacesKeepsModeAndFailsCleanly) {
   EXPECT_EQ(platformtest::ReadBytes(home.path() / "Proj/New.bas"), "created");
 
   fs::permissions(file, fs::perms::owner_read);
-  EXPECT_EQ(ErrorNumber([&] { platform::WriteFileAtomic(file.string(), "lost"); }), 70);
+  EXPECT_EQ(ErrorOf([&] { platform::WriteFileAtomic(file.string(), "lost"); }), 70);
   EXPECT_EQ(platformtest::ReadBytes(file), "new contents");
-  EXPECT_EQ(ErrorNumber([&] { platform::WriteFileAtomic(Win(home.path() / "Proj"), "x"); }), 75);
-  EXPECT_EQ(
-      ErrorNumber([&] { platform::WriteFileAtomic(Win(home.path() / "No/Such/f.bas"), "x"); }), 76);
+  EXPECT_EQ(ErrorOf([&] { platform::WriteFileAtomic(Win(home.path() / "Proj"), "x"); }), 75);
+  EXPECT_EQ(ErrorOf([&] { platform::WriteFileAtomic(Win(home.path() / "No/Such/f.bas"), "x"); }),
+            76);
 
   // No temporary file is left behind, whether the write worked or not.
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(home.path() / "Proj")) {
-    names.push_back(entry.path().filename().string());
-  }
-  std::sort(names.begin(), names.end());
-  EXPECT_EQ(names, (std::vector<std::string>{"Main.frm", "New.bas"}));
+  EXPECT_EQ(platformtest::Names(home.path() / "Proj"),
+            (std::vector<std::string>{"Main.frm", "New.bas"}));
 }
 
 TEST(Files, DirListsLikeWindows) {

@@ -3,42 +3,25 @@
 #include <gtest/gtest.h>
 
 #include "platform/registry_file.h"
+#include "support/errors.h"
 #include "support/temp_home.h"
 #include "test_files.h"
 
 namespace fs = std::filesystem;
 using platform::Registry;
-using platformtest::ErrorNumber;
-using platformtest::ErrorText;
+using qxtest::Caught;
+using qxtest::ErrorOf;
 
 namespace {
 
-class EnvironmentVariable {
- public:
-  EnvironmentVariable(const char* name, const char* value) : name_(name) {
-    if (const char* old = std::getenv(name)) previous_ = old;
-    ::setenv(name, value, 1);
-  }
-  ~EnvironmentVariable() {
-    if (previous_) {
-      ::setenv(name_, previous_->c_str(), 1);
-    } else {
-      ::unsetenv(name_);
-    }
-  }
-
- private:
-  const char* name_;
-  std::optional<std::string> previous_;
-};
-
 TEST(Registry, AFreshHomeIsSeededAsAVb6Machine) {
   qxtest::TempHome home;
-  EnvironmentVariable ide("QX_VB6_EXE", "/opt/qx/bin/qxvb6.exe");
+  ::setenv("QX_VB6_EXE", "/opt/qx/bin/qxvb6.exe", 1);
   Registry& registry = Registry::Instance();
   EXPECT_EQ(registry.ReadValue("HKEY_CURRENT_USER\\Software\\Microsoft\\Visual Basic\\6.0",
                                "BackgroundProjectLoad"),
             "0");
+  ::unsetenv("QX_VB6_EXE");  // read once, when the home was seeded
   EXPECT_EQ(registry.ReadValue("HKEY_CLASSES_ROOT\\VisualBasic.Project\\shell\\open\\command", ""),
             "\"z:\\opt\\qx\\bin\\qxvb6.exe\" \"%1\"");
   // Identifiers as projects write them, in either case, with or without a trailing separator.
@@ -99,8 +82,8 @@ TEST(Registry, HandEditedFilesAreReadAndKeptWhenWriting) {
             "\n"
             "[HKEY_LOCAL_MACHINE\\Software\\Empty]\n"
             "\n");
-  EXPECT_EQ(ErrorNumber([&] { registry.WriteValue("HKEY_NOWHERE\\x", "v", "t"); }), 5);
-  EXPECT_EQ(ErrorNumber([&] { registry.WriteValue("HKCU\\x", "v", "two\nlines"); }), 5);
+  EXPECT_EQ(ErrorOf([&] { registry.WriteValue("HKEY_NOWHERE\\x", "v", "t"); }), 5);
+  EXPECT_EQ(ErrorOf([&] { registry.WriteValue("HKCU\\x", "v", "two\nlines"); }), 5);
 }
 
 TEST(Registry, FollowsTheHomeFolderAndEditsOnDisk) {
@@ -123,7 +106,7 @@ TEST(Registry, MalformedFilesNameTheFileAndLine) {
   const fs::path file = home.path() / "registry.reg";
   const auto errorFor = [&](const std::string& text) {
     platformtest::WriteBytes(file, text);
-    return ErrorText([] { Registry::Instance().KeyExists("HKCR\\TypeLib"); });
+    return Caught([] { Registry::Instance().KeyExists("HKCR\\TypeLib"); }).Description();
   };
   const std::string name = file.string();
   EXPECT_EQ(errorFor("[HKCR\\x]\n"), "Invalid procedure call or argument: " + name +

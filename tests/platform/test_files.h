@@ -1,14 +1,14 @@
 #pragma once
 // Small helpers for the platform tests: bytes written and read directly, bypassing the shim,
-// and the error a call raises.
+// and the names in a folder.
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <string_view>
-
-#include "automation/error.h"
+#include <vector>
 
 namespace platformtest {
 
@@ -23,26 +23,13 @@ inline std::string ReadBytes(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-// The VB error number a call raises, or 0 when it raises nothing.
-template <typename F>
-int ErrorNumber(F&& call) {
-  try {
-    call();
-  } catch (const automation::Error& e) {
-    return e.Number();
-  }
-  return 0;
-}
-
-// The description of the error a call raises, or "" when it raises nothing.
-template <typename F>
-std::string ErrorText(F&& call) {
-  try {
-    call();
-  } catch (const automation::Error& e) {
-    return e.Description();
-  }
-  return {};
+// The names in a folder, sorted.
+inline std::vector<std::string> Names(const std::filesystem::path& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder))
+    names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 }  // namespace platformtest
