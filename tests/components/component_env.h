@@ -87,10 +87,6 @@ class ComponentEnv : public ::testing::Test {
   static constexpr const char* kThing =
       "VERSION 1.0 CLASS\r\nBEGIN\r\n  MultiUse = -1  'True\r\nEND\r\n"
       "Attribute VB_Name = \"Thing\"\r\n"
-      "Attribute VB_GlobalNameSpace = False\r\n"
-      "Attribute VB_Creatable = True\r\n"
-      "Attribute VB_PredeclaredId = False\r\n"
-      "Attribute VB_Exposed = False\r\n"
       "Option Explicit\r\n"
       "Private mValue As Long\r\n"
       "\r\n"
