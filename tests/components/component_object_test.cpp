@@ -184,13 +184,8 @@ TEST_F(ScanTest, TheScannerGetsTheObjectInReadingModeAndTheChangesAreSavedAfter)
   };
   Scan(module, "Code");
   ASSERT_EQ(scans_.size(), 1u);
-  const qxtest::ScanCall& call = scans_.front();
-  EXPECT_EQ(call.projectName, "Sample");
-  EXPECT_EQ(call.collectionName, "Modules");
-  EXPECT_EQ(call.objectName, "Code");
-  EXPECT_TRUE(call.objectIsUpdatable);
-  EXPECT_EQ(call.object, module);
-  EXPECT_EQ(call.scanBufferName, "qx-scan-1");
+  EXPECT_EQ(scans_.front().arguments, "Sample|Modules|Code|updatable|qx-scan-1");
+  EXPECT_EQ(scans_.front().object, module);
   EXPECT_EQ(modeDuringScan, 1);
   EXPECT_EQ(alphaText, "Sub Alpha()\r\n    Counter = 1\r\nEnd Sub");
   EXPECT_EQ(ModeOf(module), 0);
@@ -202,7 +197,7 @@ TEST_F(ScanTest, TheScannerGetsTheObjectInReadingModeAndTheChangesAreSavedAfter)
   TypeInto("Thing");
   Scan(Get("GetClassModule", "Thing"), "Thing");
   ASSERT_EQ(scans_.size(), 1u);
-  EXPECT_EQ(scans_.front().collectionName, "ClassModules");
+  EXPECT_EQ(scans_.front().arguments, "Sample|ClassModules|Thing|updatable|qx-scan-1");
   EXPECT_NE(Bytes("Thing.cls").find("' typed in the IDE\r\n"), std::string::npos);
 }
 

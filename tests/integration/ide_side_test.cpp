@@ -155,7 +155,7 @@ class IdeSide : public ::testing::Test {
   std::shared_ptr<project::Connection> connection_;
 };
 
-TEST_F(IdeSide, TheAddInRegistersEachSavedProjectUnderItsFileUntilItIsRemoved) {
+TEST_F(IdeSide, TheAddInRegistersEachSavedProjectInOrderUnderItsFileUntilItIsRemoved) {
   EXPECT_EQ(contracts::HostUtility::Get().GetRegisteredObject(vbp_), nullptr);
   StartIde();
   EXPECT_EQ(connection_->Owner(), ide_->Process());
@@ -170,18 +170,10 @@ TEST_F(IdeSide, TheAddInRegistersEachSavedProjectUnderItsFileUntilItIsRemoved) {
   EXPECT_EQ(host.GetRegisteredObject(shouted), entry.dispatcher);
   EXPECT_EQ(Dispatch(entry.dispatcher).Get("VBProject").ToObject(), ide_->VBProject());
 
-  // Ending the IDE removes the project: the dispatcher is torn down and withdrawn.
-  ide_->End();
-  EXPECT_TRUE(connection_->Entries().empty());
-  EXPECT_EQ(host.GetRegisteredObject(vbp_), nullptr);
-}
-
-TEST_F(IdeSide, TheTableKeepsItsOrderAndRemovesEveryEntryOfAPathInAnyCase) {
-  for (const char* name : {"A", "B", "C", "D"}) {
+  // The table keeps its order and removes every entry of a path in any case.
+  for (const char* name : {"A", "B", "C", "D"})
     DriverEnv::Write(env_.work() / (std::string(name) + ".vbp"), "Type=Exe\r\n");
-  }
   const auto path = [&](const char* name) { return (env_.work() / name).string(); };
-  StartIde();
   OpenInIde(path("A.vbp"));
   OpenInIde(path("B.vbp"));
   OpenInIde(path("C.vbp"));
@@ -204,14 +196,20 @@ TEST_F(IdeSide, TheTableKeepsItsOrderAndRemovesEveryEntryOfAPathInAnyCase) {
   Raise("ItemRemoved", std::make_shared<StubProject>(shoutedB));
   EXPECT_EQ(TablePaths(), (std::vector<std::string>{vbp_, path("A.vbp"), path("C.vbp")}));
   EXPECT_EQ(Dispatch(dispatcherB).Get("VBProject").ToObject(), nullptr);  // torn down
-  EXPECT_EQ(contracts::HostUtility::Get().GetRegisteredObject(path("B.vbp")), nullptr);
-  EXPECT_NE(contracts::HostUtility::Get().GetRegisteredObject(path("C.vbp")), nullptr);
+  EXPECT_EQ(host.GetRegisteredObject(path("B.vbp")), nullptr);
+  EXPECT_NE(host.GetRegisteredObject(path("C.vbp")), nullptr);
 
   Raise("ItemRemoved", d);  // no entry: nothing changes
   EXPECT_EQ(TablePaths().size(), 3u);
   // A project never saved gets no dispatcher.
   Raise("ItemAdded", std::make_shared<StubProject>(""));
   EXPECT_EQ(TablePaths().size(), 3u);
+
+  // Ending the IDE removes every project: the dispatchers are torn down and withdrawn.
+  ide_->End();
+  EXPECT_TRUE(connection_->Entries().empty());
+  EXPECT_EQ(host.GetRegisteredObject(vbp_), nullptr);
+  EXPECT_EQ(host.GetRegisteredObject(path("C.vbp")), nullptr);
 }
 
 TEST_F(IdeSide, AnotherIdeVersionAndFailingHandlersChangeNothingAndAreLogged) {
