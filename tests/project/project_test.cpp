@@ -48,7 +48,7 @@ class ProjectTest : public ::testing::Test {
   int folders_ = 0;
 };
 
-TEST_F(ProjectTest, GetProjectCachesByParameterText) {
+TEST_F(ProjectTest, GetProjectCachesByParameterTextButNotAFailure) {
   const auto folder = Folder({{"A.vbp", "Type=Exe\r\n"}});
   const ObjectRef a = Open(folder / "A.vbp");
   EXPECT_EQ(Open(folder / "A.vbp"), a);
@@ -60,11 +60,10 @@ TEST_F(ProjectTest, GetProjectCachesByParameterText) {
   EXPECT_NE(c, b);
   EXPECT_EQ(GetProject("filename=" + (folder / "A.vbp").string()), c);
   EXPECT_EQ(Dispatch(a).Get("FileName").ToString(), (folder / "A.vbp").string());
-}
 
-TEST_F(ProjectTest, MissingProjectFileFailsWithTwoTrailLinesAndIsNotCached) {
+  // A missing project file fails with two trail lines and is not cached.
   const std::string path = (env_.work() / "Nope.vbp").string();
-  auto e = Caught([&] { GetProject("FileName=" + path); });
+  const auto e = Caught([&] { GetProject("FileName=" + path); });
   EXPECT_EQ(e.Number(), -32767);
   EXPECT_EQ(e.Description(), "File not found: " + path +
                                  "\r\n\r\nPROGRAM CONTEXT:\r\n"

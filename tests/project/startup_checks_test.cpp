@@ -47,7 +47,7 @@ TEST_F(StartupChecks, BackgroundLoadingMustBeOff) {
   project::CheckBackgroundLoading();
 }
 
-TEST_F(StartupChecks, ProjectFileCheckFindsEveryPiece) {
+TEST_F(StartupChecks, ProjectFileCheckFindsEveryPieceOrReportsTheFirstMissingLine) {
   DriverEnv::Write(env_.work() / "Form1.frm", "x");
   DriverEnv::Write(env_.work() / "Res.res", "x");
   DriverEnv::Write(env_.work() / "MSCOMCTL.OCX", "x");
@@ -60,15 +60,13 @@ TEST_F(StartupChecks, ProjectFileCheckFindsEveryPiece) {
                            "..\\..\\WINDOWS\\system32\\stdole2.tlb#OLE Automation\r\n"
                            "Title=\"no = check\"\r\nno equals sign here\r\n"),
             "");
-}
 
-TEST_F(StartupChecks, ProjectFileCheckReportsTheFirstMissingLine) {
+  // The first missing line is reported.
   const std::string lines =
       "Type=Exe\r\n"
       "Form=Form1.frm\r\n"
       "Module=Gone; Gone.bas\r\n"
       "Module=AlsoGone; AlsoGone.bas\r\n";
-  DriverEnv::Write(env_.work() / "Form1.frm", "x");
   EXPECT_EQ(MissingMessage(lines),
             "One of the components used in the project (or referenced by the project) is "
             "missing. The component is referenced on line 3 of the Visual Basic Project (VBP) "
@@ -122,15 +120,6 @@ TEST_F(StartupChecks, AddInEntryIsWrittenEveryTime) {
   EXPECT_EQ(ini.find("qxvb60.Connection"), ini.rfind("qxvb60.Connection"));
 }
 
-TEST_F(StartupChecks, FindFileSearchesToItsDepth) {
-  const auto root = env_.work() / "root";
-  DriverEnv::Write(root / "a" / "b" / "vb6.exe", "x");
-  const std::string folder = root.string();
-  EXPECT_EQ(project::FindFile(folder, "vb6.exe", 2), "");
-  EXPECT_EQ(project::FindFile(folder, "vb6.exe", 3), folder + "\\a\\b\\vb6.exe");
-  EXPECT_EQ(project::FindFile(folder + "\\a\\b", "VB6.EXE", 1), folder + "\\a\\b\\vb6.exe");
-}
-
 TEST_F(StartupChecks, ExecutableComesFromTheFileAssociationOnce) {
   platform::Registry::Instance().WriteValue(kOpenCommand, "",
                                             "\"c:\\Tools\\VB98\\vb6.exe\" \"%1\"");
@@ -139,10 +128,17 @@ TEST_F(StartupChecks, ExecutableComesFromTheFileAssociationOnce) {
   EXPECT_EQ(project::VB6EXEPath(), "c:\\Tools\\VB98\\vb6.exe");  // resolved once per process
 }
 
-TEST_F(StartupChecks, CapitalisedAssociationFallsBackToTheSearch) {
+TEST_F(StartupChecks, CapitalisedAssociationFallsBackToTheSearchToItsDepth) {
   platform::Registry::Instance().WriteValue(kOpenCommand, "", "C:\\VB98\\VB6.EXE \"%1\"");
   DriverEnv::Write(env_.home() / "drive_c" / "x" / "y" / "vb6.exe", "x");
   EXPECT_EQ(project::VB6EXEPath(), "c:\\x\\y\\vb6.exe");
+  // The search goes to its depth and no further, in any letter case.
+  const auto root = env_.work() / "root";
+  DriverEnv::Write(root / "a" / "b" / "vb6.exe", "x");
+  const std::string folder = root.string();
+  EXPECT_EQ(project::FindFile(folder, "vb6.exe", 2), "");
+  EXPECT_EQ(project::FindFile(folder, "vb6.exe", 3), folder + "\\a\\b\\vb6.exe");
+  EXPECT_EQ(project::FindFile(folder + "\\a\\b", "VB6.EXE", 1), folder + "\\a\\b\\vb6.exe");
 }
 
 }  // namespace
