@@ -5,19 +5,15 @@
 
 #include <cstdlib>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "support/driver_env.h"
+#include "tests/cli/outcome.h"
 
 namespace {
 
 using qxtest::DriverEnv;
-
-struct Outcome {
-  int status;
-  std::string out;
-  std::string err;
-};
+using qxtest::JsonLines;
+using qxtest::Outcome;
 
 class QxProgram : public ::testing::Test {
  protected:
@@ -41,29 +37,24 @@ TEST_F(QxProgram, UsageErrorsExitTwoWithTheirMessageAndHelpExitsZero) {
   DriverEnv::Write(vbp, "Type=Exe\r\n");
   const std::string retry = "\nRun 'qx --help' for more information.\n";
 
-  Outcome run = Qx({});
-  EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err, "qx: a verb is required: one of list, check, ide, search, replace" + retry);
-  run = Qx({"frobnicate", vbp});
-  EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(
-      run.err,
-      "qx: unknown verb \"frobnicate\"; the verbs are list, check, ide, search, replace" + retry);
-  run = Qx({"list", "--bogus", vbp});
-  EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err, "qx: The following argument was not expected: --bogus" + retry);
-  run = Qx({"list"});
-  EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err, "qx: PROJECT is required" + retry);
-  run = Qx({"--codepage", "abc", "list", vbp});
-  EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err, "qx: Could not convert: --codepage = abc" + retry);
-  EXPECT_EQ(run.out, "");
-
-  run = Qx({"--codepage", "77", "list", vbp});
-  EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err, "qx: error 5: Unknown code page: 77\n");
-  run = Qx({"list", (env_.work() / "Missing.vbp").string()});
+  using Case = std::pair<std::vector<std::string>, std::string>;
+  for (const auto& [args, err] : std::vector<Case>{
+           {{}, "qx: a verb is required: one of list, check, ide, search, replace" + retry},
+           {{"frobnicate", vbp},
+            "qx: unknown verb \"frobnicate\"; the verbs are list, check, ide, search, replace" +
+                retry},
+           {{"list", "--bogus", vbp},
+            "qx: The following argument was not expected: --bogus" + retry},
+           {{"list"}, "qx: PROJECT is required" + retry},
+           {{"--codepage", "abc", "list", vbp}, "qx: Could not convert: --codepage = abc" + retry},
+           {{"--codepage", "77", "list", vbp}, "qx: error 5: Unknown code page: 77\n"}}) {
+    SCOPED_TRACE(err);
+    const Outcome run = Qx(args);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, err);
+    EXPECT_EQ(run.out, "");
+  }
+  Outcome run = Qx({"list", (env_.work() / "Missing.vbp").string()});
   EXPECT_EQ(run.status, 2);
   EXPECT_EQ(run.err.rfind("qx: error -32767: File not found: ", 0), 0u);
 
@@ -84,20 +75,15 @@ class QxCodePage : public QxProgram {
   void TearDown() override { ::unsetenv("QX_CODEPAGE"); }
   std::string Fixture(const std::string& folder, const std::string& vbp) {
     std::filesystem::create_directories(env_.work() / "codepage");
-    return (env_.CopyFixture("codepage/" + folder) / vbp).string();
-  }
-  static std::vector<nlohmann::json> JsonLines(const std::string& text) {
-    std::vector<nlohmann::json> records;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-      records.push_back(nlohmann::json::parse(line));
-    return records;
+    if (!std::filesystem::exists(env_.work() / "codepage" / folder))
+      env_.CopyFixture("codepage/" + folder);
+    return (env_.work() / "codepage" / folder / vbp).string();
   }
 };
 
 // Without options, a Japanese project's names and file names come out right: the code page is
 // read from its files, and said.
-TEST_F(QxCodePage, ListDetectsTheProjectsCodePage) {
+TEST_F(QxCodePage, ListDetectsTheProjectsCodePageUnlessTold) {
   const std::string sjis = Fixture("sjis", "顧客管理.vbp");
   Outcome run = Qx({"list", "--json", sjis});
   ASSERT_EQ(run.status, 0) << run.err;
@@ -112,25 +98,24 @@ TEST_F(QxCodePage, ListDetectsTheProjectsCodePage) {
   EXPECT_EQ(codePage["source"], "detected");
   EXPECT_GT(codePage["confidence"].get<double>(), 0.9);
 
-  run = Qx({"list", Fixture("cyrillic", "Клиенты.vbp")});
-  EXPECT_NE(run.out.find("Forms\n  ФормаКлиентов  "), std::string::npos) << run.out;
-  EXPECT_NE(run.out.find("\nCode page 1251 (detected from "), std::string::npos) << run.out;
-  run = Qx({"list", Fixture("gbk", "客户管理.vbp")});
-  EXPECT_NE(run.out.find("\nCode page 936 (detected from "), std::string::npos) << run.out;
-  run = Qx({"list", Fixture("german", "Kunden.vbp")});
-  EXPECT_NE(run.out.find("\nCode page 1252 (detected from "), std::string::npos) << run.out;
-  run = Qx({"list", Fixture("ascii", "Customers.vbp")});
-  EXPECT_NE(run.out.find("\nCode page 1252 (detected: the project's files are ASCII)\n"
-                         "2 components\n"),
-            std::string::npos)
-      << run.out;
-}
+  // The other code pages, and ASCII files, as the text listing says them.
+  const std::vector<std::vector<std::string>> cases = {
+      {"cyrillic", "Клиенты.vbp", "Forms\n  ФормаКлиентов  "},
+      {"cyrillic", "Клиенты.vbp", "\nCode page 1251 (detected from "},
+      {"gbk", "客户管理.vbp", "\nCode page 936 (detected from "},
+      {"german", "Kunden.vbp", "\nCode page 1252 (detected from "},
+      {"ascii", "Customers.vbp",
+       "\nCode page 1252 (detected: the project's files are ASCII)\n2 components\n"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c[0]);
+    const std::string out = Qx({"list", Fixture(c[0], c[1])}).out;
+    EXPECT_NE(out.find(c[2]), std::string::npos) << out;
+  }
 
-TEST_F(QxCodePage, OptionAndEnvironmentOverrideDetection) {
-  const std::string sjis = Fixture("sjis", "顧客管理.vbp");
-  Outcome run = Qx({"--codepage", "1251", "list", "--json", sjis});
+  // The option, then the environment, override detection.
+  run = Qx({"--codepage", "1251", "list", "--json", sjis});
   ASSERT_EQ(run.status, 0) << run.err;
-  std::vector<nlohmann::json> records = JsonLines(run.out);
+  records = JsonLines(run.out);
   EXPECT_EQ(records.back()["codepage"],
             nlohmann::json::parse(R"({"number":1251,"source":"option","confidence":1.0,)"
                                   R"("non_ascii_bytes":0})"));

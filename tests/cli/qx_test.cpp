@@ -6,16 +6,13 @@
 
 #include "cli/commands.h"
 #include "support/driver_env.h"
+#include "tests/cli/outcome.h"
 
 namespace {
 
 using qxtest::DriverEnv;
-
-struct Outcome {
-  int status;
-  std::string out;
-  std::string err;
-};
+using qxtest::JsonLines;
+using qxtest::Outcome;
 
 class Qx : public ::testing::Test {
  protected:
@@ -50,18 +47,12 @@ class Qx : public ::testing::Test {
         "Type=Exe\r\nForm=Form1.frm\r\nModule=Module1; Module1.bas\r\n"
         "Class=CThing; CThing.cls\r\n");
   }
-  static std::vector<nlohmann::json> JsonLines(const std::string& text) {
-    std::vector<nlohmann::json> records;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-      records.push_back(nlohmann::json::parse(line));
-    return records;
-  }
   DriverEnv env_;
 };
 
-TEST_F(Qx, ListRawPrintsEachCollectionsEnumerationString) {
-  const Outcome run = List(Basic(), true);
+TEST_F(Qx, ListPrintsRawStringsOrComponentsWithTimesAndStateAsTextOrJson) {
+  const std::string vbp = Basic();
+  Outcome run = List(vbp, true);
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.err, "");
   EXPECT_EQ(run.out,
@@ -70,12 +61,9 @@ TEST_F(Qx, ListRawPrintsEachCollectionsEnumerationString) {
             "[Forms]\nForm1\t4\t\t1\t1\t1\t0\n"
             "[Modules]\nModule1\t5\t\t0\t1\t1\t0\n"
             "[PropertyPages]\n\n[UserConnections]\n\n[UserControls]\n\n[UserDocuments]\n\n");
-}
 
-TEST_F(Qx, ListShowsComponentsWithTimesAndState) {
-  const std::string vbp = Basic();
   std::filesystem::remove(Folder() / "Module1.bas");
-  const Outcome run = List(vbp, false);
+  run = List(vbp, false);
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.err, "");
   EXPECT_NE(run.out.find("ClassModules\n  CThing  "), std::string::npos);
@@ -84,6 +72,27 @@ TEST_F(Qx, ListShowsComponentsWithTimesAndState) {
   EXPECT_NE(run.out.find("Modules\n  Module1  -  missing\n"), std::string::npos);
   EXPECT_EQ(run.out.find("Designers"), std::string::npos);
   EXPECT_NE(run.out.find("3 components\n"), std::string::npos);
+
+  // JSON: one record a line.
+  run = List(vbp, false, cli::Format::Json);
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.err, "");
+  std::vector<nlohmann::json> records = JsonLines(run.out);
+  ASSERT_EQ(records.size(), 4u);
+  EXPECT_EQ(records[0]["type"], "component");
+  EXPECT_EQ(records[0]["collection"], "ClassModules");
+  EXPECT_EQ(records[0]["name"], "CThing");
+  EXPECT_EQ(records[0]["state"], "read-only");
+  EXPECT_EQ(records[0]["modified"].get<std::string>().size(), 19u);  // 2026-11-23T09:12:44
+  EXPECT_EQ(records[0]["modified"].get<std::string>()[10], 'T');
+  EXPECT_EQ(records[0]["problems"], nlohmann::json::array());
+  EXPECT_EQ(records[3]["components"], 3);
+
+  run = List(vbp, true, cli::Format::Json);
+  records = JsonLines(run.out);
+  ASSERT_EQ(records.size(), 9u);
+  EXPECT_EQ(records[3], nlohmann::json::parse(R"({"type":"enumeration","collection":"Forms",)"
+                                              R"("text":"Form1\t4\t\t1\t1\t1\t0"})"));
 }
 
 // GetObjectInfo picks a component by name, so a repeated name cannot be asked about: each entry
@@ -136,48 +145,25 @@ TEST_F(Qx, ListTellsRepeatedAndMissingNamesApart) {
                                               R"("confidence":1.0,"non_ascii_bytes":0}})"));
 }
 
-TEST_F(Qx, ListJsonGivesOneRecordALine) {
-  const std::string vbp = Basic();
-  Outcome run = List(vbp, false, cli::Format::Json);
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.err, "");
-  std::vector<nlohmann::json> records = JsonLines(run.out);
-  ASSERT_EQ(records.size(), 4u);
-  EXPECT_EQ(records[0]["type"], "component");
-  EXPECT_EQ(records[0]["collection"], "ClassModules");
-  EXPECT_EQ(records[0]["name"], "CThing");
-  EXPECT_EQ(records[0]["state"], "read-only");
-  EXPECT_EQ(records[0]["modified"].get<std::string>().size(), 19u);  // 2026-11-23T09:12:44
-  EXPECT_EQ(records[0]["modified"].get<std::string>()[10], 'T');
-  EXPECT_EQ(records[0]["problems"], nlohmann::json::array());
-  EXPECT_EQ(records[3]["components"], 3);
-
-  run = List(vbp, true, cli::Format::Json);
-  records = JsonLines(run.out);
-  ASSERT_EQ(records.size(), 9u);
-  EXPECT_EQ(records[3], nlohmann::json::parse(R"({"type":"enumeration","collection":"Forms",)"
-                                              R"("text":"Form1\t4\t\t1\t1\t1\t0"})"));
-
-  const std::string missing = (env_.work() / "Missing.vbp").string();
-  run = List(missing, false, cli::Format::Json);
-  EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err, "");
-  records = JsonLines(run.out);
-  ASSERT_EQ(records.size(), 1u);
-  EXPECT_EQ(records[0]["type"], "error");
-  EXPECT_EQ(records[0]["number"], -32767);
-  EXPECT_EQ(records[0]["description"].get<std::string>().rfind("File not found: " + missing, 0),
-            0u);
-}
-
+// A missing project file: the error with its trail as text on standard error, as a record in
+// JSON.
 TEST_F(Qx, MissingProjectFileIsAnErrorWithItsTrail) {
   const std::string path = (env_.work() / "Missing.vbp").string();
-  const Outcome run = List(path, false);
+  Outcome run = List(path, false);
   EXPECT_EQ(run.status, 2);
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.err, "qx: error -32767: File not found: " + path +
                          "\n\nPROGRAM CONTEXT:\nqxvb60.Project.Initialize.1  (4.1.475)\n"
                          "qxvb60.Driver.IDriver_GetProject.1  (4.1.475)\n");
+
+  run = List(path, false, cli::Format::Json);
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(run.err, "");
+  const std::vector<nlohmann::json> records = JsonLines(run.out);
+  ASSERT_EQ(records.size(), 1u);
+  EXPECT_EQ(records[0]["type"], "error");
+  EXPECT_EQ(records[0]["number"], -32767);
+  EXPECT_EQ(records[0]["description"].get<std::string>().rfind("File not found: " + path, 0), 0u);
 }
 
 // Control characters from a project file reach a terminal as escapes; a pipe gets them exactly.
@@ -208,7 +194,7 @@ TEST_F(Qx, ControlCharactersAreEscapedOnlyForATerminal) {
   EXPECT_NE(Check(vbp).err.find("Line 2: Object=" + name + "\n"), std::string::npos);
 }
 
-TEST_F(Qx, CheckSaysOkOrNamesTheMissingLine) {
+TEST_F(Qx, CheckSaysOkOrNamesTheMissingLineHoweverLong) {
   const std::string vbp = Basic();
   Outcome run = Check(vbp);
   EXPECT_EQ(run.status, 0);
@@ -228,14 +214,12 @@ TEST_F(Qx, CheckSaysOkOrNamesTheMissingLine) {
   DriverEnv::Write(vbp, "Type=Exe\r\nModule=Gone; Gone.bas\r\n");
   run = Check(vbp);
   EXPECT_EQ(run.err.find("registry.reg"), std::string::npos);
-}
 
-// A 40 KB library line, with and without an identifier at its end, is read in one pass.
-TEST_F(Qx, CheckTakesAHugeLibraryLine) {
+  // A 40 KB library line, with and without an identifier at its end, is read in one pass.
   const std::string filler(40 * 1024, 'x');
-  const std::string vbp = Project("Type=Exe\r\nObject=" + filler +
-                                  "{0ABCDEF0-1234-1234-1234-123456789ABC}#2.0#0; X.OCX\r\n");
-  Outcome run = Check(vbp);
+  Project("Type=Exe\r\nObject=" + filler +
+          "{0ABCDEF0-1234-1234-1234-123456789ABC}#2.0#0; X.OCX\r\n");
+  run = Check(vbp);
   EXPECT_EQ(run.status, 2);
   EXPECT_NE(run.err.find(filler + "{0ABCDEF0"), std::string::npos);
   EXPECT_NE(run.err.find("[HKEY_CLASSES_ROOT\\TypeLib\\{0ABCDEF0-1234-1234-1234-123456789ABC}]"),

@@ -19,7 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 using qxtest::DriverEnv;
 
-TEST(SearchPaths, ProjectsGroupsAndFoldersGiveEachProjectOnce) {
+TEST(SearchPaths, ProjectsGroupsAndFoldersGiveEachProjectOnceAndItsComponentFiles) {
   DriverEnv env;
   const fs::path root = env.work();
   fs::create_directories(root / "a" / "deep");
@@ -37,11 +37,8 @@ TEST(SearchPaths, ProjectsGroupsAndFoldersGiveEachProjectOnce) {
   ASSERT_EQ(found.errors.size(), 2u);
   EXPECT_NE(found.errors[0].Description().find("line 4 of"), std::string::npos);
   EXPECT_EQ(found.errors[1].Number(), 53);
-}
 
-TEST(SearchPaths, ComponentFilesComeFromTheProjectFileAndAFileOtherwise) {
-  DriverEnv env;
-  const fs::path root = env.work();
+  // A project's component files come from its project file, a name from the file otherwise.
   fs::create_directories(root / "p" / "shared");
   DriverEnv::Write((root / "p" / "P.vbp").string(),
                    "Type=Exe\r\nForm=Main.frm\r\nModule=Util; shared\\Util.bas\r\n"
@@ -142,8 +139,9 @@ TEST(ScanResults, PlacesLandOnTheFilesLinesPastHiddenAttributes) {
   EXPECT_THROW(cli::ParseScanResults("[{\"collection\":1}]"), automation::Error);
 }
 
+// A procedure text's first line is looked for after the previous place: of two procedures of
+// the same text, the second place is the second copy.
 TEST(ScanResults, AProcedureTextsFirstLineFoundAfterThePreviousPlace) {
-  // Two procedures of the same text: the second place is the second copy.
   const std::vector<cli::FileLine> lines =
       cli::SplitFileLines("Sub A()\nEnd Sub\nSub A()\nEnd Sub\n");
   std::vector<cli::ScanPlace> places(2);

@@ -46,9 +46,12 @@ TEST_F(Collections, InactiveProjectsListFromTheProjectFile) {
   EXPECT_EQ(Get("ClassModules").EnumObjects(), "");
 }
 
+// The same commands everywhere; an invalid command index raises without touching the IDE.
 TEST_F(Collections, CommandsAreTheSameForEveryCollectionAndName) {
-  for (const char* name : {"ClassModules", "Designers", "DHTMLPages", "Forms", "Modules",
-                           "PropertyPages", "UserConnections", "UserControls", "UserDocuments"}) {
+  for (const std::string name :
+       {"ClassModules", "Designers", "DHTMLPages", "Forms", "Modules", "PropertyPages",
+        "UserConnections", "UserControls", "UserDocuments"}) {
+    SCOPED_TRACE(name);
     const auto collection = Get(name);
     EXPECT_EQ(collection.EnumCommands(), "");
     collection.ExecuteCommand(-5);
@@ -56,17 +59,13 @@ TEST_F(Collections, CommandsAreTheSameForEveryCollectionAndName) {
       EXPECT_EQ(collection.EnumObjectCommands(object),
                 "&Design\t9\tFalse\tOpen the designer in design view.");
     }
-  }
-}
-
-TEST_F(Collections, InvalidCommandIndexRaisesWithoutTouchingTheIde) {
-  for (int index : {1, -1}) {
-    const auto e = Caught([&] { Get("UserControls").ExecuteObjectCommand("frmA", index); });
-    EXPECT_EQ(e.Number(), -32753);
-    EXPECT_EQ(e.Description(), "Invalid case selector (" + std::to_string(index) +
-                                   ").\r\n\r\nPROGRAM CONTEXT:\r\n"
-                                   "qxvb60.UserControls.ICollection_ExecuteObjectCommand.1  "
-                                   "(4.1.475)");
+    for (int index : {1, -1}) {
+      const auto e = Caught([&] { collection.ExecuteObjectCommand("frmA", index); });
+      EXPECT_EQ(e.Number(), -32753);
+      EXPECT_EQ(e.Description(), "Invalid case selector (" + std::to_string(index) +
+                                     ").\r\n\r\nPROGRAM CONTEXT:\r\nqxvb60." + name +
+                                     ".ICollection_ExecuteObjectCommand.1  (4.1.475)");
+    }
   }
 }
 

@@ -24,14 +24,10 @@
 
 namespace qxtest {
 
-// What one ScanObject call was given.
+// What one ScanObject call was given: its text arguments, "|"-separated, and the object.
 struct ScanCall {
-  std::string projectName;
-  std::string collectionName;
-  std::string objectName;
-  bool objectIsUpdatable = false;
+  std::string arguments;
   automation::ObjectRef object;
-  std::string scanBufferName;
 };
 
 class RecordingScanner : public automation::Object {
@@ -51,8 +47,9 @@ class RecordingScanner : public automation::Object {
   void ScanObject(const std::string& projectName, const std::string& collectionName,
                   const std::string& objectName, bool objectIsUpdatable,
                   const automation::ObjectRef& object, const std::string& scanBufferName) {
-    calls_.push_back(
-        {projectName, collectionName, objectName, objectIsUpdatable, object, scanBufferName});
+    calls_.push_back({projectName + "|" + collectionName + "|" + objectName + "|" +
+                          (objectIsUpdatable ? "updatable" : "read-only") + "|" + scanBufferName,
+                      object});
     if (action_) action_(object);
   }
 
@@ -87,10 +84,6 @@ class ComponentEnv : public ::testing::Test {
   static constexpr const char* kThing =
       "VERSION 1.0 CLASS\r\nBEGIN\r\n  MultiUse = -1  'True\r\nEND\r\n"
       "Attribute VB_Name = \"Thing\"\r\n"
-      "Attribute VB_GlobalNameSpace = False\r\n"
-      "Attribute VB_Creatable = True\r\n"
-      "Attribute VB_PredeclaredId = False\r\n"
-      "Attribute VB_Exposed = False\r\n"
       "Option Explicit\r\n"
       "Private mValue As Long\r\n"
       "\r\n"

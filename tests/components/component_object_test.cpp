@@ -40,7 +40,6 @@ TEST_F(ComponentObjectTest, TheDispatcherBuildsModulesAndClassModulesThatStartId
   const Dispatch object(module, "IObject");
   EXPECT_EQ(object.Get("Name").ToString(), "Code");
   EXPECT_EQ(object.Get("ShortName").ToString(), "Code");
-  EXPECT_EQ(Dispatch(module).Get("Name").ToString(), "Code");
   object.Call("Reconstitute");
   EXPECT_EQ(ModeOf(module), 0);
   EXPECT_EQ(Get("GetClassModule", "Thing")->Class().name, "ClassModule");
@@ -57,14 +56,12 @@ TEST_F(ComponentObjectTest, TheDispatcherBuildsModulesAndClassModulesThatStartId
 
   // The kinds still to come say so.
   EXPECT_EQ(Caught([&] { Get("GetForm", "Form1"); }).Number(), -32767);
-}
 
-TEST_F(ComponentObjectTest, IdleObjectsHaveNoComponentToReadOrRename) {
-  const ObjectRef module = Module("Code");
+  // An idle object has no component to read or rename. The rename has no failure path of its
+  // own: the error comes as the IDE call raised it.
   const automation::Error procedures = Caught([&] { Procedures(module); });
   EXPECT_EQ(procedures.Number(), automation::err::kObjectNotSet);
   EXPECT_NE(procedures.Description().find(Trail("Module", "Procedures")), std::string::npos);
-  // The rename has no failure path of its own: the error comes as the IDE call raised it.
   const automation::Error rename = Caught([&] { Dispatch(module).Put("Name", "Other"); });
   EXPECT_EQ(rename.Number(), automation::err::kObjectNotSet);
   EXPECT_EQ(rename.Description().find("PROGRAM CONTEXT:"), std::string::npos);
@@ -187,29 +184,21 @@ TEST_F(ScanTest, TheScannerGetsTheObjectInReadingModeAndTheChangesAreSavedAfter)
   };
   Scan(module, "Code");
   ASSERT_EQ(scans_.size(), 1u);
-  const qxtest::ScanCall& call = scans_.front();
-  EXPECT_EQ(call.projectName, "Sample");
-  EXPECT_EQ(call.collectionName, "Modules");
-  EXPECT_EQ(call.objectName, "Code");
-  EXPECT_TRUE(call.objectIsUpdatable);
-  EXPECT_EQ(call.object, module);
-  EXPECT_EQ(call.scanBufferName, "qx-scan-1");
+  EXPECT_EQ(scans_.front().arguments, "Sample|Modules|Code|updatable|qx-scan-1");
+  EXPECT_EQ(scans_.front().object, module);
   EXPECT_EQ(modeDuringScan, 1);
   EXPECT_EQ(alphaText, "Sub Alpha()\r\n    Counter = 1\r\nEnd Sub");
   EXPECT_EQ(ModeOf(module), 0);
   EXPECT_NE(Bytes("Code.bas").find("    Counter = 2\r\n"), std::string::npos);
 
+  // A class module; a scan tolerates unsaved changes and saves them.
   scans_.clear();
   scanAction_ = nullptr;
+  TypeInto("Thing");
   Scan(Get("GetClassModule", "Thing"), "Thing");
   ASSERT_EQ(scans_.size(), 1u);
-  EXPECT_EQ(scans_.front().collectionName, "ClassModules");
-}
-
-TEST_F(ScanTest, AScanToleratesUnsavedChangesAndSavesThem) {
-  TypeInto("Code");
-  Scan(Module("Code"), "Code");
-  EXPECT_NE(Bytes("Code.bas").find("' typed in the IDE\r\n"), std::string::npos);
+  EXPECT_EQ(scans_.front().arguments, "Sample|ClassModules|Thing|updatable|qx-scan-1");
+  EXPECT_NE(Bytes("Thing.cls").find("' typed in the IDE\r\n"), std::string::npos);
 }
 
 TEST_F(ScanTest, AFailingScanReturnsTheObjectToIdleAndRaisesWithItsTrail) {

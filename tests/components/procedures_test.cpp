@@ -52,6 +52,11 @@ TEST_F(ProceduresTest, TheListFollowsTheModuleUnderEachProceduresName) {
   const ObjectRef code = Open("GetModule", "Code");
   EXPECT_EQ(Names(code), (std::vector<std::string>{"<declarations>", "Alpha", "Gamma"}));
   EXPECT_EQ(Procedures(code), Procedures(code));  // made once
+  // Leading lines of spaces are not the procedure's, a tab line is.
+  EXPECT_EQ(Item(code, "Alpha").Get("Text").ToString(),
+            "Sub Alpha()\r\n    Counter = 1\r\nEnd Sub");
+  EXPECT_EQ(Item(code, "Gamma").Get("Text").ToString(),
+            "\t\r\nFunction Gamma() As Long\r\n    Gamma = Counter\r\nEnd Function");
 
   // Property procedures are told apart by their kind.
   const ObjectRef thing = Open("GetClassModule", "Thing");
@@ -72,20 +77,16 @@ TEST_F(ProceduresTest, TheListFollowsTheModuleUnderEachProceduresName) {
   EXPECT_EQ(Item(bare, 0).Get("Text").ToString(), "");
 }
 
-TEST_F(ProceduresTest, TextSkipsLeadingLinesOfSpacesButKeepsATabLine) {
-  const ObjectRef code = Open("GetModule", "Code");
-  EXPECT_EQ(Item(code, "Alpha").Get("Text").ToString(),
-            "Sub Alpha()\r\n    Counter = 1\r\nEnd Sub");
-  EXPECT_EQ(Item(code, "Gamma").Get("Text").ToString(),
-            "\t\r\nFunction Gamma() As Long\r\n    Gamma = Counter\r\nEnd Function");
-}
-
 TEST_F(ProceduresTest, WritingBackWhatWasReadLeavesOneEmptyLineBeforeTheProcedure) {
   const ObjectRef code = Open("GetModule", "Code");
   const Dispatch alpha = Item(code, "Alpha");
   alpha.Put("Text", alpha.Get("Text"));
   EXPECT_EQ(alpha.Get("Text").ToString(), "Sub Alpha()\r\n    Counter = 1\r\nEnd Sub");
   SetMode(code, 0);
+  // The procedures go with the return to idle.
+  const automation::Error e = Caught([&] { alpha.Get("Text"); });
+  EXPECT_EQ(e.Number(), automation::err::kObjectNotSet);
+  EXPECT_NE(e.Description().find("qxvb60.Procedure.Text.1"), std::string::npos);
   std::string expected = kCode;
   const std::string blanks = "\r\n\r\n   \r\nSub Alpha";
   expected.replace(expected.find(blanks), blanks.size(), "\r\nSub Alpha");
@@ -132,16 +133,6 @@ TEST_F(ProceduresTest, AChangedListOfProceduresIsUndoneAndRefused) {
       Caught([&] { Item(decl, 0).Put("Text", "Option Explicit\r\nSub Sneaky()\r\nEnd Sub"); });
   EXPECT_EQ(e.Number(), 5000);
   EXPECT_EQ(IdeCode("Decl"), "\r\nOption Explicit\r\nPublic Total As Long");
-}
-
-TEST_F(ProceduresTest, ProceduresGoWithTheReturnToIdle) {
-  const ObjectRef code = Get("GetModule", "Code");
-  SetMode(code, 1);
-  const Dispatch alpha = Item(code, "Alpha");
-  SetMode(code, 0);
-  const automation::Error e = Caught([&] { alpha.Get("Text"); });
-  EXPECT_EQ(e.Number(), automation::err::kObjectNotSet);
-  EXPECT_NE(e.Description().find("qxvb60.Procedure.Text.1"), std::string::npos);
 }
 
 }  // namespace

@@ -32,7 +32,7 @@ class VxHandler : public ::testing::Test {
   qxtest::DriverEnv env_;
 };
 
-TEST_F(VxHandler, TrailGrowsOneLinePerOperationInnermostFirst) {
+TEST_F(VxHandler, TrailGrowsOneLinePerOperationInnermostFirstUnderOneHeading) {
   auto inner = [] {
     Operation("Forms", "Plain", [] { throw automation::Error(53, "src", "File not found"); });
   };
@@ -44,32 +44,27 @@ TEST_F(VxHandler, TrailGrowsOneLinePerOperationInnermostFirst) {
                                  "qxvb60.Project.EnumObjects.1  (4.1.475)\r\n"
                                  "qxvb60.Forms.ICollection_EnumObjects.1  (4.1.475)");
   EXPECT_EQ(e.Source(), "");
-}
 
-TEST_F(VxHandler, HeadingRulesAndLineNumbers) {
   // A heading from elsewhere is not repeated; an empty description still gets one.
   EXPECT_EQ(foundation::AddTrailLine("x PROGRAM CONTEXT: y", "C", "P", 0),
             "x PROGRAM CONTEXT: y\r\nqxvb60.C.P.1  (4.1.475)");
   EXPECT_EQ(foundation::AddTrailLine("", "C", "P", 7),
             std::string(kHeading) + "qxvb60.C.P.7  (4.1.475)");
-  const auto e = Caught([] {
+  const auto numbered = Caught([] {
     Operation("Utility", "UpdateKey",
               [] { throw automation::Error(9, "s", "Subscript out of range", "h.chm", 42, 12); });
   });
-  EXPECT_NE(e.Description().find("qxvb60.Utility.UpdateKey.12  (4.1.475)"), std::string::npos);
-  EXPECT_EQ(e.HelpFile(), "");  // Promote drops source and help data
-  EXPECT_EQ(e.HelpContext(), 0);
+  EXPECT_NE(numbered.Description().find("qxvb60.Utility.UpdateKey.12  (4.1.475)"),
+            std::string::npos);
+  EXPECT_EQ(numbered.HelpFile(), "");  // Promote drops source and help data
+  EXPECT_EQ(numbered.HelpContext(), 0);
 }
 
 TEST_F(VxHandler, EntryPointRule) {
-  EXPECT_TRUE(foundation::IsEntryPoint("ProjectEvents_ItemRemoved"));
-  EXPECT_TRUE(foundation::IsEntryPoint("Ix_Y"));
-  EXPECT_TRUE(foundation::IsEntryPoint("I_"));
-  EXPECT_FALSE(foundation::IsEntryPoint("IObject_SetMode"));
-  EXPECT_FALSE(foundation::IsEntryPoint("IDTExtensibility_OnConnection"));
-  EXPECT_FALSE(foundation::IsEntryPoint("Main"));
-  EXPECT_FALSE(foundation::IsEntryPoint("X"));
-  EXPECT_FALSE(foundation::IsEntryPoint("_"));
+  for (const char* name : {"ProjectEvents_ItemRemoved", "Ix_Y", "I_"})
+    EXPECT_TRUE(foundation::IsEntryPoint(name)) << name;
+  for (const char* name : {"IObject_SetMode", "IDTExtensibility_OnConnection", "Main", "X", "_"})
+    EXPECT_FALSE(foundation::IsEntryPoint(name)) << name;
 }
 
 TEST_F(VxHandler, EntryPointsLogAndKeepTheResultTheyHadSet) {

@@ -59,21 +59,19 @@ TEST_F(Activate, NoOpenCommandAndNoExecutableFailsWithAnEmptyPath) {
   EXPECT_FALSE(AddInEntryWritten());
 }
 
-TEST_F(Activate, AnExecutableThatIsNotThereIsNamed) {
+// The project file is looked for first, then the executable. A failed start leaves no
+// dispatcher: the next read runs the sequence again.
+TEST_F(Activate, AMissingProjectFileOrExecutableIsNamed) {
   platform::Registry::Instance().WriteValue(kOpenCommand, "", "\"c:\\VB98\\vb6.exe\" \"%1\"");
+  std::filesystem::remove(vbp_);
+  EXPECT_EQ(ReadDispatcher().Description(), "File '" + vbp_ + "' not found." + kTrail);
+
+  DriverEnv::Write(vbp_, "Type=Exe\r\n");
   const automation::Error e = ReadDispatcher();
   EXPECT_EQ(e.Number(), -32767);
   EXPECT_EQ(e.Description(), std::string("File 'c:\\VB98\\vb6.exe' not found.") + kTrail);
   EXPECT_FALSE(AddInEntryWritten());
-  // A failed start leaves no dispatcher: the next read runs the sequence again.
   EXPECT_EQ(ReadDispatcher().Description(), e.Description());
-}
-
-TEST_F(Activate, TheProjectFileMustStillBeThere) {
-  std::filesystem::remove(vbp_);
-  const automation::Error e = ReadDispatcher();
-  EXPECT_EQ(e.Number(), -32767);
-  EXPECT_EQ(e.Description(), "File '" + vbp_ + "' not found." + kTrail);
 }
 
 }  // namespace

@@ -3,11 +3,10 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <cstdlib>
-
 #include "automation/object.h"
 #include "contracts/driver_interfaces.h"
 #include "foundation/globals.h"
+#include "project/project_file_check.h"
 #include "support/driver_env.h"
 #include "support/errors.h"
 
@@ -34,12 +33,22 @@ class ProjectTest : public ::testing::Test {
     return folder;
   }
 
+  // GetObjectInfo's out-arguments, given "unchanged" and this writable flag: "<version>
+  // writable|read-only", a file time shown as "stamp".
+  static std::string Info(const Dispatch& p, const char* kind, const char* name, bool writable) {
+    automation::Args args{kind, name, "unchanged", writable};
+    p.CallArgs("GetObjectInfo", args);
+    const std::string version = args[2].ToString();
+    return (version.size() == 14 ? "stamp" : version) +
+           (args[3].ToBool() ? " writable" : " read-only");
+  }
+
   DriverEnv env_;
   ObjectRef driver_ = automation::CreateObject("qxvb60.Driver");
   int folders_ = 0;
 };
 
-TEST_F(ProjectTest, GetProjectCachesByParameterText) {
+TEST_F(ProjectTest, GetProjectCachesByParameterTextButNotAFailure) {
   const auto folder = Folder({{"A.vbp", "Type=Exe\r\n"}});
   const ObjectRef a = Open(folder / "A.vbp");
   EXPECT_EQ(Open(folder / "A.vbp"), a);
@@ -51,11 +60,10 @@ TEST_F(ProjectTest, GetProjectCachesByParameterText) {
   EXPECT_NE(c, b);
   EXPECT_EQ(GetProject("filename=" + (folder / "A.vbp").string()), c);
   EXPECT_EQ(Dispatch(a).Get("FileName").ToString(), (folder / "A.vbp").string());
-}
 
-TEST_F(ProjectTest, MissingProjectFileFailsWithTwoTrailLinesAndIsNotCached) {
+  // A missing project file fails with two trail lines and is not cached.
   const std::string path = (env_.work() / "Nope.vbp").string();
-  auto e = Caught([&] { GetProject("FileName=" + path); });
+  const auto e = Caught([&] { GetProject("FileName=" + path); });
   EXPECT_EQ(e.Number(), -32767);
   EXPECT_EQ(e.Description(), "File not found: " + path +
                                  "\r\n\r\nPROGRAM CONTEXT:\r\n"
@@ -82,6 +90,9 @@ TEST_F(ProjectTest, CollectionsAreCreatedOnceInTableOrder) {
   EXPECT_EQ(forms->Class().name, "Forms");
   EXPECT_EQ(project.EnumCommands(), "");
   EXPECT_EQ(Caught([&] { project.GetCollection("Nope"); }).Number(), 9);
+  // Deactivating a project without a dispatcher is harmless.
+  project.Deactivate();
+  EXPECT_FALSE(Dispatch(project.object()).Get("IsActive").ToBool());
   Dispatch(project.object()).Call("TearDown");  // breaks the project <-> collection cycle
 }
 
@@ -118,23 +129,13 @@ TEST_F(ProjectTest, GetObjectInfoChoosesTheComponentByName) {
   });
   ::chmod((folder / "sub" / "b.bas").c_str(), 0444);
   const Dispatch p(Open(folder / "P.vbp"));
-  automation::Args args{"module", "b", "unchanged", true};
-  p.CallArgs("GetObjectInfo", args);
-  EXPECT_EQ(args[2].ToString().size(), 14u);
-  EXPECT_EQ(args[3].ToBool(), false);
-  args = {"Module", "A", "", false};
-  p.CallArgs("GetObjectInfo", args);
-  EXPECT_EQ(args[3].ToBool(), true);
+  EXPECT_EQ(Info(p, "module", "b", true), "stamp read-only");
+  EXPECT_EQ(Info(p, "Module", "A", false), "stamp writable");
   // No line of that kind or name: the caller's values stay.
-  args = {"Class", "A", "unchanged", true};
-  p.CallArgs("GetObjectInfo", args);
-  EXPECT_EQ(args[2].ToString(), "unchanged");
-  EXPECT_EQ(args[3].ToBool(), true);
+  EXPECT_EQ(Info(p, "Class", "A", true), "unchanged writable");
+  EXPECT_EQ(Info(p, "Class", "A", false), "unchanged read-only");
   std::filesystem::remove(folder / "a.bas");
-  args = {"Module", "A", "unchanged", true};
-  p.CallArgs("GetObjectInfo", args);
-  EXPECT_EQ(args[2].ToString(), "");
-  EXPECT_EQ(args[3].ToBool(), false);
+  EXPECT_EQ(Info(p, "Module", "A", true), " read-only");
 }
 
 TEST_F(ProjectTest, AwkwardProjectFilesNeverCrash) {
@@ -147,18 +148,17 @@ TEST_F(ProjectTest, AwkwardProjectFilesNeverCrash) {
   });
   for (const char* name : {"empty.vbp", "odd.vbp", "huge.vbp", "truncated.vbp"}) {
     const Dispatch p(Open(folder / name));
-    for (const char* key : {"Module", "Form", "Class"}) {
-      const std::string listed = p.Call("EnumObjects", key, 1).ToString();
-      if (std::string(name) == "huge.vbp" && std::string(key) == "Module") {
-        EXPECT_EQ(listed, "M\t1\t\t0\t0\t1\t0");
-      }
-    }
+    for (const char* key : {"Module", "Form", "Class"})
+      p.Call("EnumObjects", key, 1);
   }
+  EXPECT_EQ(Dispatch(Open(folder / "huge.vbp")).Call("EnumObjects", "Module", 1).ToString(),
+            "M\t1\t\t0\t0\t1\t0");
   EXPECT_EQ(Dispatch(Open(folder / "truncated.vbp")).Call("EnumObjects", "Module", 5).ToString(),
             "\t5\t\t0\t0\t1\t0");
 }
 
-TEST_F(ProjectTest, ProjectFileLinesReadAsTheCheckReadsThem) {
+// The listing and the start-up check read a project file's lines alike.
+TEST_F(ProjectTest, ListingAndCheckReadProjectFileLinesAlike) {
   std::string binary = "Type=Exe\r\n";
   for (int i = 0; i < 256; ++i)
     binary += static_cast<char>(i);
@@ -170,6 +170,9 @@ TEST_F(ProjectTest, ProjectFileLinesReadAsTheCheckReadsThem) {
       {"quoted.frm", "Attribute VB_Name = \"Quoted\"\r\n"},
       {"tabbed.frm", "Attribute VB_Name = \"Tabbed\"\r\n"},
       {"m.Bas", "Attribute VB_Name = \"M\"\r\n"},
+      {"gone.vbp",
+       "\xEF\xBB\xBF"
+       "Form=gone.frm\r\n"},
       {"binary.vbp", binary + "\r\nForm=first.frm\r\n"},
   });
   const Dispatch p(Open(folder / "P.vbp"));
@@ -178,12 +181,17 @@ TEST_F(ProjectTest, ProjectFileLinesReadAsTheCheckReadsThem) {
             "First\t4\t\t1\t1\t1\t0\r\nQuoted\t4\t\t1\t1\t1\t0\r\nTabbed\t4\t\t1\t1\t1\t0");
   // A module line without a name part names its component from the file.
   EXPECT_EQ(p.Call("EnumObjects", "Module", 5).ToString(), "M\t5\t\t1\t1\t1\t0");
-  automation::Args args{"Form", "Quoted", "", false};
-  p.CallArgs("GetObjectInfo", args);
-  EXPECT_EQ(args[2].ToString().size(), 14u);
+  EXPECT_EQ(Info(p, "Form", "Quoted", false), "stamp writable");
+  project::CheckProjectFile((folder / "P.vbp").string());  // every file found
+  EXPECT_NE(Caught([&] { project::CheckProjectFile((folder / "gone.vbp").string()); })
+                .Description()
+                .find("Line 1: Form=gone.frm"),
+            std::string::npos);
   // A binary file is not a project file.
   const Dispatch binaryProject(Open(folder / "binary.vbp"));
   EXPECT_EQ(Caught([&] { binaryProject.Call("EnumObjects", "Form", 4); }).Number(), 321);
+  EXPECT_EQ(Caught([&] { project::CheckProjectFile((folder / "binary.vbp").string()); }).Number(),
+            321);
 }
 
 TEST_F(ProjectTest, ListingFollowsChangesOfTheProjectAndComponentFiles) {
@@ -196,14 +204,10 @@ TEST_F(ProjectTest, ListingFollowsChangesOfTheProjectAndComponentFiles) {
   // A component file that renames its component (same size, another time).
   DriverEnv::Write(folder / "a.frm", "Attribute VB_Name = \"Bee\"\r\n");
   EXPECT_EQ(p.Call("EnumObjects", "Form", 4).ToString(), "Bee\t4\t\t1\t1\t1\t0");
-  automation::Args args{"Form", "Bee", "", false};
-  p.CallArgs("GetObjectInfo", args);
-  EXPECT_EQ(args[2].ToString().size(), 14u);
+  EXPECT_EQ(Info(p, "Form", "Bee", false), "stamp writable");
   // Renamed again without a listing in between: GetObjectInfo still finds it by its new name.
   DriverEnv::Write(folder / "a.frm", "Attribute VB_Name = \"CC\"\r\n");
-  args = {"Form", "CC", "", false};
-  p.CallArgs("GetObjectInfo", args);
-  EXPECT_EQ(args[2].ToString().size(), 14u);
+  EXPECT_EQ(Info(p, "Form", "CC", false), "stamp writable");
   // A project file that changes is read again.
   DriverEnv::Write(folder / "P.vbp", "Form=a.frm\r\nModule=M; m.bas\r\n");
   EXPECT_EQ(p.Call("EnumObjects", "Module", 5).ToString(), "M\t5\t\t0\t0\t1\t0");
@@ -231,22 +235,6 @@ TEST_F(ProjectTest, ShutdownReleasesTheProjectsAndPutsANewLogInPlace) {
   EXPECT_EQ(watched.use_count(), 1);  // only this test holds the project now
   // The driver goes on after a shutdown with an empty cache.
   EXPECT_NE(Open(folder / "A.vbp"), before);
-}
-
-TEST_F(ProjectTest, DeactivateWithoutDispatcherAndDispatcherWithoutIde) {
-  const auto folder = Folder({{"A.vbp", "Type=Exe\r\n"}});
-  const contracts::IProject project(Open(folder / "A.vbp"));
-  project.Deactivate();
-  EXPECT_FALSE(Dispatch(project.object()).Get("IsActive").ToBool());
-  // Starting the IDE fails with a message and the trail of the start-up sequence (the registry
-  // of this home names a program that is not there).
-  ::setenv("QX_VB6_EXE", (folder / "missing" / "vb6.exe").c_str(), 1);
-  const auto e = Caught([&] { Dispatch(project.object()).Get("Dispatcher"); });
-  ::unsetenv("QX_VB6_EXE");
-  EXPECT_EQ(e.Number(), -32767);
-  EXPECT_NE(e.Description().find("qxvb60.Project.Activate.1  (4.1.475)\r\n"
-                                 "qxvb60.Project.Dispatcher.1  (4.1.475)"),
-            std::string::npos);
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ using qxtest::Caught;
 using qxtest::DriverEnv;
 
 constexpr const char* kVbKey = "HKEY_CURRENT_USER\\Software\\Microsoft\\Visual Basic\\6.0";
+constexpr const char* kOpenCommand = "HKEY_CLASSES_ROOT\\VisualBasic.Project\\shell\\open\\command";
 
 class StartupChecks : public ::testing::Test {
  protected:
@@ -46,7 +47,7 @@ TEST_F(StartupChecks, BackgroundLoadingMustBeOff) {
   project::CheckBackgroundLoading();
 }
 
-TEST_F(StartupChecks, ProjectFileCheckFindsEveryPiece) {
+TEST_F(StartupChecks, ProjectFileCheckFindsEveryPieceOrReportsTheFirstMissingLine) {
   DriverEnv::Write(env_.work() / "Form1.frm", "x");
   DriverEnv::Write(env_.work() / "Res.res", "x");
   DriverEnv::Write(env_.work() / "MSCOMCTL.OCX", "x");
@@ -59,15 +60,13 @@ TEST_F(StartupChecks, ProjectFileCheckFindsEveryPiece) {
                            "..\\..\\WINDOWS\\system32\\stdole2.tlb#OLE Automation\r\n"
                            "Title=\"no = check\"\r\nno equals sign here\r\n"),
             "");
-}
 
-TEST_F(StartupChecks, ProjectFileCheckReportsTheFirstMissingLine) {
+  // The first missing line is reported.
   const std::string lines =
       "Type=Exe\r\n"
       "Form=Form1.frm\r\n"
       "Module=Gone; Gone.bas\r\n"
       "Module=AlsoGone; AlsoGone.bas\r\n";
-  DriverEnv::Write(env_.work() / "Form1.frm", "x");
   EXPECT_EQ(MissingMessage(lines),
             "One of the components used in the project (or referenced by the project) is "
             "missing. The component is referenced on line 3 of the Visual Basic Project (VBP) "
@@ -86,25 +85,7 @@ TEST_F(StartupChecks, ProjectFileCheckReportsTheFirstMissingLine) {
   EXPECT_EQ(MissingMessage("Object=mylib.dll; nowhere\\mylib.dll\r\n"), "");
 }
 
-TEST_F(StartupChecks, ProjectFileCheckReadsLinesAsTheListingDoes) {
-  DriverEnv::Write(env_.work() / "f.frm", "x");
-  DriverEnv::Write(env_.work() / "m.Bas", "x");
-  // A byte-order mark, a tab before a path, a module line without a name part.
-  EXPECT_EQ(MissingMessage("\xEF\xBB\xBF"
-                           "Form=\tf.frm\r\nModule=m.Bas\r\n"),
-            "");
-  EXPECT_NE(MissingMessage("\xEF\xBB\xBF"
-                           "Form=gone.frm\r\n")
-                .find("Line 1: Form=gone.frm"),
-            std::string::npos);
-  // A binary file is not a project file that passes.
-  const auto e = Caught([&] {
-    project::CheckProjectFile(Project(std::string("Type=Exe\r\n\0\x01\r\nForm=f.frm\r\n", 26)));
-  });
-  EXPECT_EQ(e.Number(), 321);
-}
-
-TEST_F(StartupChecks, WindowStateMarksWindowsClosed) {
+TEST_F(StartupChecks, WindowStateMarksWindowsClosedOrStaysWhole) {
   const std::string vbp = Project("Type=Exe\r\n");
   const auto vbw = env_.work() / "P.vbw";
   project::AdjustWindowState(vbp);  // no window-state file: none is created
@@ -116,11 +97,8 @@ TEST_F(StartupChecks, WindowStateMarksWindowsClosed) {
   EXPECT_EQ(DriverEnv::Read(vbw),
             "Form1 = 88, 116, 794, 604, , 22, 22, 600, 500, C\r\n\r\n"
             "Module1 = 0, 0, 0, 0, C\r\nClass1 = 1, 2, 3, 4, Z\r\n");
-}
 
-TEST_F(StartupChecks, WindowStateOnAFullDiskStaysWhole) {
-  const std::string vbp = Project("Type=Exe\r\n");
-  const auto vbw = env_.work() / "P.vbw";
+  // On a full disk the file stays whole.
   const std::string before = "Form1 = 88, 116, 794, 604, \r\nModule1 = 0, 0, 0, 0, C\r\n";
   DriverEnv::Write(vbw, before);
   platform::SetWriteFaultHook(
@@ -142,32 +120,25 @@ TEST_F(StartupChecks, AddInEntryIsWrittenEveryTime) {
   EXPECT_EQ(ini.find("qxvb60.Connection"), ini.rfind("qxvb60.Connection"));
 }
 
-TEST_F(StartupChecks, FindFileSearchesToItsDepth) {
-  const auto root = env_.work() / "root";
-  DriverEnv::Write(root / "a" / "b" / "vb6.exe", "x");
-  const std::string folder = root.string();
-  EXPECT_EQ(project::FindFile(folder, "vb6.exe", 1), "");
-  EXPECT_EQ(project::FindFile(folder, "vb6.exe", 2), "");
-  EXPECT_EQ(project::FindFile(folder, "vb6.exe", 3), folder + "\\a\\b\\vb6.exe");
-  EXPECT_EQ(project::FindFile(folder + "\\a\\b", "VB6.EXE", 1), folder + "\\a\\b\\vb6.exe");
-}
-
 TEST_F(StartupChecks, ExecutableComesFromTheFileAssociationOnce) {
-  platform::Registry::Instance().WriteValue(
-      "HKEY_CLASSES_ROOT\\VisualBasic.Project\\shell\\open\\command", "",
-      "\"c:\\Tools\\VB98\\vb6.exe\" \"%1\"");
+  platform::Registry::Instance().WriteValue(kOpenCommand, "",
+                                            "\"c:\\Tools\\VB98\\vb6.exe\" \"%1\"");
   EXPECT_EQ(project::VB6EXEPath(), "c:\\Tools\\VB98\\vb6.exe");
-  platform::Registry::Instance().WriteValue(
-      "HKEY_CLASSES_ROOT\\VisualBasic.Project\\shell\\open\\command", "", "other");
+  platform::Registry::Instance().WriteValue(kOpenCommand, "", "other");
   EXPECT_EQ(project::VB6EXEPath(), "c:\\Tools\\VB98\\vb6.exe");  // resolved once per process
 }
 
-TEST_F(StartupChecks, CapitalisedAssociationFallsBackToTheSearch) {
-  platform::Registry::Instance().WriteValue(
-      "HKEY_CLASSES_ROOT\\VisualBasic.Project\\shell\\open\\command", "",
-      "C:\\VB98\\VB6.EXE \"%1\"");
+TEST_F(StartupChecks, CapitalisedAssociationFallsBackToTheSearchToItsDepth) {
+  platform::Registry::Instance().WriteValue(kOpenCommand, "", "C:\\VB98\\VB6.EXE \"%1\"");
   DriverEnv::Write(env_.home() / "drive_c" / "x" / "y" / "vb6.exe", "x");
   EXPECT_EQ(project::VB6EXEPath(), "c:\\x\\y\\vb6.exe");
+  // The search goes to its depth and no further, in any letter case.
+  const auto root = env_.work() / "root";
+  DriverEnv::Write(root / "a" / "b" / "vb6.exe", "x");
+  const std::string folder = root.string();
+  EXPECT_EQ(project::FindFile(folder, "vb6.exe", 2), "");
+  EXPECT_EQ(project::FindFile(folder, "vb6.exe", 3), folder + "\\a\\b\\vb6.exe");
+  EXPECT_EQ(project::FindFile(folder + "\\a\\b", "VB6.EXE", 1), folder + "\\a\\b\\vb6.exe");
 }
 
 }  // namespace
