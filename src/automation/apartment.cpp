@@ -46,29 +46,10 @@ void Apartment::Serve(const bool& done) {
   }
 }
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"  // as in Await<T> (apartment.h)
 void Apartment::Await(kj::Promise<void> promise) {
-  kj::Maybe<kj::Exception> failure;
-  bool done = false;
-  kj::Promise<void> watch = promise
-                                .then(
-                                    [&]() {
-                                      done = true;
-                                      Wake();
-                                    },
-                                    [&](kj::Exception&& e) {
-                                      failure = kj::mv(e);
-                                      done = true;
-                                      Wake();
-                                    })
-                                .eagerlyEvaluate(nullptr);
-  Serve(done);
-  KJ_IF_MAYBE (e, failure) {
-    kj::throwFatalException(kj::mv(*e));
-  }
+  // The waiting of Await<T>, with a value that says only that the promise was kept.
+  Await(promise.then([] { return true; }));
 }
-#pragma GCC diagnostic pop
 
 void Apartment::ServeFor(std::chrono::milliseconds duration) {
   const auto nanos = std::chrono::duration_cast<std::chrono::nanoseconds>(duration).count();
