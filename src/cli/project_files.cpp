@@ -7,7 +7,6 @@
 #include "collections/collection_kinds.h"
 #include "platform/codepage.h"
 #include "platform/files.h"
-#include "platform/lines.h"
 #include "platform/paths.h"
 #include "platform/project_lines.h"
 
@@ -28,34 +27,6 @@ bool IsAbsolute(std::string_view written) {
 fs::path Resolve(const fs::path& folder, std::string_view written) {
   if (IsAbsolute(written)) return platform::ToNative(written);
   return platform::ToNative(platform::ToWindows(folder) + "\\" + std::string(written));
-}
-
-std::string_view Trim(std::string_view text) {
-  const size_t first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
-// The name in the file's "Attribute VB_Name" line; empty when it has none or cannot be read.
-std::string NameFromFile(const fs::path& file) {
-  std::string bytes;
-  try {
-    bytes = platform::ReadFile(file.string());
-  } catch (const automation::Error&) {
-    return {};
-  }
-  platform::LineReader reader(bytes);
-  std::string_view line;
-  while (reader.Next(line)) {
-    const size_t equals = line.find('=');
-    if (equals == std::string_view::npos) continue;
-    if (!automation::EqualsAsciiNoCase(Trim(line.substr(0, equals)), "Attribute VB_Name")) continue;
-    std::string value = platform::CurrentCodePage().Decode(Trim(line.substr(equals + 1)));
-    if (!value.empty() && value.front() == '"')
-      value = value.size() >= 2 ? value.substr(1, value.size() - 2) : std::string();
-    return value;
-  }
-  return {};
 }
 
 class Collector {
@@ -165,7 +136,8 @@ std::vector<ComponentFile> ReadComponentFiles(const fs::path& projectFile) {
       const platform::ComponentValue value = platform::SplitComponentValue(line.value);
       ComponentFile file{std::string(kind.className), std::string(value.name),
                          Resolve(projectFile.parent_path(), value.file), IsAbsolute(value.file)};
-      if (!value.hasName) file.name = NameFromFile(file.file);
+      if (!value.hasName)
+        file.name = platform::ComponentNameFromFile(file.file.string()).value_or(std::string());
       files.push_back(std::move(file));
       break;
     }

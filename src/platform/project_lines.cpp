@@ -1,7 +1,9 @@
 #include "platform/project_lines.h"
 
+#include "automation/casefold.h"
 #include "automation/error.h"
 #include "platform/codepage.h"
+#include "platform/files.h"
 #include "platform/lines.h"
 #include "platform/text.h"
 
@@ -92,6 +94,39 @@ bool ProjectLineReader::Next() {
   text_ = codePage_.Decode(raw);
   line_ = SplitProjectLine(text_);
   return true;
+}
+
+std::optional<std::string> ComponentNameFromFile(std::string_view file) {
+  std::string bytes;
+  try {
+    bytes = ReadFile(file);
+  } catch (const automation::Error&) {
+    return std::nullopt;
+  }
+  // VB's Trim: spaces only.
+  const auto trim = [](std::string_view text) {
+    const size_t first = text.find_first_not_of(' ');
+    if (first == std::string_view::npos) return std::string_view();
+    return text.substr(first, text.find_last_not_of(' ') - first + 1);
+  };
+  const CodePage& codePage = CurrentCodePage();
+  LineReader reader(bytes);
+  std::string_view raw;
+  while (reader.Next(raw)) {
+    const std::string line = codePage.Decode(raw);
+    const std::string_view text = trim(line);
+    const size_t equals = text.find('=');
+    if (equals == std::string_view::npos ||
+        !automation::EqualsAsciiNoCase(trim(text.substr(0, equals)), "Attribute VB_Name")) {
+      continue;
+    }
+    std::string value(trim(text.substr(equals + 1)));
+    if (!value.empty() && value.front() == '"') {
+      value = value.size() >= 2 ? value.substr(1, value.size() - 2) : std::string();
+    }
+    return value;
+  }
+  return std::string();
 }
 
 }  // namespace platform

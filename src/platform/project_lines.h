@@ -15,6 +15,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -70,5 +71,11 @@ class ProjectLineReader {
   std::string text_;
   ProjectLine line_;
 };
+
+// The name a component file gives itself in its "Attribute VB_Name" line, as VB reads it: the
+// first line whose text before "=" is that key (spaces around both sides ignored, key in any
+// letter case), its value without one pair of surrounding quotes; empty when the file has no
+// such line. Nothing when the file cannot be read.
+std::optional<std::string> ComponentNameFromFile(std::string_view file);
 
 }  // namespace platform

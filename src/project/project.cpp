@@ -4,11 +4,9 @@
 #include "contracts/host_classes.h"
 #include "foundation/globals.h"
 #include "foundation/operation.h"
-#include "foundation/vbstrings.h"
 #include "foundation/vxhandler.h"
 #include "platform/codepage.h"
 #include "platform/files.h"
-#include "platform/lines.h"
 #include "platform/paths.h"
 #include "platform/project_lines.h"
 #include "project/ide_settings.h"
@@ -21,8 +19,6 @@ namespace {
 using automation::Dispatch;
 using automation::ObjectRef;
 using foundation::Operation;
-using foundation::SplitAt;
-using foundation::Trim;
 
 constexpr const char* kClass = "Project";
 
@@ -30,33 +26,6 @@ constexpr const char* kClass = "Project";
 constexpr const char* kCollectionKeys[] = {"ClassModules",    "Designers",    "DHTMLPages",
                                            "Forms",           "Modules",      "PropertyPages",
                                            "UserConnections", "UserControls", "UserDocuments"};
-
-// The name a component file gives itself in its "Attribute VB_Name" line; empty when the file
-// has none. False when the file cannot be read.
-bool NameFromFile(const std::string& file, std::string& name) {
-  std::string bytes;
-  try {
-    bytes = platform::ReadFile(file);
-  } catch (...) {
-    return false;
-  }
-  const platform::CodePage& codePage = platform::CurrentCodePage();
-  platform::LineReader reader(bytes);
-  std::string_view raw;
-  while (reader.Next(raw)) {
-    const std::string line = codePage.Decode(raw);
-    const auto split = SplitAt(Trim(line), '=');
-    if (!split.found || !automation::EqualsNoCaseUnicode(Trim(split.before), "Attribute VB_Name"))
-      continue;
-    std::string value(Trim(split.after));
-    if (!value.empty() && value.front() == '"') {
-      value = value.size() >= 2 ? value.substr(1, value.size() - 2) : std::string();
-    }
-    name = value;
-    break;
-  }
-  return true;
-}
 
 bool IsReadOnly(const std::string& file) {
   return (platform::GetAttr(file) & platform::kAttrReadOnly) != 0;
@@ -269,8 +238,9 @@ bool Project::RefreshName(Entry& entry) {
   if (entry.hasName) return false;
   const std::optional<platform::FileStamp> stamp = platform::StampOf(entry.file);
   if (stamp && entry.nameStamp == stamp) return false;
-  std::string name;
-  const bool namedFromFile = NameFromFile(entry.file, name);
+  const std::optional<std::string> named = platform::ComponentNameFromFile(entry.file);
+  const bool namedFromFile = named.has_value();
+  std::string name = named.value_or(std::string());
   // A file that could not be read is read again next time.
   entry.nameStamp = namedFromFile ? stamp : std::nullopt;
   const bool changed = name != entry.name || namedFromFile != entry.namedFromFile;
