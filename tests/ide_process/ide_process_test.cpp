@@ -159,6 +159,19 @@ std::string FakeVb6(const std::filesystem::path& folder, const std::string& body
   return path.string();
 }
 
+// The IDE's own command line answers a wrong one with the error status, as qx does.
+TEST_F(IdeProcesses, TheIdesUsageErrorsEndWithTheErrorStatus) {
+  for (const std::vector<std::string>& args :
+       {std::vector<std::string>{"--no-such-option"}, {"dump"}, {"--codepage", "x", vbp_}}) {
+    int status = 0;
+    const pid_t pid = Start(QXVB6_BIN, args);
+    ::waitpid(pid, &status, 0);
+    const qxtest::RunResult result = Collect(pid, status);
+    EXPECT_EQ(result.status, 2) << args.front();
+    EXPECT_EQ(result.err.rfind("qxvb6: ", 0), 0u) << result.err;
+  }
+}
+
 TEST_F(IdeProcesses, AnOpenCommandNamingNoProgramFailsWithItsPath) {
   const std::string missing = (work() / "nowhere" / "vb6.exe").string();
   ::setenv("QX_VB6_EXE", missing.c_str(), 1);

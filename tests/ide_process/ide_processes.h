@@ -82,7 +82,13 @@ class IdeProcesses : public ::testing::Test {
   }
 
   pid_t StartQx(const std::vector<std::string>& args, const std::string& folder = {}) {
-    std::vector<std::string> argv{QX_BIN};
+    return Start(QX_BIN, args, folder);
+  }
+
+  // Runs a program of ours (qx, qxvb6.exe) with the arguments, its output kept in the work folder.
+  pid_t Start(const std::string& program, const std::vector<std::string>& args,
+              const std::string& folder = {}) {
+    std::vector<std::string> argv{program};
     argv.insert(argv.end(), args.begin(), args.end());
     std::vector<char*> raw;
     for (auto& a : argv)
@@ -99,7 +105,7 @@ class IdeProcesses : public ::testing::Test {
     pid_t pid = 0;
     const int failed = ::posix_spawn(&pid, raw[0], &actions, nullptr, raw.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
-    if (failed != 0) throw std::runtime_error("cannot start qx");
+    if (failed != 0) throw std::runtime_error("cannot start " + program);
     runOf_[pid] = n;
     return pid;
   }

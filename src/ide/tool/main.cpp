@@ -37,7 +37,14 @@ int main(int argc, char** argv) {
       "resave", "Load and save every component, and report any file whose bytes changed");
   resaveCommand->add_option("PROJECT", resave.projectFile, "The project file (.vbp)")->required();
 
-  CLI11_PARSE(app, argc, argv);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    // --help is no error; every wrong command line ends with the error status, as qx's do.
+    if (e.get_exit_code() == 0) return app.exit(e);
+    std::cerr << "qxvb6: " << e.what() << "\nRun 'qxvb6.exe --help' for more information.\n";
+    return ide::tool::kExitError;
+  }
 
   try {
     if (codePage != 0) platform::SetCurrentCodePage(codePage);
