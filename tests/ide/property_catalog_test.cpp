@@ -181,6 +181,16 @@ TEST(PropertyCatalog, FontsAndWhoHasThem) {
   EXPECT_TRUE(IsBold(700));
   EXPECT_TRUE(IsBold(900));
   EXPECT_FALSE(IsBold(699));
+  // The font block's own order, every attribute saved but Bold.
+  const auto font = FontProperties();
+  ASSERT_EQ(font.size(), 8u);
+  EXPECT_EQ(font[0].name, "Name");
+  EXPECT_EQ(font[0].omission.text, "MS Sans Serif");
+  EXPECT_EQ(font[1].name, "Size");
+  EXPECT_EQ(font[6].name, "Strikethrough");
+  EXPECT_EQ(font[7].name, "Bold");
+  EXPECT_EQ(font[7].saving, Saving::kNever);
+  EXPECT_EQ(CoerceValue(font[3], automation::Variant(700)), automation::Variant::Integer(700));
   for (std::string_view cls : {"VB.Form", "VB.UserControl", "VB.PropertyPage", "VB.UserDocument",
                                "VB.TextBox", "VB.Data", "VB.PictureBox", "VB.Frame"}) {
     EXPECT_TRUE(Class(cls).HasFont()) << cls;

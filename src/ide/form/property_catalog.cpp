@@ -58,6 +58,21 @@ const PropertyInfo* ClassInfo::FindMember(std::string_view name) const {
   return nullptr;
 }
 
+std::span<const PropertyInfo> FontProperties() {
+  using namespace data;
+  static constexpr PropertyInfo kFont[] = {
+      Word("Name", kDefaultFont.name),
+      Sng("Size", kDefaultFont.size),
+      Int("Charset", kDefaultFont.charset),
+      Range(Int("Weight", kDefaultFont.weight), 0, 1000),
+      Bool("Underline", kDefaultFont.underline),
+      Bool("Italic", kDefaultFont.italic),
+      Bool("Strikethrough", kDefaultFont.strikethrough),
+      Derived(Bool("Bold", IsBold(kDefaultFont.weight))),
+  };
+  return kFont;
+}
+
 std::span<const ClassInfo* const> AllClasses() {
   static const auto kAll = [] {
     std::array<const ClassInfo*, 28> all{};

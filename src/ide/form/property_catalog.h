@@ -182,6 +182,12 @@ inline constexpr bool IsBold(int16_t weight) {
   return weight >= kBoldWeight;
 }
 
+// The font object's own properties, as `Properties("Font").Value` lists them, in the order of
+// the `BeginProperty Font` block (Name, Size, Charset, Weight, Underline, Italic,
+// Strikethrough), then Bold, which the block does not write: it is the weight seen as a Boolean.
+// Size is written as a Single; the font object itself carries it as Currency.
+std::span<const PropertyInfo> FontProperties();
+
 // The DHTML page designer's CLSID as its `.dsr` names it, and the DesignerIDs of the two
 // designers the catalog knows.
 inline constexpr std::string_view kDhtmlPageClassId = "{90290CCD-F27D-11D0-8031-00C04FB6C701}";
