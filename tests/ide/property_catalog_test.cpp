@@ -162,6 +162,10 @@ TEST(PropertyCatalog, WhatVbAlwaysWritesAndWhatANewObjectGets) {
   EXPECT_EQ(Class("VB.Timer").Find("Width"), nullptr);
   EXPECT_EQ(Class("VB.Line").Find("Left"), nullptr);
   EXPECT_EQ(Prop("VB.Line", "X1").saving, Saving::kAlways);
+  // The data control writes its database settings even at their defaults.
+  EXPECT_EQ(Prop("VB.Data", "DatabaseName").saving, Saving::kAlways);
+  EXPECT_EQ(Prop("VB.Data", "RecordsetType").saving, Saving::kAlways);
+  EXPECT_EQ(Prop("VB.Data", "BOFAction").saving, Saving::kUnlessDefault);
 
   using automation::Variant;
   EXPECT_EQ(CreationValueOf(Prop("VB.Form", "StartUpPosition"), "Form1"), Variant::Long(3));
@@ -213,6 +217,9 @@ TEST(PropertyCatalog, EnumerationDescriptionsAreWhatFormFilesShow) {
   EXPECT_EQ(Prop("VB.Shape", "BorderStyle").enumeration->Describe(3), "Dot");
   EXPECT_EQ(Prop("VB.CheckBox", "Value").enumeration->Describe(1), "Checked");
   EXPECT_EQ(Prop("VB.Form", "PaletteMode").enumeration->Describe(0), "Halftone");
+  EXPECT_EQ(Prop("VB.TextBox", "IMEMode").enumeration->Describe(3), "DISABLE");
+  // VB6's own slip, kept: both workspace types are written as ODBC.
+  EXPECT_EQ(Prop("VB.Data", "DefaultType").enumeration->Describe(2), "UseODBC");
   // Values outside the enumeration have no description; a Form has no Container palette.
   EXPECT_EQ(Prop("VB.Form", "MousePointer").enumeration->Describe(16), "");
   EXPECT_EQ(Prop("VB.Form", "PaletteMode").enumeration->Describe(3), "");

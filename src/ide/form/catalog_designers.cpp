@@ -9,7 +9,7 @@ namespace {
 // The order of VB6's DHTML page template. Every setting is written; the page's HTML follows as
 // a companion record when it is kept inside the designer (SourceFile empty). The page's id
 // starts as the designer's name. Since every setting is written, the defaults serve only a new
-// page; they are our choice (zero, False, empty).
+// page; they are our choice (zero, empty, and the settings most pages have).
 constexpr PropertyInfo kDhtmlPageProperties[] = {
     Name(),
     Client("ClientHeight"),
@@ -24,7 +24,7 @@ constexpr PropertyInfo kDhtmlPageProperties[] = {
     Hidden(Always(Lng("TypeLibCookie", 0))),
     Always(Bool("AsyncLoad", false)),
     Always(Created(Word("id"), kObjectName)),
-    Always(Bool("ShowBorder", false)),
+    Always(Bool("ShowBorder", true)),
     Always(Bool("ShowDetail", false)),
     Always(Bool("AbsPos", false)),
     Hidden(Blob("HTMLDocument")),

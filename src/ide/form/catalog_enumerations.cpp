@@ -32,7 +32,8 @@ constexpr EnumMember kClipBehaviorMembers[] = {{0, "None"}, {1, "Use Region"}};
 constexpr EnumMember kHitBehaviorMembers[] = {{0, "None"}, {1, "Use Region"}, {2, "Use Paint"}};
 constexpr EnumMember kDefaultCursorTypeMembers[] = {
     {0, "DefaultCursor"}, {1, "ODBCCursor"}, {2, "ServerSideCursor"}};
-constexpr EnumMember kWorkspaceTypeMembers[] = {{1, "UseODBC"}, {2, "UseJet"}};
+// VB6 writes 'UseODBC after both values (DefaultType = 2 is a new data control's Jet).
+constexpr EnumMember kWorkspaceTypeMembers[] = {{1, "UseODBC"}, {2, "UseODBC"}};
 constexpr EnumMember kDragModeMembers[] = {{0, "Manual"}, {1, "Automatic"}};
 constexpr EnumMember kDrawModeMembers[] = {
     {1, "Blackness"},    {2, "Not Merge Pen"},  {3, "Mask Not Pen"}, {4, "Not Copy Pen"},
@@ -88,10 +89,10 @@ constexpr EnumMember kStartUpPositionMembers[] = {
 constexpr EnumMember kUpdateOptionsMembers[] = {{0, "Automatic"}, {1, "Frozen"}, {2, "Manual"}};
 constexpr EnumMember kWindowStateMembers[] = {{0, "Normal"}, {1, "Minimized"}, {2, "Maximized"}};
 constexpr EnumMember kMultiSelectMembers[] = {{0, "None"}, {1, "Simple"}, {2, "Extended"}};
-constexpr EnumMember kIMEModeMembers[] = {{0, "NoControl"},     {1, "On"},         {2, "Off"},
-                                          {3, "Disable"},       {4, "Hiragana"},   {5, "Katakana"},
-                                          {6, "Katakana Half"}, {7, "Alpha Full"}, {8, "Alpha"},
-                                          {9, "Hangul Full"},   {10, "Hangul"}};
+constexpr EnumMember kIMEModeMembers[] = {{0, "NoControl"},     {1, "ON"},         {2, "OFF"},
+                                          {3, "DISABLE"},       {4, "HIRAGANA"},   {5, "KATAKANA"},
+                                          {6, "KATAKANA HALF"}, {7, "ALPHA FULL"}, {8, "ALPHA"},
+                                          {9, "HANGUL FULL"},   {10, "HANGUL"}};
 constexpr EnumMember kNegotiatePositionMembers[] = {
     {0, "None"}, {1, "Left"}, {2, "Middle"}, {3, "Right"}};
 constexpr EnumMember kStandardSizeMembers[] = {{0, "Custom"}, {1, "Small"}, {2, "Large"}};
