@@ -180,7 +180,7 @@ TEST(CompanionFile, BrokenRecordsAreRefusedWithTheFileAndOffset) {
     const char* problem;
   };
   const std::vector<Case> cases = {
-      {"", Kind::kText, "cut short"},
+      {"", Kind::kText, "lies past the end of the file (0 bytes)"},
       {Bytes({0xFF, 0x01}), Kind::kText, "cut short"},
       {Bytes({0x40, 0, 0}), Kind::kLongString, "cut short"},
       {U32(10) + "abc", Kind::kLongString, "says it holds 10 bytes"},
@@ -210,7 +210,9 @@ TEST(CompanionFile, RecordsAreDelimitedByTheOtherReferences) {
   EXPECT_EQ(file.Read(0, Kind::kOpaque).Content(), "OPAQUE1");
   EXPECT_EQ(file.Read(7, Kind::kOpaque).Content(), "BLOB");
   EXPECT_EQ(file.Read(11, Kind::kOpaque).Bytes(), Bytes({3}) + "abc");
-  EXPECT_EQ(file.Read(15, Kind::kOpaque).Bytes(), "");  // an empty record at the very end
+  // Nothing is a record: an opaque one at the very end would be empty.
+  EXPECT_THAT(qxtest::Caught([&] { file.Read(15, Kind::kOpaque); }).Description(),
+              HasSubstr("the opaque record at 000F lies past the end of the file (15 bytes)"));
   EXPECT_EQ(file.Read(11, Kind::kText).Content(), "abc");
 
   // A length that runs into the next referenced record lies, even inside the file.
@@ -338,6 +340,9 @@ TEST(CompanionWriter, ARewriteIsPackedInTheDescriptionsOrder) {
   CompanionWriter shorter(blobs);
   shorter.Add(CompanionRecord::Opaque("ABC"), 0);
   EXPECT_TRUE(shorter.Finish().changed);
+  CompanionWriter nothing(blobs);
+  EXPECT_EQ(qxtest::ErrorOf([&] { nothing.Add(CompanionRecord::Opaque(""), 0); }),
+            automation::err::kInvalidCall);
 }
 
 TEST(CompanionWriter, ABrokenRecordIsNeverCarriedIntoARewrite) {

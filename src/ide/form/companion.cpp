@@ -45,8 +45,9 @@ std::size_t CompanionFile::LimitAfter(uint32_t offset) const {
 }
 
 CompanionRecord CompanionFile::Read(uint32_t offset, CompanionRecordKind kind) const {
-  // An empty list or an empty opaque record may sit at the very end; nothing may start beyond.
-  if (offset > bytes_.size()) {
+  // Every record holds at least one byte: one of unknown layout too, as an empty one could not
+  // be told from the record after it once the companion is rewritten.
+  if (offset >= bytes_.size()) {
     Broken(fileName_, offset, kind,
            "lies past the end of the file (" + std::to_string(bytes_.size()) + " bytes)");
   }
@@ -66,6 +67,12 @@ CompanionRecord CompanionFile::Read(uint32_t offset, CompanionRecordKind kind) c
 }
 
 void CompanionWriter::Add(const CompanionRecord& record, std::optional<uint32_t> readFrom) {
+  if (record.Bytes().empty()) {
+    automation::RaiseMessage(automation::err::kInvalidCall,
+                             "Invalid procedure call or argument: an empty record cannot be "
+                             "written to " +
+                                 original_.FileName());
+  }
   Append(record.Bytes(), record.Kind(), readFrom);
 }
 

@@ -74,7 +74,8 @@ class CompanionWriter {
   explicit CompanionWriter(const CompanionFile& original) : original_(original) {}
 
   // The next reference of the description, in the order of its property lines: the record it
-  // holds now, and the offset it held when read (nullopt for a reference that is new).
+  // holds now, and the offset it held when read (nullopt for a reference that is new). An empty
+  // record (only an opaque one can be) raises 5: nothing would tell where it ends.
   void Add(const CompanionRecord& record, std::optional<uint32_t> readFrom);
   // A reference that still holds the record it was read from: copies that record, read as kind.
   // A broken record raises as CompanionFile::Read does: a companion is never rewritten with a

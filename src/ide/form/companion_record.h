@@ -33,7 +33,7 @@ enum class CompanionRecordKind : uint8_t {
   // then that many bytes, kept as they are.
   kSizedBlob,
   // A record of unknown layout, kept as it is: it ends where the next referenced record begins,
-  // or at the end of the file.
+  // or at the end of the file. It is never empty.
   kOpaque,
 };
 
