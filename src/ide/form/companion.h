@@ -27,9 +27,9 @@ namespace ide {
 
 class CompanionFile {
  public:
-  // fileName is the companion's bare name, for messages. references are the offsets the
-  // description references, in the order of its property lines (an offset may come twice);
-  // bytes are the file as read (empty for a component without a companion).
+  // fileName is the companion's bare name, for messages. references are the offsets of the
+  // description's references to this file, in the order of its property lines (an offset may
+  // come twice); bytes are the file as read (empty for a component without a companion).
   CompanionFile(std::string fileName, std::string bytes, std::vector<uint32_t> references);
 
   const std::string& FileName() const { return fileName_; }
@@ -59,8 +59,8 @@ struct CompanionLayout {
   // Whether the companion must be written and the description's references renumbered; false
   // when every reference still points at the record it was read from in the file as it is.
   bool changed = false;
-  // The new companion when changed (empty when no reference is left: VB6 then writes none, and
-  // the old file is better left than emptied); empty otherwise.
+  // The new companion when changed; empty otherwise. Also empty when no reference is left: the
+  // caller then has no companion to write, and leaving the old file loses nothing.
   std::string bytes;
   // Each reference's offset, in the order they were added: the new ones when changed, the
   // offsets they were read from otherwise.
