@@ -18,8 +18,8 @@
 
 namespace {
 
-using ide::CompanionRecord;
-using Kind = ide::CompanionRecordKind;
+using ide::form::CompanionRecord;
+using Kind = ide::form::CompanionRecordKind;
 
 // The record written anew from what it holds.
 CompanionRecord Rewritten(const CompanionRecord& record) {
@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   }
   const std::size_t start = 1 + 3 * count;
   const std::string bytes(reinterpret_cast<const char*>(data) + start, size - start);
-  const ide::CompanionFile file("fuzz.frx", bytes, offsets);
+  const ide::form::CompanionFile file("fuzz.frx", bytes, offsets);
 
   std::vector<CompanionRecord> records;
   for (std::size_t i = 0; i < count; ++i) {
@@ -86,22 +86,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   }
 
   // Every reference kept: nothing to write, nothing renumbered.
-  ide::CompanionWriter keep(file);
+  ide::form::CompanionWriter keep(file);
   for (std::size_t i = 0; i < count; ++i)
     keep.Keep(offsets[i], kinds[i]);
-  const ide::CompanionLayout kept = keep.Finish();
+  const ide::form::CompanionLayout kept = keep.Finish();
   QX_FUZZ_CHECK(!kept.changed && kept.offsets == offsets);
 
   // A new text first, the others kept: packed anew, each record where the layout says.
-  ide::CompanionWriter grow(file);
+  ide::form::CompanionWriter grow(file);
   const CompanionRecord added = CompanionRecord::Text("added");
   grow.Add(added, std::nullopt);
   for (std::size_t i = 0; i < count; ++i)
     grow.Add(records[i], offsets[i]);
-  const ide::CompanionLayout grown = grow.Finish();
+  const ide::form::CompanionLayout grown = grow.Finish();
   QX_FUZZ_CHECK(grown.changed && grown.offsets.size() == count + 1);
   std::vector<uint32_t> newOffsets(grown.offsets.begin() + 1, grown.offsets.end());
-  const ide::CompanionFile saved("fuzz.frx", grown.bytes, grown.offsets);
+  const ide::form::CompanionFile saved("fuzz.frx", grown.bytes, grown.offsets);
   QX_FUZZ_CHECK(SameContent(saved.Read(grown.offsets[0], Kind::kText), added));
   for (std::size_t i = 0; i < count; ++i)
     QX_FUZZ_CHECK(saved.Read(newOffsets[i], kinds[i]) == records[i]);

@@ -1,7 +1,6 @@
 // Binary companions: each kind of record written and read back, VB6's length forms at their
-// boundaries, broken records refused without reading past the file, references written as VB6
-// writes them, and rewriting that renumbers when a record changes length and leaves an
-// unchanged companion alone.
+// boundaries, broken records refused without reading past the file, and rewriting that
+// renumbers when a record changes length and leaves an unchanged companion alone.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,15 +13,14 @@
 
 #include "automation/error.h"
 #include "ide/form/companion.h"
-#include "ide/form/companion_reference.h"
 #include "support/errors.h"
 
 namespace {
 
-using ide::CompanionFile;
-using ide::CompanionRecord;
-using ide::CompanionWriter;
-using Kind = ide::CompanionRecordKind;
+using ide::form::CompanionFile;
+using ide::form::CompanionRecord;
+using ide::form::CompanionWriter;
+using Kind = ide::form::CompanionRecordKind;
 using testing::HasSubstr;
 
 // Bytes from numbers and text pieces: Bytes({0x05, 0x00}) + "List" ...
@@ -54,33 +52,15 @@ automation::Error ReadError(const std::string& bytes, uint32_t offset, Kind kind
   return qxtest::Caught([&] { file.Read(offset, kind); });
 }
 
-TEST(CompanionReference, ReadAndWrittenAsVb6WritesThem) {
-  auto plain = ide::ParseCompanionReference("\"Form1.frx\":00A6");
-  ASSERT_TRUE(plain);
-  EXPECT_EQ(*plain, (ide::CompanionReference{"Form1.frx", 0xA6, false}));
-  auto dollar = ide::ParseCompanionReference("$\"TSplit.frx\":1268C  ");
-  ASSERT_TRUE(dollar);
-  EXPECT_EQ(*dollar, (ide::CompanionReference{"TSplit.frx", 0x1268C, true}));
-  EXPECT_EQ(ide::ParseCompanionReference("\"a.frx\":00ff")->offset, 0xFFu);
-
-  EXPECT_EQ(ide::FormatCompanionReference(*plain), "\"Form1.frx\":00A6");
-  EXPECT_EQ(ide::FormatCompanionReference(*dollar), "$\"TSplit.frx\":1268C");
-  EXPECT_EQ(ide::FormatCompanionOffset(0), "0000");
-  EXPECT_EQ(ide::FormatCompanionOffset(0xFFFFFFFF), "FFFFFFFF");
-
-  for (const char* other : {"\"Form1\"", "Form1.frx:0000", "\"\":0000", "\"Form1.frx\":",
-                            "\"Form1.frx\"0000", "\"Form1.frx\":00G0", "\"Form1.frx\":0000 'x",
-                            "\"Form1.frx\":100000000", "$$\"Form1.frx\":0000", "\"Form1.frx"})
-    EXPECT_FALSE(ide::ParseCompanionReference(other)) << other;
-}
-
-TEST(CompanionReference, CompanionFileNamesFollowTheComponentKind) {
-  EXPECT_EQ(ide::CompanionFileName("Forms\\frmMain.FRM", ide::FileKind::kForm), "frmMain.frx");
-  EXPECT_EQ(ide::CompanionFileName("ctl/Gauge.ctl", ide::FileKind::kUserControl), "Gauge.ctx");
-  EXPECT_EQ(ide::CompanionFileName("Page", ide::FileKind::kPropertyPage), "Page.pgx");
-  EXPECT_EQ(ide::CompanionFileName("Doc.dob", ide::FileKind::kUserDocument), "Doc.dox");
-  EXPECT_EQ(ide::CompanionFileName("v1.0\\Page.Dsr", ide::FileKind::kDesigner), "Page.dsx");
-  EXPECT_EQ(ide::CompanionFileName("Module1.bas", ide::FileKind::kModule), "");
+TEST(CompanionFile, NamedAfterTheComponentByItsKind) {
+  EXPECT_EQ(ide::form::CompanionFileName("Forms\\frmMain.FRM", ide::FileKind::kForm),
+            "frmMain.frx");
+  EXPECT_EQ(ide::form::CompanionFileName("ctl/Gauge.ctl", ide::FileKind::kUserControl),
+            "Gauge.ctx");
+  EXPECT_EQ(ide::form::CompanionFileName("Page", ide::FileKind::kPropertyPage), "Page.pgx");
+  EXPECT_EQ(ide::form::CompanionFileName("Doc.dob", ide::FileKind::kUserDocument), "Doc.dox");
+  EXPECT_EQ(ide::form::CompanionFileName("v1.0\\Page.Dsr", ide::FileKind::kDesigner), "Page.dsx");
+  EXPECT_EQ(ide::form::CompanionFileName("Module1.bas", ide::FileKind::kModule), "");
 }
 
 TEST(CompanionRecord, EachKindRoundTripsWithVb6sLayout) {
@@ -291,7 +271,7 @@ TEST(CompanionWriter, ALengthChangeRenumbersEveryLaterRecord) {
   EXPECT_EQ(layout.offsets,
             (std::vector<uint32_t>{0, form.offsets[1] + shift, form.offsets[2] + shift,
                                    form.offsets[3] + shift}));
-  EXPECT_EQ(ide::FormatCompanionOffset(layout.offsets[1]), "0102");
+  EXPECT_EQ(layout.offsets[1], 0x102u);
 
   // The new companion reads back at the new offsets, and writing it again changes nothing.
   CompanionFile saved("Form1.frx", layout.bytes, layout.offsets);

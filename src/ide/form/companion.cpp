@@ -1,16 +1,23 @@
 #include "ide/form/companion.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <limits>
 #include <utility>
 
 #include "automation/error.h"
-#include "ide/form/companion_reference.h"
 
-namespace ide {
+namespace ide::form {
 namespace {
 
 using automation::err::kInvalidFileFormat;
+
+// An offset as the description writes it: upper-case hexadecimal, at least four digits.
+std::string HexOffset(std::size_t offset) {
+  char digits[24];
+  const int length = std::snprintf(digits, sizeof digits, "%04zX", offset);
+  return std::string(digits, static_cast<std::size_t>(length));
+}
 
 [[noreturn]] void Broken(std::string_view fileName, uint32_t offset, CompanionRecordKind kind,
                          std::string_view problem) {
@@ -19,13 +26,45 @@ using automation::err::kInvalidFileFormat;
   text += ": the ";
   text += CompanionRecordKindName(kind);
   text += " record at ";
-  text += FormatCompanionOffset(offset);
+  text += HexOffset(offset);
   text += ' ';
   text += problem;
   automation::RaiseMessage(kInvalidFileFormat, std::move(text));
 }
 
 }  // namespace
+
+std::string_view CompanionExtension(FileKind kind) {
+  switch (kind) {
+    case FileKind::kForm:
+      return ".frx";
+    case FileKind::kUserControl:
+      return ".ctx";
+    case FileKind::kPropertyPage:
+      return ".pgx";
+    case FileKind::kUserDocument:
+      return ".dox";
+    case FileKind::kDesigner:
+      return ".dsx";
+    case FileKind::kModule:
+    case FileKind::kClass:
+      break;
+  }
+  return {};
+}
+
+std::string CompanionFileName(std::string_view componentFileName, FileKind kind) {
+  const std::string_view extension = CompanionExtension(kind);
+  if (extension.empty()) return {};
+  const std::size_t slash = componentFileName.find_last_of("\\/");
+  std::string_view name =
+      slash == std::string_view::npos ? componentFileName : componentFileName.substr(slash + 1);
+  const std::size_t dot = name.rfind('.');
+  if (dot != std::string_view::npos) name = name.substr(0, dot);
+  std::string result(name);
+  result += extension;
+  return result;
+}
 
 CompanionFile::CompanionFile(std::string fileName, std::string bytes,
                              std::vector<uint32_t> references)
@@ -60,8 +99,7 @@ CompanionRecord CompanionFile::Read(uint32_t offset, CompanionRecordKind kind) c
   // VB6 packs its records: one that runs into the next referenced record has a length that lies
   // (or the description's offsets do).
   if (offset + record->Bytes().size() > limit) {
-    Broken(fileName_, offset, kind,
-           "runs into the record at " + FormatCompanionOffset(static_cast<uint32_t>(limit)));
+    Broken(fileName_, offset, kind, "runs into the record at " + HexOffset(limit));
   }
   return std::move(*record);
 }
@@ -117,4 +155,4 @@ CompanionLayout CompanionWriter::Finish() {
   return layout;
 }
 
-}  // namespace ide
+}  // namespace ide::form

@@ -1,7 +1,7 @@
 #pragma once
 // A binary companion file (.frx, .ctx, .pgx, .dox, .dsx) and its rewriting. The file has no
 // header: its records lie one after another, and each reference of the form description
-// (`"Form1.frx":00A6`, see companion_reference.h) points at a record's first byte. What a record
+// (`"Form1.frx":00A6`, `$"Form1.frx":00A6`) points at a record's first byte. What a record
 // holds depends on the property that points at it (companion_record.h).
 //
 // Reading: make a CompanionFile from the bytes and every offset the description references
@@ -22,8 +22,18 @@
 #include <vector>
 
 #include "ide/form/companion_record.h"
+#include "ide/model/component_file.h"
 
-namespace ide {
+namespace ide::form {
+
+// The extension of the companion of a component file of this kind: ".frx" for forms, ".ctx",
+// ".pgx", ".dox", ".dsx"; empty for modules and classes, which have none.
+std::string_view CompanionExtension(FileKind kind);
+
+// The companion's bare name, as references write it, for a component file: the component's
+// file name (a folder before it, with either slash, is dropped) with the extension of its kind
+// in place of its own, "Form1.frm" giving "Form1.frx". Empty for modules and classes.
+std::string CompanionFileName(std::string_view componentFileName, FileKind kind);
 
 class CompanionFile {
  public:
@@ -95,4 +105,4 @@ class CompanionWriter {
   bool unchanged_ = true;
 };
 
-}  // namespace ide
+}  // namespace ide::form

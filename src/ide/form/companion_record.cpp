@@ -5,7 +5,7 @@
 
 #include "automation/error.h"
 
-namespace ide {
+namespace ide::form {
 namespace {
 
 using automation::err::kInvalidPropertyValue;
@@ -289,4 +289,4 @@ std::optional<CompanionRecord> CompanionRecord::Read(std::string_view bytes,
   return Opaque(bytes);
 }
 
-}  // namespace ide
+}  // namespace ide::form

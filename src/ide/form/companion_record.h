@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-namespace ide {
+namespace ide::form {
 
 enum class CompanionRecordKind : uint8_t {
   // A string property kept out of line without `$` (a multi-line TextBox's Text, a DHTML page's
@@ -90,4 +90,4 @@ class CompanionRecord {
   std::vector<std::string> items_;
 };
 
-}  // namespace ide
+}  // namespace ide::form
