@@ -13,7 +13,8 @@
 // that order and gives each its new offset; when every reference still points at the record it
 // was read from, nothing changed, and neither the companion nor the description's offsets are
 // touched, however the old file was laid out (gaps, records out of order, an offset referenced
-// twice).
+// twice). Once a changed companion is written, CompanionFile(name, layout.bytes,
+// layout.offsets) is what the next save starts from.
 
 #include <cstdint>
 #include <optional>
