@@ -17,7 +17,8 @@ if command -v ccache >/dev/null; then
 fi
 cmake -S "$here" -B "$dir" -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DQX_FUZZ=ON -DQX_TESTS=OFF -DQX_BENCH=OFF "${extra[@]}" >/dev/null
-cmake --build "$dir" -j"$(nproc)" --target fuzz_project_file fuzz_component_file fuzz_code_module
+cmake --build "$dir" -j"$(nproc)" --target fuzz_project_file fuzz_component_file fuzz_code_module \
+  fuzz_companion
 
 # Seeds: every fixture file, behind the byte that chooses the kind of file (and code page) to
 # read it as.
@@ -28,7 +29,11 @@ kind_byte() {
   esac
 }
 mkdir -p "$dir/seeds/project_file" "$dir/seeds/component_file" "$dir/seeds/code_module" \
-  "$dir/findings"
+  "$dir/seeds/companion" "$dir/findings"
+# The companion target's seed: three references (a text at 0000, a long string at 0004, a list at
+# 000B), then a companion that holds them.
+printf '\003\000\000\000\004\000\001\013\000\002\003abc\003\000\000\000xyz\001\000\003\000\002\000ab' \
+  >"$dir/seeds/companion/packed"
 n=0
 while IFS= read -r -d '' file; do
   n=$((n + 1))
@@ -45,7 +50,7 @@ done < <(find "$here/tests/fixtures" -type f -print0)
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 status=0
-for target in project_file component_file code_module; do
+for target in project_file component_file code_module companion; do
   mkdir -p "$dir/corpus/$target"
   echo "== fuzz_$target (${seconds}s)"
   if ! "$dir/bin/fuzz_$target" "$dir/corpus/$target" "$dir/seeds/$target" \
