@@ -196,6 +196,11 @@ class TextPrinter : public Printer {
     out_ << (totals.written ? "; written\n" : "; nothing written (--write applies them)\n");
   }
 
+  void Notice(std::string_view text) override {
+    ClearProgress();
+    err_ << "qx: " << ForErr(text) << "\n";
+  }
+
   void Progress(std::string_view text) override {
     if (!terminals_.err) return;
     ClearProgress();
