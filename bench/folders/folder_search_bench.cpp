@@ -166,8 +166,6 @@ int main(int argc, char** argv) {
               WIFEXITED(status) ? WEXITSTATUS(status) : -1, files);
   std::printf("wall time: %.2f s (%.1f ms a project)\n", seconds, seconds * 1000 / projects);
   std::printf("IDE processes: %zu seen, at most %zu alive at once\n", ides, peakIdes);
-  std::printf("peak memory (kB): qx %ld, one IDE %ld, all IDEs together %ld\n", peakQxKb, peakIdeKb,
-              peakIdesTotalKb);
   std::printf("peak memory: qx %.1f MB; one IDE %.1f MB; all IDEs together %.1f MB\n",
               peakQxKb / 1024.0, peakIdeKb / 1024.0, peakIdesTotalKb / 1024.0);
   std::printf("left behind: %zu files in the run folder, %zu processes\n", left.size(), outlived);
