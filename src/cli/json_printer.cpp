@@ -102,6 +102,7 @@ class JsonPrinter : public Printer {
     Write({{"type", "end"},
            {"data", {{"path", path}, {"binary_offset", nullptr}, {"stats", stats}}}});
     printed_ += printed;
+    out_.flush();  // a reader that has gone is noticed at once
   }
 
   void Refused(const cli::Refusal& refusal) override {
@@ -132,6 +133,8 @@ class JsonPrinter : public Printer {
     }
     Write({{"type", "summary"}, {"data", data}});
   }
+
+  bool OutputClosed() const override { return !out_; }
 
   // A progress line would garble the stream that tools read; JSON runs show none.
   void Progress(std::string_view) override {}

@@ -53,6 +53,9 @@ class Printer {
   virtual void Progress(std::string_view text) = 0;
   // Something the user should know that is neither a problem nor an error: what a run left out.
   virtual void Notice(std::string_view text) = 0;
+  // Whether standard output can no longer be written, as when `qx search ... | head` has read
+  // enough: the run then stops, as ripgrep does.
+  virtual bool OutputClosed() const = 0;
 };
 
 std::unique_ptr<Printer> MakeTextPrinter(std::ostream& out, std::ostream& err, Terminals terminals);

@@ -115,7 +115,7 @@ class Run {
     ProgressLine progress(printer_, discovery.projects.size());
     progress_ = &progress;
     for (const fs::path& projectFile : discovery.projects) {
-      if (Interrupted() != 0) break;
+      if (Interrupted() != 0 || printer_.OutputClosed()) break;
       progress.Project(ShowPath(projectFile));
       try {
         Project(session, projectFile);
@@ -134,6 +134,8 @@ class Run {
       ForgetEndedIdes();
       return 128 + signal;
     }
+    // Nobody reads any more: nothing more to say.
+    if (printer_.OutputClosed()) return totals_.matches > 0 ? kExitMatch : kExitNoMatch;
     for (const Problem& problem : session.Problems())
       printer_.Problem(problem);
     NoticeSkipped();
@@ -232,7 +234,7 @@ class Run {
       const bool skip = !asked && !Openable(collection.name);
       for (const contracts::EnumerationEntry& entry :
            contracts::ParseEnumeration(collection.text)) {
-        if (Interrupted() != 0) return;
+        if (Interrupted() != 0 || printer_.OutputClosed()) return;
         if (entry.name.empty() || !ComponentSelected(options_, entry.name)) continue;
         const ComponentFile* file = FileOf(files, collection.name, entry.name);
         if (skip) {

@@ -119,6 +119,11 @@ class TextPrinter : public Printer {
 
   void SearchFile(const FileMatches& file, SearchStyle style) override {
     ClearProgress();
+    ShowFile(file, style);
+    out_.flush();  // a reader that has gone is noticed at once
+  }
+
+  void ShowFile(const FileMatches& file, SearchStyle style) {
     const std::string path = Paint(kPathColor, ForOut(file.path));
     switch (style) {
       case SearchStyle::Quiet:
@@ -181,6 +186,7 @@ class TextPrinter : public Printer {
                                                    : nullptr;
       out_ << (color ? Paint(color, ForOut(line)) : ForOut(line)) << "\n";
     }
+    out_.flush();
   }
 
   void SearchSummary(const SearchTotals& totals, SearchStyle style) override {
@@ -200,6 +206,8 @@ class TextPrinter : public Printer {
     ClearProgress();
     err_ << "qx: " << ForErr(text) << "\n";
   }
+
+  bool OutputClosed() const override { return !out_; }
 
   void Progress(std::string_view text) override {
     if (!terminals_.err) return;

@@ -1,10 +1,14 @@
 // What a search run does with the IDE processes and with what it cannot search yet: a folder of
 // projects keeps one IDE at a time and leaves none, nor anything in the run folder; a file that
-// several projects share is searched once; Ctrl-C ends the IDE the run started; forms are left
-// out with a notice unless asked for; JSON's "begin" says the code page.
+// several projects share is searched once; Ctrl-C ends the IDE the run started, and a reader
+// that has gone stops the run; forms are left out with a notice unless asked for; JSON's "begin"
+// says the code page.
 
+#include <fcntl.h>
 #include <signal.h>
+#include <spawn.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <nlohmann/json.hpp>
@@ -156,6 +160,43 @@ TEST_F(SearchRuns, CtrlCEndsTheIdeTheRunStartedAndLeavesNothing) {
   EXPECT_TRUE(ChildProcesses::Children().empty()) << "an IDE outlived the run";
   EXPECT_EQ(RunFolder(home()), std::vector<std::string>{}) << "left in the run folder";
   EXPECT_EQ(run.err.find("error"), std::string::npos) << run.err;
+}
+
+// `qx search ... | head -1`: once the reader has gone, the run stops instead of searching on, and
+// ends its IDE as usual.
+TEST_F(SearchRuns, AReaderThatHasGoneStopsTheRun) {
+  const fs::path folder = Folder(20);
+  const fs::path log = WatchIdeStarts();
+  int fds[2];
+  ASSERT_EQ(::pipe(fds), 0);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, fds[1], 1);
+  posix_spawn_file_actions_addclose(&actions, fds[0]);
+  posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+  std::vector<std::string> args{QX_BIN, "search", "running", folder.string()};
+  std::vector<char*> argv;
+  for (auto& a : args)
+    argv.push_back(a.data());
+  argv.push_back(nullptr);
+  pid_t qx = 0;
+  ASSERT_EQ(::posix_spawn(&qx, QX_BIN, &actions, nullptr, argv.data(), environ), 0);
+  posix_spawn_file_actions_destroy(&actions);
+  ::close(fds[1]);
+  char first = 0;
+  ASSERT_EQ(::read(fds[0], &first, 1), 1);
+  ::close(fds[0]);
+  int status = 0;
+  ::waitpid(qx, &status, 0);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 0) << "it had matched";
+
+  std::istringstream starts(ReadAll(log));
+  size_t ides = 0;
+  for (long pid = 0, alive = 0; starts >> pid >> alive; ++ides)
+    EXPECT_TRUE(qxtest::ProcessGone(pid)) << "IDE " << pid << " outlived the run";
+  EXPECT_LT(ides, 20u) << "the run went on after its reader had gone";
+  EXPECT_EQ(RunFolder(home()), std::vector<std::string>{}) << "left in the run folder";
 }
 
 TEST_F(SearchRuns, FormsAreLeftOutWithANoticeUnlessAskedForAndBeginSaysTheCodePage) {
