@@ -123,44 +123,6 @@ class TextPrinter : public Printer {
     out_.flush();  // a reader that has gone is noticed at once
   }
 
-  void ShowFile(const FileMatches& file, SearchStyle style) {
-    const std::string path = Paint(kPathColor, ForOut(file.path));
-    switch (style) {
-      case SearchStyle::Quiet:
-        return;
-      case SearchStyle::FilesWithMatches:
-        out_ << path << "\n";
-        return;
-      case SearchStyle::Count:
-        out_ << path << ":" << file.hits.size() << "\n";
-        return;
-      case SearchStyle::Vimgrep:
-        for (const SearchHit& hit : file.hits) {
-          for (const SearchHit::Submatch& sub : hit.submatches) {
-            out_ << path << ":" << hit.line << ":" << sub.start + 1 << ":"
-                 << Highlight(hit.text, {sub}) << "\n";
-          }
-        }
-        return;
-      case SearchStyle::Grouped:
-        break;
-    }
-    if (groupsPrinted_++ > 0) out_ << "\n";
-    out_ << path << "\n";
-    const std::string* procedure = nullptr;
-    for (const SearchHit& hit : file.hits) {
-      if (procedure == nullptr || *procedure != hit.procedure) {
-        procedure = &hit.procedure;
-        const std::string label = hit.procedure.empty() ? "name of " + hit.component
-                                                        : hit.component + "." + hit.procedure;
-        out_ << Paint(kProcedureColor, "[" + ForOut(label) + "]") << "\n";
-      }
-      const size_t column = hit.submatches.empty() ? 1 : hit.submatches.front().start + 1;
-      out_ << Paint(kLineColor, hit.line == 0 ? "?" : std::to_string(hit.line)) << ":" << column
-           << ":" << Highlight(hit.text, hit.submatches) << "\n";
-    }
-  }
-
   void Refused(const cli::Refusal& refusal) override {
     ClearProgress();
     std::string place = refusal.path;
@@ -218,6 +180,44 @@ class TextPrinter : public Printer {
   }
 
  private:
+  void ShowFile(const FileMatches& file, SearchStyle style) {
+    const std::string path = Paint(kPathColor, ForOut(file.path));
+    switch (style) {
+      case SearchStyle::Quiet:
+        return;
+      case SearchStyle::FilesWithMatches:
+        out_ << path << "\n";
+        return;
+      case SearchStyle::Count:
+        out_ << path << ":" << file.hits.size() << "\n";
+        return;
+      case SearchStyle::Vimgrep:
+        for (const SearchHit& hit : file.hits) {
+          for (const SearchHit::Submatch& sub : hit.submatches) {
+            out_ << path << ":" << hit.line << ":" << sub.start + 1 << ":"
+                 << Highlight(hit.text, {sub}) << "\n";
+          }
+        }
+        return;
+      case SearchStyle::Grouped:
+        break;
+    }
+    if (groupsPrinted_++ > 0) out_ << "\n";
+    out_ << path << "\n";
+    const std::string* procedure = nullptr;
+    for (const SearchHit& hit : file.hits) {
+      if (procedure == nullptr || *procedure != hit.procedure) {
+        procedure = &hit.procedure;
+        const std::string label = hit.procedure.empty() ? "name of " + hit.component
+                                                        : hit.component + "." + hit.procedure;
+        out_ << Paint(kProcedureColor, "[" + ForOut(label) + "]") << "\n";
+      }
+      const size_t column = hit.submatches.empty() ? 1 : hit.submatches.front().start + 1;
+      out_ << Paint(kLineColor, hit.line == 0 ? "?" : std::to_string(hit.line)) << ":" << column
+           << ":" << Highlight(hit.text, hit.submatches) << "\n";
+    }
+  }
+
   std::string ForOut(std::string_view text) const {
     return terminals_.out ? EscapeControls(PlainLines(text)) : PlainLines(text);
   }
