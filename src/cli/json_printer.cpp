@@ -46,13 +46,7 @@ class JsonPrinter : public Printer {
   void Summary(const cli::Summary& summary) override {
     json record = {{"type", "summary"}, {"ok", true}};
     if (summary.components) record["components"] = *summary.components;
-    if (const auto& codePage = summary.codePage) {
-      record["codepage"] = {{"number", codePage->number},
-                            {"source", CodePageSourceName(codePage->source)},
-                            // Two decimals are all a guess's confidence says.
-                            {"confidence", std::round(codePage->confidence * 100) / 100},
-                            {"non_ascii_bytes", codePage->nonAsciiBytes}};
-    }
+    if (summary.codePage) record["codepage"] = CodePage(*summary.codePage);
     Write(record);
   }
 
@@ -80,10 +74,13 @@ class JsonPrinter : public Printer {
   }
 
   // ripgrep's JSON Lines messages: "begin", one "match" per matching line, "end" with the
-  // file's statistics, and "summary" at the end; the match data gains the component's place.
+  // file's statistics, and "summary" at the end; the begin data gains the code page the file was
+  // read in, the match data the component's place.
   void SearchFile(const FileMatches& file, SearchStyle) override {
     const json path = {{"text", file.path}};
-    Write({{"type", "begin"}, {"data", {{"path", path}}}});
+    json begin = {{"path", path}};
+    if (file.codePage) begin["codepage"] = CodePage(*file.codePage);
+    Write({{"type", "begin"}, {"data", begin}});
     size_t printed = 0;
     for (const SearchHit& hit : file.hits) {
       json submatches = json::array();
@@ -105,6 +102,7 @@ class JsonPrinter : public Printer {
     Write({{"type", "end"},
            {"data", {{"path", path}, {"binary_offset", nullptr}, {"stats", stats}}}});
     printed_ += printed;
+    out_.flush();  // a reader that has gone is noticed at once
   }
 
   void Refused(const cli::Refusal& refusal) override {
@@ -136,8 +134,14 @@ class JsonPrinter : public Printer {
     Write({{"type", "summary"}, {"data", data}});
   }
 
-  void Progress(std::string_view text) override {
-    if (err_ != nullptr) text_->Progress(text);
+  bool OutputClosed() const override { return !out_; }
+
+  // A progress line would garble the stream that tools read; JSON runs show none.
+  void Progress(std::string_view) override {}
+
+  void Notice(std::string_view text) override {
+    if (err_ != nullptr) return text_->Notice(text);
+    Write({{"type", "notice"}, {"text", text}});
   }
 
  private:
@@ -148,6 +152,14 @@ class JsonPrinter : public Printer {
     const std::string shown = terminals_.out ? EscapeJsonControls(line) : line;
     out_ << shown << "\n";
     return shown.size() + 1;
+  }
+
+  static json CodePage(const platform::ProjectCodePage& codePage) {
+    return {{"number", codePage.number},
+            {"source", CodePageSourceName(codePage.source)},
+            // Two decimals are all a guess's confidence says.
+            {"confidence", std::round(codePage.confidence * 100) / 100},
+            {"non_ascii_bytes", codePage.nonAsciiBytes}};
   }
 
   static json Elapsed(double seconds) {

@@ -9,6 +9,7 @@
 
 #include "automation/error.h"
 #include "cli/commands.h"
+#include "cli/interruption.h"
 #include "cli/terminal.h"
 #include "platform/codepage.h"
 
@@ -191,8 +192,10 @@ int main(int argc, char** argv) {
   if (ideList->parsed()) return cli::RunIdeList(*printer);
   if (ideStop->parsed()) return cli::RunIdeStop(ide, *printer);
 
-  if (searchCommand->parsed()) return cli::RunSearch(search, *printer);
-  if (replaceCommand->parsed()) {
+  if (searching) {
+    // Before the run starts any thread: Ctrl-C then ends the IDEs it started, not just qx.
+    const cli::InterruptionWatch watch;
+    if (searchCommand->parsed()) return cli::RunSearch(search, *printer);
     replace.replacement = replacement;
     return cli::RunSearch(replace, *printer);
   }

@@ -48,8 +48,14 @@ class Printer {
   virtual void Refused(const cli::Refusal& refusal) = 0;
   virtual void Diff(const FileDiff& diff) = 0;
   virtual void SearchSummary(const SearchTotals& totals, SearchStyle style) = 0;
-  // A progress line on standard error (replacing the one before); empty clears it.
+  // A progress line on standard error (replacing the one before), shown only when standard
+  // error is a terminal and never among JSON lines; empty clears it.
   virtual void Progress(std::string_view text) = 0;
+  // Something the user should know that is neither a problem nor an error: what a run left out.
+  virtual void Notice(std::string_view text) = 0;
+  // Whether standard output can no longer be written, as when `qx search ... | head` has read
+  // enough: the run then stops, as ripgrep does.
+  virtual bool OutputClosed() const = 0;
 };
 
 std::unique_ptr<Printer> MakeTextPrinter(std::ostream& out, std::ostream& err, Terminals terminals);

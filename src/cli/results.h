@@ -57,6 +57,8 @@ struct SearchHit {
 // What one component file gave.
 struct FileMatches {
   std::string path;  // as shown: relative to the current folder when below it
+  // The code page the file was read in: its project's, given to the run or detected.
+  std::optional<platform::ProjectCodePage> codePage;
   std::vector<SearchHit> hits;
   size_t matches = 0;
   size_t bytes = 0;  // the file's size

@@ -4,24 +4,31 @@
 // A replace without --write runs the very same write on a scratch copy of the project and shows
 // how the copy's files changed, so the preview is exactly what --write would do.
 
+#include <sys/wait.h>
+
 #include <chrono>
 #include <filesystem>
 #include <map>
 #include <set>
+#include <thread>
 
 #include "automation/casefold.h"
 #include "cli/commands.h"
 #include "cli/ide_processes.h"
+#include "cli/interruption.h"
 #include "cli/listing.h"
+#include "cli/progress.h"
 #include "cli/project_files.h"
 #include "cli/scan_buffer.h"
 #include "cli/scan_results.h"
 #include "cli/session.h"
 #include "cli/unified_diff.h"
+#include "collections/collection_kinds.h"
 #include "contracts/driver_interfaces.h"
 #include "contracts/enumeration.h"
 #include "platform/files.h"
 #include "platform/paths.h"
+#include "project/dispatcher.h"
 
 namespace cli {
 namespace fs = std::filesystem;
@@ -40,6 +47,7 @@ struct ScannedFile {
   std::string after;  // after a write; equal to before otherwise
   ComponentScan scan;
   double seconds = 0;
+  platform::ProjectCodePage codePage;
 };
 
 // A scratch copy of a project: the project file and every component file with its companions
@@ -104,25 +112,33 @@ class Run {
     for (const automation::Error& e : discovery.errors)
       Fail(e);
     Session session;
-    for (size_t i = 0; i < discovery.projects.size(); ++i) {
-      if (Since(start_) > 1.0) {
-        printer_.Progress("project " + std::to_string(i + 1) + " of " +
-                          std::to_string(discovery.projects.size()) + ": " +
-                          ShowPath(discovery.projects[i]));
-      }
+    ProgressLine progress(printer_, discovery.projects.size());
+    progress_ = &progress;
+    for (const fs::path& projectFile : discovery.projects) {
+      if (Interrupted() != 0 || printer_.OutputClosed()) break;
+      progress.Project(ShowPath(projectFile));
       try {
-        Project(session, discovery.projects[i]);
+        Project(session, projectFile);
       } catch (const automation::Error& e) {
-        Fail(e);
+        // Ending the run's IDEs makes the call in flight fail: that is no error of the project.
+        if (Interrupted() == 0) Fail(e);
       } catch (const fs::filesystem_error& e) {
         Fail(automation::Error(75, "qx", e.what()));
       }
       if (options_.style == SearchStyle::Quiet && totals_.matches > 0 && !options_.replacement)
         break;
     }
-    printer_.Progress("");
+    progress.Clear();
+    progress_ = nullptr;
+    if (const int signal = Interrupted(); signal != 0) {
+      ForgetEndedIdes();
+      return 128 + signal;
+    }
+    // Nobody reads any more: nothing more to say.
+    if (printer_.OutputClosed()) return totals_.matches > 0 ? kExitMatch : kExitNoMatch;
     for (const Problem& problem : session.Problems())
       printer_.Problem(problem);
+    NoticeSkipped();
     totals_.seconds = Since(start_);
     totals_.replace = options_.replacement.has_value();
     totals_.written = options_.write;
@@ -132,6 +148,43 @@ class Run {
   }
 
  private:
+  // After an interruption: waits for the IDEs that the run started to end (the watch ends
+  // them), collects their exit, and has the registered-object table drop what they left in the
+  // run folder, so nothing of this run stays behind.
+  static void ForgetEndedIdes() {
+    const auto deadline = Clock::now() + std::chrono::seconds(5);
+    while (!ChildProcesses().empty() && Clock::now() < deadline)
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    while (::waitpid(-1, nullptr, WNOHANG) > 0) {
+    }
+    try {
+      RunningIdes();
+    } catch (...) {
+      // Only a clean-up: the next run of qx drops what is left.
+    }
+  }
+
+  // Without --kind, the kinds whose components the driver cannot open yet are left out, and said
+  // once; named with --kind, each of their components is an error of its own.
+  static bool Openable(const std::string& collection) {
+    for (const auto& kind : collections::CollectionKinds()) {
+      if (kind.className == collection) return project::CanBuildComponents(kind.factory);
+    }
+    return false;
+  }
+
+  void NoticeSkipped() {
+    size_t total = 0;
+    std::string kinds;
+    for (const auto& [collection, count] : skipped_) {
+      total += count;
+      kinds += (kinds.empty() ? "" : ", ") + collection + " (" + std::to_string(count) + ")";
+    }
+    if (total == 0) return;
+    printer_.Notice(std::to_string(total) + (total == 1 ? " component" : " components") +
+                    " not searched, of kinds qx cannot open yet: " + kinds);
+  }
+
   void Fail(const automation::Error& e) {
     printer_.Error(e);
     error_ = true;
@@ -173,19 +226,27 @@ class Run {
     } deactivate{project};
 
     bool reached = false;
+    const platform::ProjectCodePage codePage = session.CodePage();
     for (const CollectionEnumeration& collection : EnumerateCollections(project)) {
-      if (!options_.kinds.empty() && std::find(options_.kinds.begin(), options_.kinds.end(),
-                                               collection.name) == options_.kinds.end()) {
-        continue;
-      }
+      const bool asked = std::find(options_.kinds.begin(), options_.kinds.end(), collection.name) !=
+                         options_.kinds.end();
+      if (!options_.kinds.empty() && !asked) continue;
+      const bool skip = !asked && !Openable(collection.name);
       for (const contracts::EnumerationEntry& entry :
            contracts::ParseEnumeration(collection.text)) {
+        if (Interrupted() != 0 || printer_.OutputClosed()) return;
         if (entry.name.empty() || !ComponentSelected(options_, entry.name)) continue;
         const ComponentFile* file = FileOf(files, collection.name, entry.name);
+        if (skip) {
+          if (file == nullptr || skippedFiles_.insert(FileKey(file->file)).second)
+            ++skipped_[collection.name];
+          continue;
+        }
         if (file != nullptr && !done_.insert(FileKey(file->file)).second) continue;
         try {
-          Component(project, scanned, collection.name, entry, file, copy.get());
+          Component(project, scanned, collection.name, entry, file, copy.get(), codePage);
           reached = true;
+          progress_->ComponentDone();
         } catch (const automation::Error& e) {
           // Without a first component, the IDE is out of reach: once said is enough.
           if (!reached) throw;
@@ -207,9 +268,11 @@ class Run {
 
   void Component(const automation::ObjectRef& project, const fs::path& projectFile,
                  const std::string& collection, const contracts::EnumerationEntry& entry,
-                 const ComponentFile* file, const ScratchCopy* copy) {
+                 const ComponentFile* file, const ScratchCopy* copy,
+                 const platform::ProjectCodePage& codePage) {
     const Clock::time_point started = Clock::now();
     ScannedFile scanned;
+    scanned.codePage = codePage;
     fs::path onDisk;
     if (file != nullptr) {
       scanned.original = file->file;
@@ -250,6 +313,7 @@ class Run {
     matches.path = path;
     matches.bytes = scanned.before.size();
     matches.seconds = scanned.seconds;
+    matches.codePage = scanned.codePage;
     for (size_t p = 0; p < scan.places.size(); ++p) {
       const ScanPlace& place = scan.places[p];
       const std::string procedure = place.kind == "name" ? std::string() : place.name;
@@ -309,6 +373,9 @@ class Run {
   const std::string request_;
   const Clock::time_point start_ = Clock::now();
   std::set<std::string> done_;  // component files already searched in this run
+  std::set<std::string> skippedFiles_;
+  std::map<std::string, size_t> skipped_;  // components left out, by collection
+  ProgressLine* progress_ = nullptr;
   SearchTotals totals_;
   bool error_ = false;
 };

@@ -119,6 +119,68 @@ class TextPrinter : public Printer {
 
   void SearchFile(const FileMatches& file, SearchStyle style) override {
     ClearProgress();
+    ShowFile(file, style);
+    out_.flush();  // a reader that has gone is noticed at once
+  }
+
+  void Refused(const cli::Refusal& refusal) override {
+    ClearProgress();
+    std::string place = refusal.path;
+    if (refusal.line != 0) place += ":" + std::to_string(refusal.line);
+    std::string what = refusal.component;
+    if (!refusal.procedure.empty()) what += "." + refusal.procedure;
+    err_ << "qx: " << ForErr(place) << ": " << ForErr(what) << ": error " << refusal.number << ": "
+         << ForErr(refusal.description) << "\n";
+  }
+
+  void Diff(const FileDiff& diff) override {
+    ClearProgress();
+    std::string_view rest = diff.diff;
+    while (!rest.empty()) {
+      const size_t end = rest.find('\n');
+      const std::string_view line = rest.substr(0, end);
+      rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
+      const bool header = line.starts_with("--- ") || line.starts_with("+++ ");
+      const char* color = header                   ? kBold
+                          : line.starts_with("@@") ? kHunkColor
+                          : line.starts_with("-")  ? kRemovedColor
+                          : line.starts_with("+")  ? kAddedColor
+                                                   : nullptr;
+      out_ << (color ? Paint(color, ForOut(line)) : ForOut(line)) << "\n";
+    }
+    out_.flush();
+  }
+
+  void SearchSummary(const SearchTotals& totals, SearchStyle style) override {
+    ClearProgress();
+    if (!totals.replace || style == SearchStyle::Quiet) return;
+    const auto plural = [](size_t n, const char* one, const char* many) {
+      return std::to_string(n) + " " + (n == 1 ? one : many);
+    };
+    out_ << plural(totals.matches, "replacement", "replacements") << " in "
+         << plural(totals.filesChanged, "file", "files");
+    if (totals.refused != 0)
+      out_ << ", " << plural(totals.refused, "place", "places") << " refused";
+    out_ << (totals.written ? "; written\n" : "; nothing written (--write applies them)\n");
+  }
+
+  void Notice(std::string_view text) override {
+    ClearProgress();
+    err_ << "qx: " << ForErr(text) << "\n";
+  }
+
+  bool OutputClosed() const override { return !out_; }
+
+  void Progress(std::string_view text) override {
+    if (!terminals_.err) return;
+    ClearProgress();
+    if (text.empty()) return;
+    err_ << ForErr(text) << std::flush;
+    progressShown_ = true;
+  }
+
+ private:
+  void ShowFile(const FileMatches& file, SearchStyle style) {
     const std::string path = Paint(kPathColor, ForOut(file.path));
     switch (style) {
       case SearchStyle::Quiet:
@@ -156,55 +218,6 @@ class TextPrinter : public Printer {
     }
   }
 
-  void Refused(const cli::Refusal& refusal) override {
-    ClearProgress();
-    std::string place = refusal.path;
-    if (refusal.line != 0) place += ":" + std::to_string(refusal.line);
-    std::string what = refusal.component;
-    if (!refusal.procedure.empty()) what += "." + refusal.procedure;
-    err_ << "qx: " << ForErr(place) << ": " << ForErr(what) << ": error " << refusal.number << ": "
-         << ForErr(refusal.description) << "\n";
-  }
-
-  void Diff(const FileDiff& diff) override {
-    ClearProgress();
-    std::string_view rest = diff.diff;
-    while (!rest.empty()) {
-      const size_t end = rest.find('\n');
-      const std::string_view line = rest.substr(0, end);
-      rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
-      const bool header = line.starts_with("--- ") || line.starts_with("+++ ");
-      const char* color = header                   ? kBold
-                          : line.starts_with("@@") ? kHunkColor
-                          : line.starts_with("-")  ? kRemovedColor
-                          : line.starts_with("+")  ? kAddedColor
-                                                   : nullptr;
-      out_ << (color ? Paint(color, ForOut(line)) : ForOut(line)) << "\n";
-    }
-  }
-
-  void SearchSummary(const SearchTotals& totals, SearchStyle style) override {
-    ClearProgress();
-    if (!totals.replace || style == SearchStyle::Quiet) return;
-    const auto plural = [](size_t n, const char* one, const char* many) {
-      return std::to_string(n) + " " + (n == 1 ? one : many);
-    };
-    out_ << plural(totals.matches, "replacement", "replacements") << " in "
-         << plural(totals.filesChanged, "file", "files");
-    if (totals.refused != 0)
-      out_ << ", " << plural(totals.refused, "place", "places") << " refused";
-    out_ << (totals.written ? "; written\n" : "; nothing written (--write applies them)\n");
-  }
-
-  void Progress(std::string_view text) override {
-    if (!terminals_.err) return;
-    ClearProgress();
-    if (text.empty()) return;
-    err_ << ForErr(text) << std::flush;
-    progressShown_ = true;
-  }
-
- private:
   std::string ForOut(std::string_view text) const {
     return terminals_.out ? EscapeControls(PlainLines(text)) : PlainLines(text);
   }

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -40,21 +41,42 @@ class LaunchLock {
     std::filesystem::create_directories(run, ec);
     char hash[20];
     std::snprintf(hash, sizeof hash, "%016zx", std::hash<std::string>()(ObjectTable::Key(name)));
-    fd_ = ::open((run / ("launch-" + std::string(hash) + ".lock")).c_str(),
-                 O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    path_ = run / ("launch-" + std::string(hash) + ".lock");
+    Open();
   }
+  // The holder removes the lock file before it lets go, so that a run over many projects
+  // leaves no file per project behind.
   ~LaunchLock() {
+    if (held_) ::unlink(path_.c_str());
     if (fd_ >= 0) ::close(fd_);  // releases the lock
   }
   LaunchLock(const LaunchLock&) = delete;
   LaunchLock& operator=(const LaunchLock&) = delete;
 
   // Takes the lock if no other process holds it. Without a lock file there is nothing to
-  // wait for.
-  bool TryAcquire() { return fd_ < 0 || ::flock(fd_, LOCK_EX | LOCK_NB) == 0; }
+  // wait for. A lock taken on a file that its holder removed meanwhile is no lock: the file is
+  // opened again, and the next try takes the one that is there now.
+  bool TryAcquire() {
+    if (fd_ < 0) return true;
+    if (::flock(fd_, LOCK_EX | LOCK_NB) != 0) return false;
+    struct stat opened {};
+    struct stat named {};
+    if (::fstat(fd_, &opened) == 0 && ::stat(path_.c_str(), &named) == 0 &&
+        opened.st_dev == named.st_dev && opened.st_ino == named.st_ino) {
+      held_ = true;
+      return true;
+    }
+    ::close(fd_);
+    Open();
+    return false;
+  }
 
  private:
+  void Open() { fd_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600); }
+
+  std::filesystem::path path_;
   int fd_ = -1;
+  bool held_ = false;
 };
 
 }  // namespace

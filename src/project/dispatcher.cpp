@@ -98,6 +98,14 @@ const Kind kUserDocuments{
 
 }  // namespace
 
+bool CanBuildComponents(std::string_view operation) {
+  for (const Kind* kind : {&kClassModules, &kDesigners, &kDhtmlPages, &kForms, &kModules,
+                           &kPropertyPages, &kUserConnections, &kUserControls, &kUserDocuments}) {
+    if (operation == kind->factory) return Factory() && Factory()(kind->className) != nullptr;
+  }
+  return false;
+}
+
 const automation::ClassInfo& Dispatcher::Class() const {
   static const automation::ClassInfo info =
       automation::ClassBuilder<Dispatcher>("Dispatcher")

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "automation/error.h"
@@ -250,6 +251,18 @@ TEST(SearchOutput, JsonIsRipgrepsMessagesWithThePlaceAdded) {
             std::string::npos);
   EXPECT_NE(end.find(R"("matched_lines":1,"matches":2})"), std::string::npos);
   EXPECT_EQ(err.str(), "qx: error 53: File not found: x\n");
+
+  // The code page the file was read in is our own field of "begin", beside ripgrep's path.
+  cli::FileMatches file = Sample();
+  file.codePage = platform::ProjectCodePage{932, platform::CodePageSource::Detected, 0.987, 812};
+  out.str("");
+  printer->SearchFile(file, cli::SearchStyle::Grouped);
+  const nlohmann::json record = nlohmann::json::parse(out.str().substr(0, out.str().find('\n')));
+  EXPECT_EQ(record["type"], "begin");
+  EXPECT_EQ(record["data"]["path"]["text"], "p/Module1.bas");
+  EXPECT_EQ(record["data"]["codepage"],
+            nlohmann::json::parse(R"({"number":932,"source":"detected","confidence":0.99,)"
+                                  R"("non_ascii_bytes":812})"));
 }
 
 }  // namespace

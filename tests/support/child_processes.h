@@ -8,7 +8,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -49,12 +51,30 @@ class ChildProcesses {
       End(pid);
   }
 
-  // The children of this (single-threaded) process, as Linux lists them.
+  // The children of this process, as Linux lists them, or (where the kernel keeps no such
+  // list) as the parent field of every process says.
   static std::vector<pid_t> Children() {
-    std::ifstream in("/proc/self/task/" + std::to_string(::getpid()) + "/children");
     std::vector<pid_t> pids;
-    for (pid_t pid; in >> pid;)
-      pids.push_back(pid);
+    std::ifstream in("/proc/self/task/" + std::to_string(::getpid()) + "/children");
+    if (in) {
+      for (pid_t pid; in >> pid;)
+        pids.push_back(pid);
+      return pids;
+    }
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+      const std::string name = entry.path().filename().string();
+      if (name.empty() || name.find_first_not_of("0123456789") != std::string::npos) continue;
+      std::ifstream stat(entry.path() / "stat");
+      std::string line;
+      if (!std::getline(stat, line)) continue;
+      // "pid (name) state ppid ...": the name may hold anything, so fields count from the last ")".
+      const size_t close = line.rfind(')');
+      if (close == std::string::npos) continue;
+      std::istringstream fields(line.substr(close + 1));
+      std::string state;
+      long parent = 0;
+      if (fields >> state >> parent && parent == ::getpid()) pids.push_back(std::stoi(name));
+    }
     return pids;
   }
 };

@@ -1,0 +1,224 @@
+// What a search run does with the IDE processes and with what it cannot search yet: a folder of
+// projects keeps one IDE at a time and leaves none, nor anything in the run folder; a file that
+// several projects share is searched once; Ctrl-C ends the IDE the run started, and a reader
+// that has gone stops the run; forms are left out with a notice unless asked for; JSON's "begin"
+// says the code page.
+
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+
+#include "bench/generator/project_generator.h"
+#include "ide_process/ide_processes.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using qxtest::ChildProcesses;
+using qxtest::IdeProcesses;
+using qxtest::ReadAll;
+
+std::vector<nlohmann::json> JsonLines(const std::string& text) {
+  std::vector<nlohmann::json> records;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);)
+    records.push_back(nlohmann::json::parse(line));
+  return records;
+}
+
+size_t Count(const std::string& text, const std::string& word) {
+  size_t count = 0;
+  for (size_t at = text.find(word); at != std::string::npos; at = text.find(word, at + 1))
+    ++count;
+  return count;
+}
+
+// What the IDE processes left in the run folder of the qx home.
+std::vector<std::string> RunFolder(const fs::path& home) {
+  std::vector<std::string> files;
+  std::error_code ec;
+  for (fs::directory_iterator it(home / "run", ec), end; !ec && it != end; it.increment(ec))
+    files.push_back(it->path().filename().string());
+  return files;
+}
+
+class SearchRuns : public IdeProcesses {
+ protected:
+  // `count` small generated projects (a module, a class and a form each) under work/folder.
+  fs::path Folder(size_t count) {
+    const fs::path folder = work() / "folder";
+    qxbench::GeneratorOptions options;
+    options.totalLines = 60;
+    options.proceduresPerComponent = 2;
+    for (size_t i = 0; i < count; ++i)
+      qxbench::GenerateProject(folder / ("p" + std::to_string(i)), options);
+    return folder;
+  }
+
+  // The IDE program in a wrapper that notes, as each IDE starts, how many of the IDEs started
+  // before it are still alive. The wrapper ends in the IDE itself (exec), so the IDE keeps its
+  // process id and qx sees the IDE as it is.
+  fs::path WatchIdeStarts() {
+    const fs::path log = work() / "ides.log";
+    const fs::path wrapper = work() / "wrapper" / "qxvb6.exe";
+    fs::create_directories(wrapper.parent_path());
+    std::ofstream(wrapper) << "#!/bin/sh\n"
+                           << "alive=0\n"
+                           << "if [ -f '" << log.string() << "' ]; then\n"
+                           << "  while read pid rest; do\n"
+                           << "    if [ -r /proc/$pid/stat ] && "
+                              "! grep -q ') [ZX] ' /proc/$pid/stat; then\n"
+                           << "      alive=$((alive + 1))\n"
+                           << "    fi\n"
+                           << "  done < '" << log.string() << "'\n"
+                           << "fi\n"
+                           << "echo \"$$ $alive\" >> '" << log.string() << "'\n"
+                           << "exec '" << QXVB6_BIN << "' \"$@\"\n";
+    ::chmod(wrapper.c_str(), 0755);
+    ::setenv("QX_VB6_EXE", wrapper.c_str(), 1);
+    return log;
+  }
+};
+
+TEST_F(SearchRuns, AFolderOfProjectsKeepsOneIdeAtATimeAndLeavesNothing) {
+  const fs::path folder = Folder(5);
+  // Two more projects share one module, named from each by its own relative path.
+  const std::string shared =
+      "Attribute VB_Name = \"Shared\"\r\nOption Explicit\r\n\r\nPublic Sub Tell()\r\n"
+      "    Debug.Print \"sharedword\"\r\nEnd Sub\r\n";
+  fs::create_directories(folder / "common");
+  std::ofstream(folder / "common" / "Shared.bas", std::ios::binary) << shared;
+  for (const char* name : {"s1", "s2"}) {
+    fs::create_directories(folder / name);
+    std::ofstream(folder / name / "S.vbp", std::ios::binary)
+        << "Type=Exe\r\nModule=Shared; ..\\common\\Shared.bas\r\nName=\"S\"\r\n";
+  }
+  const fs::path log = WatchIdeStarts();
+
+  const auto run = Qx({"search", "--json", "-e", "running", "-e", "sharedword", folder.string()});
+  ASSERT_EQ(run.status, 0) << run.err;
+  // One IDE per project that had a component left to search (the second project of the shared
+  // module has none), each started after the one before had gone, and none left.
+  std::istringstream starts(ReadAll(log));
+  size_t ides = 0;
+  for (long pid = 0, alive = 0; starts >> pid >> alive; ++ides) {
+    EXPECT_EQ(alive, 0) << "IDE " << pid << " started while another was alive";
+    EXPECT_TRUE(qxtest::ProcessGone(pid)) << "IDE " << pid << " outlived the run";
+  }
+  EXPECT_EQ(ides, 6u) << ReadAll(log);
+  EXPECT_EQ(RunFolder(home()), std::vector<std::string>{}) << "left in the run folder";
+
+  // Every module and class of the generated projects, and the shared module once.
+  size_t begins = 0, sharedBegins = 0;
+  for (const nlohmann::json& record : JsonLines(run.out)) {
+    if (record["type"] != "begin") continue;
+    ++begins;
+    sharedBegins += record["data"]["path"]["text"].get<std::string>().ends_with("Shared.bas");
+  }
+  EXPECT_EQ(begins, 5u * 2 + 1);
+  EXPECT_EQ(sharedBegins, 1u);
+  // The forms are left out, said once.
+  EXPECT_EQ(Count(run.err, "\n"), 1u) << run.err;
+  EXPECT_NE(run.err.find("qx: 5 components not searched, of kinds qx cannot open yet: Forms (5)"),
+            std::string::npos)
+      << run.err;
+}
+
+TEST_F(SearchRuns, CtrlCEndsTheIdeTheRunStartedAndLeavesNothing) {
+  const fs::path folder = Folder(40);
+  const pid_t qx = StartQx({"search", "running", folder.string()});
+  // Wait for the run's first IDE: a child of qx.
+  pid_t ide = 0;
+  for (int i = 0; i < 3000 && ide == 0; ++i) {
+    for (const auto& entry : fs::directory_iterator("/proc")) {
+      std::ifstream stat(entry.path() / "stat");
+      std::string line;
+      if (!std::getline(stat, line) || line.find("qxvb6") == std::string::npos) continue;
+      std::istringstream fields(line.substr(line.rfind(')') + 1));
+      std::string state;
+      long parent = 0;
+      if (fields >> state >> parent && parent == qx)
+        ide = std::stoi(entry.path().filename().string());
+    }
+    if (ide == 0) std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+  ASSERT_NE(ide, 0) << "qx started no IDE";
+  ::kill(qx, SIGINT);
+  int status = 0;
+  ::waitpid(qx, &status, 0);
+  const auto run = Collect(qx, status);
+  EXPECT_EQ(run.status, 128 + SIGINT) << run.err;
+  EXPECT_TRUE(qxtest::WaitGone(ide, std::chrono::seconds(10)));
+  // The test adopts what qx leaves behind: nothing.
+  EXPECT_TRUE(ChildProcesses::Children().empty()) << "an IDE outlived the run";
+  EXPECT_EQ(RunFolder(home()), std::vector<std::string>{}) << "left in the run folder";
+  EXPECT_EQ(run.err.find("error"), std::string::npos) << run.err;
+}
+
+// `qx search ... | head -1`: once the reader has gone, the run stops instead of searching on, and
+// ends its IDE as usual.
+TEST_F(SearchRuns, AReaderThatHasGoneStopsTheRun) {
+  const fs::path folder = Folder(20);
+  const fs::path log = WatchIdeStarts();
+  int fds[2];
+  ASSERT_EQ(::pipe(fds), 0);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, fds[1], 1);
+  posix_spawn_file_actions_addclose(&actions, fds[0]);
+  posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+  std::vector<std::string> args{QX_BIN, "search", "running", folder.string()};
+  std::vector<char*> argv;
+  for (auto& a : args)
+    argv.push_back(a.data());
+  argv.push_back(nullptr);
+  pid_t qx = 0;
+  ASSERT_EQ(::posix_spawn(&qx, QX_BIN, &actions, nullptr, argv.data(), environ), 0);
+  posix_spawn_file_actions_destroy(&actions);
+  ::close(fds[1]);
+  char first = 0;
+  ASSERT_EQ(::read(fds[0], &first, 1), 1);
+  ::close(fds[0]);
+  int status = 0;
+  ::waitpid(qx, &status, 0);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 0) << "it had matched";
+
+  std::istringstream starts(ReadAll(log));
+  size_t ides = 0;
+  for (long pid = 0, alive = 0; starts >> pid >> alive; ++ides)
+    EXPECT_TRUE(qxtest::ProcessGone(pid)) << "IDE " << pid << " outlived the run";
+  EXPECT_LT(ides, 20u) << "the run went on after its reader had gone";
+  EXPECT_EQ(RunFolder(home()), std::vector<std::string>{}) << "left in the run folder";
+}
+
+TEST_F(SearchRuns, FormsAreLeftOutWithANoticeUnlessAskedForAndBeginSaysTheCodePage) {
+  const auto run = Qx({"search", "--json", "oldValue", vbp_});
+  ASSERT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(run.err,
+            "qx: 4 components not searched, of kinds qx cannot open yet: Forms (2), "
+            "PropertyPages (1), UserControls (1)\n");
+  size_t begins = 0;
+  for (const nlohmann::json& record : JsonLines(run.out)) {
+    if (record["type"] != "begin") continue;
+    ++begins;
+    EXPECT_EQ(record["data"]["codepage"]["number"], 1252);
+    EXPECT_EQ(record["data"]["codepage"]["source"], "detected");
+  }
+  EXPECT_EQ(begins, 1u) << "CStockItem.cls alone has the word";
+
+  // Asked for by name, a kind that cannot be opened yet is an error for each component.
+  const auto forms = Qx({"search", "--kind", "Forms", "oldValue", vbp_});
+  EXPECT_EQ(forms.status, 2);
+  EXPECT_NE(forms.err.find("cannot open a Form yet"), std::string::npos) << forms.err;
+  EXPECT_EQ(forms.err.find("not searched"), std::string::npos) << forms.err;
+}
+
+}  // namespace
