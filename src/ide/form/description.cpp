@@ -193,7 +193,7 @@ void DescriptionNode::MarkChanged() {
   if (dirty_) *dirty_ = true;
 }
 
-std::size_t DescriptionNode::InsertionPoint(std::string_view name) const {
+std::size_t DescriptionNode::InsertionPoint(std::string_view name, bool group) const {
   // Properties and groups come before the child objects; new ones go among them.
   std::size_t limit = 0;
   std::size_t afterLast = 0;
@@ -205,7 +205,7 @@ std::size_t DescriptionNode::InsertionPoint(std::string_view name) const {
   std::size_t sortedEnd = 0;  // the items [0, sortedEnd) are in alphabetical order
   if (IsIntrinsic()) {
     sortedEnd = afterLast;
-  } else if (!isGroup_ && !type_.empty() && type_.front() != '{') {
+  } else if (!isGroup_ && !group && !type_.empty() && type_.front() != '{') {
     // Another library's control: extender properties, then its own from the first `_` one.
     for (std::size_t k = 0; k < afterLast; ++k) {
       if (items_[k].property && items_[k].property->Name().starts_with('_')) {
@@ -217,7 +217,9 @@ std::size_t DescriptionNode::InsertionPoint(std::string_view name) const {
     }
     return afterLast;
   } else {
-    return afterLast;  // a designer's own order or a group's: after the stored ones
+    // A designer's own order, a group's, or another library's object-valued property (written
+    // among the control's own entries): after the stored ones.
+    return afterLast;
   }
   for (std::size_t k = 0; k < sortedEnd; ++k) {
     if (IsPropertyLike(items_[k]) && CompareNames(ItemName(items_[k]), name) > 0) return k;
@@ -243,7 +245,7 @@ PropertyEntry& DescriptionNode::SetProperty(std::string_view name, std::string_v
   item.property->Assign(SourceLine::New(FormatPropertyLine(ChildIndent(), name, valueText)));
   item.property->owner_ = this;
   PropertyEntry& entry = *item.property;
-  items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(InsertionPoint(name)),
+  items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(InsertionPoint(name, false)),
                 std::move(item));
   MarkChanged();
   return entry;
@@ -299,7 +301,7 @@ DescriptionNode& DescriptionNode::SetFont(const FontSpec& font, std::string_view
     node->parent_ = this;
     node->dirty_ = dirty_;
     group = node.get();
-    const std::size_t at = InsertionPoint(groupName);
+    const std::size_t at = InsertionPoint(groupName, true);
     Item item;
     item.node = std::move(node);
     items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(at), std::move(item));
@@ -369,7 +371,7 @@ std::unique_ptr<Description> Description::Parse(std::vector<SourceLine>& lines, 
       if (open.back()->isGroup_ == closesObject) {
         Invalid(fileName, i,
                 closesObject ? "End closes a BeginProperty (EndProperty expected)"
-                       : "EndProperty closes a Begin (End expected)");
+                             : "EndProperty closes a Begin (End expected)");
       }
       open.back()->end_ = std::move(line);
       open.pop_back();
@@ -381,6 +383,8 @@ std::unique_ptr<Description> Description::Parse(std::vector<SourceLine>& lines, 
       DescriptionNode::Item item;
       item.blank = std::move(line);
       open.back()->items_.push_back(std::move(item));
+    } else if (!words.empty() && EqualsAsciiNoCase(words[0], "Attribute")) {
+      Invalid(fileName, i, "the form description ends before its End line (an End is missing)");
     } else {
       if (!SplitPropertyLine(line.text)) {
         Invalid(fileName, i, "a line of the form description that is not `Name = value`");

@@ -12,6 +12,8 @@
 //   - objects of other libraries: alphabetical among the extender properties that come first,
 //     that is before the first `_` property (`_ExtentX`, `_Version`), which starts the control's
 //     own entries in the order it wrote them; at the end of the properties when there is none;
+//     a new group (a font) goes after the stored entries, since the control writes those among
+//     its own;
 //   - designers (`Begin {CLSID}`) and property groups: after the stored properties (their own
 //     order is not alphabetical).
 // Values are written as given: the caller formats them with property_line.h. An enumeration
@@ -128,7 +130,7 @@ class DescriptionNode {
  private:
   friend class Description;
   std::size_t ChildIndent() const;
-  std::size_t InsertionPoint(std::string_view name) const;
+  std::size_t InsertionPoint(std::string_view name, bool group) const;
   void MarkChanged();
 
   bool isGroup_ = false;
