@@ -331,6 +331,7 @@ TEST(Description, MalformedDescriptionsRaiseInvalidFileFormatNamingTheLine) {
       {"a missing End", "Begin VB.Form F \r\n   Begin VB.Label L \r\n   End\r\n",
        "line 5: the form description ends before its End"},
       {"a root that is a group", "BeginProperty Font \r\nEndProperty\r\n", ""},
+      {"a root that is a property called Begin", "Begin   =   255\r\nEnd\r\n", "line 2:"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);

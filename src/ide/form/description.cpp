@@ -335,6 +335,9 @@ std::unique_ptr<Description> Description::Parse(std::vector<SourceLine>& lines, 
   std::unique_ptr<Description> description(new Description());
   for (std::size_t i = first; i < begin; ++i)
     description->prelude_.push_back(std::move(lines[i]));
+  if (begin >= lines.size() || !IsKeywordLine(Words(lines[begin].text), "Begin")) {
+    Invalid(fileName, begin, "the form description does not start with a Begin line");
+  }
   std::vector<DescriptionNode*> open;
   std::size_t i = begin;
   for (; i < lines.size(); ++i) {
@@ -357,7 +360,6 @@ std::unique_ptr<Description> Description::Parse(std::vector<SourceLine>& lines, 
       node->dirty_ = &description->dirty_;
       DescriptionNode* raw = node.get();
       if (open.empty()) {
-        if (!object) Invalid(fileName, i, "the description starts with a BeginProperty");
         description->root_ = std::move(node);
       } else {
         node->parent_ = open.back();
