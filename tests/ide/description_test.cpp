@@ -59,7 +59,9 @@ TEST(Description, ObjectsGroupsAndPropertiesAreReadInStoredOrder) {
   Loaded orders = Orders();
   Description& d = orders.description();
   ASSERT_EQ(d.Prelude().size(), 2u);
-  EXPECT_EQ(d.Prelude()[1].text.substr(0, 10), "Object = \"");
+  EXPECT_EQ(d.ObjectLines(),
+            (std::vector<std::string_view>{
+                "\"{831FDD16-0C5C-11D2-A9FC-0000F8754DA1}#2.0#0\"; \"MSCOMCTL.OCX\""}));
 
   const DescriptionNode& root = d.Root();
   EXPECT_EQ(root.Type(), "VB.Form");

@@ -406,6 +406,17 @@ std::unique_ptr<Description> Description::Parse(std::vector<SourceLine>& lines, 
   return description;
 }
 
+std::vector<std::string_view> Description::ObjectLines() const {
+  std::vector<std::string_view> out;
+  for (const SourceLine& line : prelude_) {
+    if (const auto parts = SplitPropertyLine(line.text);
+        parts && EqualsAsciiNoCase(parts->name, "Object")) {
+      out.push_back(parts->valueText);
+    }
+  }
+  return out;
+}
+
 std::vector<DescriptionNode*> Description::Controls() const {
   std::vector<DescriptionNode*> out;
   CollectObjects(*root_, out);

@@ -169,6 +169,9 @@ class Description {
   const DescriptionNode& Root() const { return *root_; }
   // The `Object = "{GUID}#2.0#0"; "MSCOMCTL.OCX"` lines (and the VERSION line) as read.
   const std::vector<SourceLine>& Prelude() const { return prelude_; }
+  // The text after `Object = ` of each `Object =` line, in stored order:
+  // `"{831FDD16-0C5C-11D2-A9FC-0000F8754DA1}#2.0#0"; "MSCOMCTL.OCX"`.
+  std::vector<std::string_view> ObjectLines() const;
 
   // Every object below the root, depth first in stored order (menus after the other
   // children of their container, as stored).

@@ -69,9 +69,9 @@ std::optional<std::string> UnquoteString(std::string_view value);
 // rule, since it depends on another property.)
 bool StringNeedsCompanion(std::string_view text, const platform::CodePage& codePage);
 
-// The longest string VB6 writes on the line. Strings of up to 126 bytes are seen inline and
-// strings from 131 bytes up in the companion; we keep 127 and 128 inline (the shortest form
-// that could have been seen on the line) and send 129 and longer to the companion.
+// The longest string VB6 writes on the line. VB6's own files show strings of up to 126 bytes
+// inline and strings from 131 bytes up in the companion; where the limit lies between is not
+// known, so we take the middle: up to 128 bytes inline, 129 and longer in the companion.
 inline constexpr std::size_t kLongestInlineString = 128;
 
 }  // namespace ide::form
