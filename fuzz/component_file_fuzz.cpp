@@ -1,6 +1,7 @@
 // The component-file reader: any bytes, read as any kind of component, either read or raise a
 // VB error; a file read gives back its bytes exactly, unchanged and after an edit and its undo
-// (which makes it go through the line writer).
+// (which makes it go through the line writer). Edits of a form description give a file that
+// reads again with the edits in it.
 
 #include <cstddef>
 #include <cstdint>
@@ -8,6 +9,8 @@
 
 #include "automation/error.h"
 #include "fuzz_support.h"
+#include "ide/form/description.h"
+#include "ide/form/property_line.h"
 #include "ide/model/component_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
@@ -37,5 +40,28 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   }
   QX_FUZZ_CHECK(file->Name() == "Renamed");
   (void)file->Render();
+
+  if (ide::form::Description* description = file->Description()) {
+    ide::form::DescriptionNode& root = description->Root();
+    root.SetProperty("Caption", ide::form::FormatString("fuzz \"caption\""));
+    root.SetFont({});
+    for (ide::form::DescriptionNode* control : description->Controls()) {
+      control->SetIndex(control->Index() + 1);
+      control->RemoveProperty("Tag");
+    }
+    uint32_t offset = 0;
+    for (const auto& use : description->CompanionReferences())
+      description->SetReferenceOffset(*use.property, offset += 0x10);
+    const std::string edited = file->Render();
+    std::unique_ptr<ide::ComponentFile> again;
+    try {
+      again = ide::ComponentFile::Parse(edited, kind, codePage, "fuzz");
+    } catch (const automation::Error&) {
+      QX_FUZZ_CHECK(false);  // edits must keep the description well formed
+    }
+    QX_FUZZ_CHECK(again->Render() == edited);
+    const auto* caption = again->Description()->Root().FindProperty("Caption");
+    QX_FUZZ_CHECK(caption && caption->Value() == "\"fuzz \"\"caption\"\"\"");
+  }
   return 0;
 }

@@ -36,20 +36,19 @@ TEST(ComponentFile, HeaderIsHiddenAndDescribedAsBlocks) {
   EXPECT_EQ(form->Type(), ide::ComponentType::kVBForm);
   EXPECT_EQ(form->Code().Lines(1, 1), "Option Explicit");
   EXPECT_EQ(form->Code().CountOfDeclarationLines(), 3);  // the WithEvents line's attribute hides
-  const auto& blocks = form->Description();
-  ASSERT_EQ(blocks.size(), 8u);
-  EXPECT_EQ(blocks[0].type, "VB.Form");
-  EXPECT_EQ(blocks[0].name, "frmMain");
-  EXPECT_EQ(blocks[1].type, "Font");
-  EXPECT_TRUE(blocks[1].isProperty);
-  EXPECT_EQ(blocks[2].type, "MSComctlLib.ListView");
-  EXPECT_EQ(blocks[3].type, "ColumnHeader(1)");
-  EXPECT_EQ(blocks[3].parent, 2);
-  EXPECT_EQ(blocks[7].name, "mnuFileExit");
-  EXPECT_EQ(blocks[7].parent, 6);
-  const auto& header = form->HeaderLines();
-  EXPECT_EQ(header[blocks[0].lastLine].text, "End");
-  EXPECT_EQ(header[blocks[2].firstLine].text, "   Begin MSComctlLib.ListView lvwAccounts ");
+  const ide::form::DescriptionNode& root = form->Description()->Root();
+  EXPECT_EQ(root.Type(), "VB.Form");
+  EXPECT_EQ(root.Name(), "frmMain");
+  ASSERT_EQ(root.Groups().size(), 1u);
+  EXPECT_EQ(root.Groups()[0]->Name(), "Font");
+  const auto children = root.Children();
+  ASSERT_EQ(children.size(), 4u);
+  EXPECT_EQ(children[0]->Type(), "MSComctlLib.ListView");
+  EXPECT_EQ(children[0]->Groups()[0]->Name(), "ColumnHeader(1)");
+  EXPECT_EQ(children[0]->BeginLine().text, "   Begin MSComctlLib.ListView lvwAccounts ");
+  EXPECT_EQ(children[3]->Children()[0]->Name(), "mnuFileExit");
+  EXPECT_EQ(root.EndLine().text, "End");
+  EXPECT_EQ(form->HeaderLines()[0].text, "Attribute VB_Name = \"frmMain\"");
 
   EXPECT_EQ(Fixture("ledger/frmShell.frm", FileKind::kForm)->Type(),
             ide::ComponentType::kVBMDIForm);
@@ -185,9 +184,10 @@ TEST(ComponentFile, UnknownHeaderContentIsKeptAndARenameChangesOnlyTheName) {
             "Attribute VB_Name = \"frmOdd\"", "Private Sub Form_Load()", "End Sub"});
   auto f = Module(frm, FileKind::kForm);
   EXPECT_EQ(f->Name(), "frmOdd");
-  ASSERT_EQ(f->Description().size(), 4u);
-  EXPECT_EQ(f->Description()[1].type, "Vendor.Widget");
-  EXPECT_EQ(f->Description()[3].parent, 2);
+  const auto widget = f->Description()->Root().Children();
+  ASSERT_EQ(widget.size(), 1u);
+  EXPECT_EQ(widget[0]->Type(), "Vendor.Widget");
+  EXPECT_EQ(widget[0]->Groups()[0]->Groups()[0]->Name(), "Item(1)");
   EXPECT_EQ(f->Code().ProcBodyLine("Form_Load", ProcKind::kProc), 1);
   EXPECT_EQ(RenderThroughLines(*f), frm);
   f->SetName("frmEven");

@@ -51,7 +51,8 @@ TEST(HostileFiles, AByteOrderMarkIsReadPastAndKept) {
   auto form = Module(frm, FileKind::kForm);
   EXPECT_EQ(form->Name(), "Main");
   EXPECT_EQ(form->Code().Lines(1, 1), "Option Explicit");
-  EXPECT_EQ(form->HeaderLines()[2].text, "   Caption         =   \"Ä\"");
+  EXPECT_EQ(form->Description()->Root().FindProperty("Caption")->Line().text,
+            "   Caption         =   \"Ä\"");
   EXPECT_EQ(form->Render(), frm);
 }
 

@@ -37,16 +37,6 @@ std::string_view FirstWord(std::string_view line) {
   return line.substr(0, end);
 }
 
-// The words after the first one: "Begin VB.Form frmMain " gives "VB.Form" and "frmMain".
-void BeginWords(std::string_view line, std::string& type, std::string& name) {
-  line = TrimBlanks(line);
-  std::size_t pos = line.find_first_of(" \t");
-  line = pos == std::string_view::npos ? std::string_view{} : TrimBlanks(line.substr(pos));
-  pos = line.find_first_of(" \t");
-  type.assign(line.substr(0, pos));
-  name.assign(pos == std::string_view::npos ? std::string_view{} : TrimBlanks(line.substr(pos)));
-}
-
 bool IsFormLike(FileKind kind) {
   return kind != FileKind::kModule && kind != FileKind::kClass;
 }
@@ -111,31 +101,8 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
       ++i;
     if (!startsWith(i, "Begin"))
       Invalid(fileName, "the form description (Begin ... End) is missing");
-    std::vector<int32_t> open;
-    for (; i < n; ++i) {
-      std::string_view word = FirstWord(lines[i].text);
-      if (EqualsAsciiNoCase(word, "Begin") || EqualsAsciiNoCase(word, "BeginProperty")) {
-        DescriptionBlock block;
-        block.isProperty = EqualsAsciiNoCase(word, "BeginProperty");
-        BeginWords(lines[i].text, block.type, block.name);
-        block.firstLine = static_cast<int32_t>(i);
-        block.parent = open.empty() ? -1 : open.back();
-        open.push_back(static_cast<int32_t>(description_.size()));
-        description_.push_back(std::move(block));
-      } else if (EqualsAsciiNoCase(TrimBlanks(lines[i].text), "End") ||
-                 EqualsAsciiNoCase(TrimBlanks(lines[i].text), "EndProperty")) {
-        if (open.empty()) break;
-        description_[open.back()].lastLine = static_cast<int32_t>(i);
-        open.pop_back();
-        if (open.empty()) {
-          ++i;
-          break;
-        }
-      }
-    }
-    if (!open.empty()) {
-      Invalid(fileName, "the form description ends before its End line (the file is cut short)");
-    }
+    description_ = form::Description::Parse(lines, 0, i, fileName);
+    i = description_->Next();
   } else if (kind_ == FileKind::kClass && startsWith(0, "VERSION")) {
     i = 1;
     if (i < n && EqualsAsciiNoCase(TrimBlanks(lines[i].text), "BEGIN")) {
@@ -156,8 +123,12 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
     }
     ++i;
   }
-  header_.reserve(i);
-  for (std::size_t k = 0; k < i; ++k)
+  // The description took its lines; the header holds the rest of the hidden part.
+  const std::size_t headerStart = description_ ? description_->Next() : 0;
+  attributesStart_ -= static_cast<int32_t>(headerStart);
+  if (nameLine_ >= 0) nameLine_ -= static_cast<int32_t>(headerStart);
+  header_.reserve(i - headerStart);
+  for (std::size_t k = headerStart; k < i; ++k)
     header_.push_back(std::move(lines[k]));
   code_->ReserveLines(n - i);
   for (std::size_t k = i; k < n; ++k) {
@@ -173,7 +144,7 @@ ComponentType ComponentFile::Type() const {
     case FileKind::kClass:
       return ComponentType::kClassModule;
     case FileKind::kForm:
-      return !description_.empty() && EqualsAsciiNoCase(description_.front().type, "VB.MDIForm")
+      return description_ && EqualsAsciiNoCase(description_->Root().Type(), "VB.MDIForm")
                  ? ComponentType::kVBMDIForm
                  : ComponentType::kVBForm;
     case FileKind::kUserControl:
@@ -189,8 +160,8 @@ ComponentType ComponentFile::Type() const {
 }
 
 std::string ComponentFile::DesignerClsid() const {
-  if (kind_ != FileKind::kDesigner || description_.empty()) return {};
-  const std::string& type = description_.front().type;
+  if (kind_ != FileKind::kDesigner || !description_) return {};
+  const std::string& type = description_->Root().Type();
   return !type.empty() && type.front() == '{' ? type : std::string{};
 }
 
@@ -208,28 +179,10 @@ void ComponentFile::SetName(std::string_view name) {
     // attributes.
     SourceLine line = SourceLine::New("Attribute VB_Name = \"" + std::string(name) + "\"");
     header_.insert(header_.begin() + attributesStart_, std::move(line));
-    for (DescriptionBlock& block : description_) {
-      if (block.firstLine >= attributesStart_) ++block.firstLine;
-      if (block.lastLine >= attributesStart_) ++block.lastLine;
-    }
     nameLine_ = attributesStart_;
   }
-  if (!description_.empty() && !description_.front().isProperty) {
-    DescriptionBlock& root = description_.front();
-    SourceLine& line = header_[root.firstLine];
-    // Keep the indentation, the type and whatever follows the old name (VB6 leaves one blank).
-    std::size_t typeAt = line.text.find(root.type);
-    std::size_t nameAt = typeAt == std::string::npos
-                             ? std::string::npos
-                             : line.text.find(root.name, typeAt + root.type.size());
-    if (nameAt != std::string::npos && !root.name.empty()) {
-      line.text.replace(nameAt, root.name.size(), name);
-    } else {
-      line.text = "Begin " + root.type + " " + std::string(name) + " ";
-    }
-    line.original = false;
-    root.name.assign(name);
-  }
+  // VB6 writes the new name on the root object's `Begin` line too.
+  if (description_) description_->Root().Rename(name);
   name_.assign(name);
   headerDirty_ = true;
 }
@@ -238,6 +191,10 @@ std::string ComponentFile::Render() const {
   if (!IsDirty()) return DiskBytes();
   const std::string_view body = Body();
   TextWriter writer(body, *codePage_, dominant_);
+  if (description_) {
+    for (const SourceLine* line : description_->Lines())
+      writer.Add(*line);
+  }
   for (const SourceLine& line : header_)
     writer.Add(line);
   for (const CodeLine& code : code_->RawLines()) {
@@ -258,6 +215,7 @@ void ComponentFile::MarkSaved(std::string written) {
     savedIsOriginal_ = false;
   }
   headerDirty_ = false;
+  if (description_) description_->ClearDirty();
   code_->ClearDirty();
 }
 

@@ -7,7 +7,8 @@
 //
 // The file keeps its bytes: saving an unchanged file gives them back exactly; saving a changed
 // one writes the unchanged lines as they were read and encodes only the new or edited ones.
-// Binary companions (.frx and the like) are not part of this model.
+// The form description is a tree of its own (ide/form/description.h); binary companions (.frx
+// and the like) are not part of this model.
 
 #include <cstdint>
 #include <memory>
@@ -16,6 +17,7 @@
 #include <vector>
 
 #include "ide/code/code_module.h"
+#include "ide/form/description.h"
 #include "ide/text/source_line.h"
 
 namespace platform {
@@ -47,18 +49,6 @@ enum class ComponentType : int32_t {
   kActiveXDesigner = 11,
 };
 
-// One `Begin ... End` or `BeginProperty ... EndProperty` block of the form description, so that
-// the properties and controls can be read from the header lines without parsing them again.
-// The lines of a block that are not inside a child block are its property lines.
-struct DescriptionBlock {
-  bool isProperty = false;  // BeginProperty (else Begin)
-  std::string type;         // "VB.Form", "{CLSID}", "MSComctlLib.ListView"; a property's name
-  std::string name;         // the object's name; for a property block, what follows its name
-  int32_t firstLine = 0;    // header-line index of the Begin line
-  int32_t lastLine = 0;     // header-line index of its End line
-  int32_t parent = -1;      // enclosing block, -1 for the root object
-};
-
 class ComponentFile {
  public:
   // Reads the bytes of a component file. A file that is not a VB component of that kind (a
@@ -83,10 +73,17 @@ class ComponentFile {
   CodeModule& Code() { return *code_; }
   const CodeModule& Code() const { return *code_; }
 
+  // The hidden lines that are not the form description: a class's header and the module's
+  // `Attribute` lines.
   const std::vector<SourceLine>& HeaderLines() const { return header_; }
-  const std::vector<DescriptionBlock>& Description() const { return description_; }
+  // The form description (VERSION, `Object =` lines, the `Begin ... End` tree) of a form-like
+  // file; null for modules and classes. Its edits are saved with the file.
+  form::Description* Description() { return description_.get(); }
+  const form::Description* Description() const { return description_.get(); }
 
-  bool IsDirty() const { return headerDirty_ || code_->IsDirty(); }
+  bool IsDirty() const {
+    return headerDirty_ || code_->IsDirty() || (description_ && description_->IsDirty());
+  }
 
   // The bytes to save: the bytes last read or saved when nothing changed.
   std::string Render() const;
@@ -109,7 +106,7 @@ class ComponentFile {
   std::string saved_;          // the bytes last saved, once they differ from the bytes read
   bool savedIsOriginal_ = true;
   std::vector<SourceLine> header_;
-  std::vector<DescriptionBlock> description_;
+  std::unique_ptr<form::Description> description_;
   std::unique_ptr<CodeModule> code_;
   std::string name_;
   int32_t nameLine_ = -1;        // header index of the VB_Name line

@@ -34,34 +34,12 @@ constexpr std::string_view kUserConnection = "ConnectionDesigner.UserConnection"
 // time-outs or cursor driver). Unsure, but no other designer we know stores that combination
 // at its root.
 bool LooksLikeUserConnection(const ComponentFile& file) {
-  const auto& blocks = file.Description();
-  if (blocks.empty()) return false;
-  const DescriptionBlock& root = blocks.front();
-  const auto& lines = file.HeaderLines();
-  bool connect = false;
-  bool rdo = false;
-  std::size_t child = 1;
-  for (int32_t i = root.firstLine + 1; i < root.lastLine; ++i) {
-    // Skip nested blocks: only the root's own property lines count.
-    while (child < blocks.size() && blocks[child].parent != 0)
-      ++child;
-    if (child < blocks.size() && blocks[child].firstLine == i) {
-      i = blocks[child].lastLine;
-      ++child;
-      continue;
-    }
-    std::string_view text = lines[i].text;
-    std::size_t start = text.find_first_not_of(" \t");
-    if (start == std::string_view::npos) continue;
-    std::size_t stop = text.find_first_of(" \t=", start);
-    std::string_view key = text.substr(start, stop - start);
-    if (automation::EqualsAsciiNoCase(key, "Connect")) connect = true;
-    if (automation::EqualsAsciiNoCase(key, "QueryTimeout") ||
-        automation::EqualsAsciiNoCase(key, "LoginTimeout") ||
-        automation::EqualsAsciiNoCase(key, "CursorDriver")) {
-      rdo = true;
-    }
-  }
+  const form::Description* description = file.Description();
+  if (!description) return false;
+  const form::DescriptionNode& root = description->Root();
+  const bool connect = root.FindProperty("Connect") != nullptr;
+  const bool rdo = root.FindProperty("QueryTimeout") || root.FindProperty("LoginTimeout") ||
+                   root.FindProperty("CursorDriver");
   return connect && rdo;
 }
 
