@@ -17,11 +17,12 @@
 
 namespace project {
 
-// Makes a new, uninitialised component object of that class ("Module"), or returns null for a
-// class the driver does not have yet. The component objects' layer sets it when the driver
-// loads: they are the component's own classes, made without the public class registry.
-using ComponentFactory = std::function<automation::ObjectRef(std::string_view className)>;
-void SetComponentFactory(ComponentFactory factory);
+// Makes a new, uninitialised component object of one class ("Module"). The layers of the
+// component classes register theirs when the driver loads: they are the component's own
+// classes, made without the public class registry. A class without a factory is one the
+// driver cannot open yet.
+using ComponentFactory = std::function<automation::ObjectRef()>;
+void RegisterComponentClass(std::string className, ComponentFactory factory);
 
 class Dispatcher : public automation::Object {
  public:

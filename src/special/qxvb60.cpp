@@ -2,6 +2,7 @@
 
 #include "collections/component_collection.h"
 #include "components/register.h"
+#include "controls/register.h"
 #include "foundation/globals.h"
 #include "project/add_in_register.h"
 #include "project/register.h"
@@ -12,12 +13,14 @@ void LoadDriver() {
   project::RegisterProjectClasses();
   collections::RegisterCollectionClasses();
   components::RegisterComponentClasses();
+  controls::RegisterControlClasses();
   foundation::Main();
 }
 
 void RegisterAddIn() {
   project::RegisterAddInClasses();
   components::RegisterComponentClasses();
+  controls::RegisterControlClasses();
 }
 
 }  // namespace special
