@@ -37,11 +37,11 @@ automation::Variant ToDeclared(const automation::Variant& value, DeclaredType ty
 // "OLE_COLOR" for a colour, else empty (the automation type says it all).
 std::string_view DeclaredTypeName(DeclaredType type, std::string_view enumeration);
 
-// Adds each property of a table (rows with name, type, enumeration and readOnly), in its order, as a read and (unless read only) a write that
-// call Read(self, row) and Write(self, row, value).
+// Adds each property of a table (rows with name, type, enumeration and readOnly), in its order, as
+// a read and (unless read only) a write that call Read(self, row) and Write(self, row, value).
 template <class C, class Row, class Read, class Write>
-void AddPropertyMembers(automation::ClassBuilder<C>& builder,
-                        std::span<const Row> table, Read read, Write write) {
+void AddPropertyMembers(automation::ClassBuilder<C>& builder, std::span<const Row> table, Read read,
+                        Write write) {
   for (const Row& row : table) {
     const automation::VarType carrier = CarrierType(row.type);
     builder.Raw(std::string(row.name), automation::MemberKind::Get, carrier, {},

@@ -33,7 +33,7 @@ inline constexpr int32_t kStandardFormType = 5;  // vbext_ct_VBForm
 inline constexpr int32_t kMdiFormType = 6;       // vbext_ct_VBMDIForm
 
 struct ComponentProperty {
-  std::string_view name;                     // "Caption": the member and, by default, the item
+  std::string_view name;  // "Caption": the member and, by default, the item
   DeclaredType type = DeclaredType::kString;
   std::string_view enumeration = {};         // "AppearanceConstants" for an enumeration
   int32_t fontAttribute = kNoFontAttribute;  // an attribute of the item "Font"

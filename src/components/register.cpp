@@ -16,8 +16,8 @@ void RegisterComponentClasses() {
       return std::make_shared<CodeComponent>(*FindComponentKind(className));
     });
   }
-  project::RegisterComponentClass(
-      "Form", [] { return std::make_shared<DesignedComponent>(FormClass()); });
+  project::RegisterComponentClass("Form",
+                                  [] { return std::make_shared<DesignedComponent>(FormClass()); });
   project::RegisterComponentClass("Designer", [] { return std::make_shared<Designer>(); });
 }
 

@@ -14,8 +14,8 @@ automation::Enumeration ControlTypeConstants() {
 }
 
 std::vector<automation::Enumeration> Build() {
-  const automation::Enumeration bofAction{
-      "BOFActionConstants", {{"vbBOFActionMoveFirst", 0}, {"vbBOFActionBOF", 1}}};
+  const automation::Enumeration bofAction{"BOFActionConstants",
+                                          {{"vbBOFActionMoveFirst", 0}, {"vbBOFActionBOF", 1}}};
   automation::Enumeration eofAction = bofAction;
   eofAction.name = "EOFActionConstants";
   return {
@@ -144,7 +144,8 @@ std::vector<automation::Enumeration> Build() {
         {"vbHimetric", 8},
         {"vbContainerPosition", 9},
         {"vbContainerSize", 10}}},
-      {"ScrollBarConstants", {{"vbSBNone", 0}, {"vbHorizontal", 1}, {"vbVertical", 2}, {"vbBoth", 3}}},
+      {"ScrollBarConstants",
+       {{"vbSBNone", 0}, {"vbHorizontal", 1}, {"vbVertical", 2}, {"vbBoth", 3}}},
       {"ShapeConstants",
        {{"vbShapeRectangle", 0},
         {"vbShapeSquare", 1},

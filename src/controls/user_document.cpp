@@ -9,7 +9,7 @@ using namespace components;
 using enum DeclaredType;
 
 // The document's hyperlink object, under the IDE's item "Hyperlink"; it cannot be written.
-constexpr ComponentProperty HyperLink{"HyperLink", kObject,          {}, kNoFontAttribute,
+constexpr ComponentProperty HyperLink{"HyperLink",        kObject,     {},  kNoFontAttribute,
                                       FormKinds::kEither, "Hyperlink", true};
 
 constexpr std::array kProperties = {

@@ -76,7 +76,8 @@ namespace {
 
 // The IDE property of a control, through its Properties collection.
 automation::Dispatch ControlProperty(const automation::ObjectRef& vbControl, const char* name) {
-  const automation::Dispatch properties(automation::Dispatch(vbControl).Get("Properties").ToObject());
+  const automation::Dispatch properties(
+      automation::Dispatch(vbControl).Get("Properties").ToObject());
   return automation::Dispatch(properties.Call("Item", name).ToObject());
 }
 

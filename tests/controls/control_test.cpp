@@ -72,10 +72,14 @@ TEST_F(ControlsTest, TheControlTypeComesFromTheClassIdentifierInAnyLetterCase) {
     const char* progId;
     ControlType type;
   } cases[] = {
-      {"VB.TextBox", kTextBox},        {"vb.TEXTBOX", kTextBox},
-      {"VB.CheckBox", kCheckBox},      {"VB.VScrollBar", kVScrollBar},
-      {"VB.Timer", kTimer},            {"VB.TextBoxes", kCustomControl},
-      {"MSComctlLib.ListViewCtrl.2", kCustomControl}, {"", kCustomControl},
+      {"VB.TextBox", kTextBox},
+      {"vb.TEXTBOX", kTextBox},
+      {"VB.CheckBox", kCheckBox},
+      {"VB.VScrollBar", kVScrollBar},
+      {"VB.Timer", kTimer},
+      {"VB.TextBoxes", kCustomControl},
+      {"MSComctlLib.ListViewCtrl.2", kCustomControl},
+      {"", kCustomControl},
   };
   for (const auto& c : cases)
     EXPECT_EQ(ControlTypeOf(c.progId), c.type) << c.progId;
@@ -88,12 +92,12 @@ TEST_F(ControlsTest, ReadsReachTheLiveControlOnlyOnTheTypesThatHaveTheProperty) 
     const char* property;
     bool reads;
   } cases[] = {
-      {"VB.TextBox", "Caption", false}, {"VB.Label", "Caption", true},
-      {"VB.Menu", "Caption", true},     {"VB.Timer", "Visible", false},
-      {"VB.Timer", "Enabled", true},    {"VB.Menu", "Enabled", true},
-      {"VB.Line", "Enabled", false},    {"VB.Shape", "Enabled", false},
-      {"VB.Menu", "Height", false},     {"VB.Line", "X1", true},
-      {"VB.TextBox", "Object", false},  {"VB.PictureBox", "FontTransparent", true},
+      {"VB.TextBox", "Caption", false},       {"VB.Label", "Caption", true},
+      {"VB.Menu", "Caption", true},           {"VB.Timer", "Visible", false},
+      {"VB.Timer", "Enabled", true},          {"VB.Menu", "Enabled", true},
+      {"VB.Line", "Enabled", false},          {"VB.Shape", "Enabled", false},
+      {"VB.Menu", "Height", false},           {"VB.Line", "X1", true},
+      {"VB.TextBox", "Object", false},        {"VB.PictureBox", "FontTransparent", true},
       {"VB.Label", "FontTransparent", false}, {"VB.Data", "FontBold", true},
   };
   for (const auto& c : cases) {

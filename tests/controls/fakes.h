@@ -38,7 +38,8 @@ class Fake : public automation::Object {
   Fake& Property(const std::string& name, Variant initial = Variant(),
                  int32_t dispId = automation::kNoDispId) {
     values[name] = std::move(initial);
-    Add(name, MemberKind::Get, 0, [name](Fake& self, Args&) { return self.values.at(name); },
+    Add(
+        name, MemberKind::Get, 0, [name](Fake& self, Args&) { return self.values.at(name); },
         dispId);
     Add(
         name, MemberKind::Put, 1,
@@ -122,9 +123,8 @@ struct FakeControl {
       if (property != "List") live->Property(property);
     }
     auto list = listItems;
-    live->Member("ListCount", MemberKind::Get, 0, [list](Fake&, Args&) {
-          return Variant::Long(static_cast<int32_t>(list->size()));
-        })
+    live->Member("ListCount", MemberKind::Get, 0,
+                 [list](Fake&, Args&) { return Variant::Long(static_cast<int32_t>(list->size())); })
         .Member("List", MemberKind::Get, 1,
                 [list](Fake&, Args& args) { return Variant(list->at(args.at(0).ToLong())); })
         .Member("Clear", MemberKind::Method, 0,
