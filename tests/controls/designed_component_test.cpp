@@ -12,6 +12,7 @@
 #include "components/designer.h"
 #include "components/form.h"
 #include "controls/designed_classes.h"
+#include "special/user_connection.h"
 #include "support/driver_env.h"
 #include "support/errors.h"
 #include "tests/controls/fakes.h"
@@ -228,6 +229,26 @@ TEST_F(DesignedTest, ADesignerHandsOutTheIdesDesignerObject) {
   SetMode(designer, 1);
   EXPECT_EQ(designer.Get("Object").ToObject(), designer_);
   EXPECT_EQ(Dispatch(designer.object(), "IObject").Get("Name").ToString(), "Form1");
+}
+
+TEST_F(DesignedTest, AUserConnectionsSettingsAreReadAsTextOrNumbersAndNeverWritten) {
+  items_["Connect"] = FakeProperty("DSN=Shop");
+  items_["QueryTimeout"] = FakeProperty("30");
+  items_["LoginTimeout"] = FakeProperty(Variant::Integer(15));
+  items_["Version"] = FakeProperty(Variant::Long(2));
+  const Dispatch connection = Initialized(std::make_shared<special::UserConnection>(), 0);
+  EXPECT_EQ(ErrorOf([&] { connection.Get("Connect"); }), automation::err::kObjectNotSet);
+  SetMode(connection, 1);
+  EXPECT_EQ(connection.Get("Connect").ToString(), "DSN=Shop");
+  EXPECT_EQ(connection.Get("QueryTimeout").Type(), automation::VarType::Long);
+  EXPECT_EQ(connection.Get("QueryTimeout").ToLong(), 30);
+  EXPECT_EQ(connection.Get("LoginTimeout").Type(), automation::VarType::Long);
+  EXPECT_EQ(connection.Get("Version").Type(), automation::VarType::String);
+  EXPECT_EQ(connection.Get("Version").ToString(), "2");
+  EXPECT_EQ(ErrorOf([&] { connection.Put("Connect", "DSN=Other"); }),
+            automation::err::kReadOnlyProperty);
+  items_["QueryTimeout"]->values["Value"] = "soon";
+  EXPECT_EQ(ErrorOf([&] { connection.Get("QueryTimeout"); }), automation::err::kTypeMismatch);
 }
 
 }  // namespace

@@ -275,8 +275,8 @@ TEST_F(IdeSide, TheDispatcherListsEveryKindFromTheIde) {
             "The driver cannot open a DHTMLPage yet: its DHTMLPage class is not available.\r\n\r\n"
             "PROGRAM CONTEXT:\r\nqxvb60.Dispatcher.GetDHTMLPage.1  (4.1.475)");
   // The other kinds are built, whatever the name: the object looks its component up later.
-  for (const char* factory :
-       {"GetForm", "GetDesigner", "GetUserControl", "GetUserDocument", "GetPropertyPage"}) {
+  for (const char* factory : {"GetForm", "GetDesigner", "GetUserControl", "GetUserDocument",
+                              "GetPropertyPage", "GetUserConnection"}) {
     const contracts::IObject object(dispatcher.Call(factory, ObjectRef(), "NoSuchOne").ToObject());
     EXPECT_EQ(object.Name(), "NoSuchOne") << factory;
   }
