@@ -8,7 +8,8 @@
 // A kind is a DesignedClass: its class name, its property table and which of the optional
 // members its interface has. Its interface lists, in this order: Initialize, TearDown (where
 // the kind has it), Name (write, read), Controls (where the kind has them), Procedures, then
-// each property's read and write in the table's order, then IObject.
+// each property's read and write in the table's order, then IObject. A kind whose interface
+// orders its members otherwise (UserConnection) derives and lists its own.
 
 #include <functional>
 #include <span>
