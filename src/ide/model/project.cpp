@@ -43,6 +43,14 @@ bool IsValidName(std::string_view name) {
 
 }  // namespace
 
+namespace {
+std::uint64_t servedCall = 0;  // 0: not serving a call
+}  // namespace
+
+void BeginServedCall() {
+  ++servedCall;
+}
+
 Component::Component(Project& project, std::size_t entry, std::string fileName)
     : project_(project), entry_(entry), fileName_(std::move(fileName)) {}
 
@@ -56,13 +64,16 @@ ComponentFile& Component::File() {
   if (file_ || loadError_) {
     // The IDE never answers from a stale file: one changed on disk since it was read (or since
     // reading it failed) is read again, unless the IDE holds changes of its own for it.
-    if (IsDirty() || platform::StampOf(fileName_) == loadedStamp_) {
+    const bool looked = servedCall != 0 && lookedInCall_ == servedCall;
+    if (looked || IsDirty() || platform::StampOf(fileName_) == loadedStamp_) {
+      lookedInCall_ = servedCall;
       if (file_) return *file_;
       throw *loadError_;
     }
     file_.reset();
     loadError_.reset();
   }
+  lookedInCall_ = servedCall;
   try {
     loadedStamp_ = platform::StampOf(fileName_);
     std::string bytes = platform::ReadFile(fileName_);
@@ -166,10 +177,21 @@ std::unique_ptr<Project> Project::Open(std::string_view path, const platform::Co
 Project::~Project() = default;
 
 Component* Project::Find(std::string_view name) {
-  for (auto& component : components_) {
-    if (automation::SameVbName(component->Name(), name)) return component.get();
+  std::string key = automation::VbNameKey(name);
+  if (const auto hint = nameHints_.find(key); hint != nameHints_.end()) {
+    Component& component = *components_[hint->second];
+    if (automation::SameVbName(component.Name(), name)) return &component;
   }
-  return nullptr;
+  // Every name is read again and remembered where it is first seen; the first that matches is
+  // the one.
+  nameHints_.clear();
+  Component* found = nullptr;
+  for (std::size_t i = 0; i < components_.size(); ++i) {
+    const std::string current = components_[i]->Name();
+    nameHints_.emplace(automation::VbNameKey(current), i);
+    if (found == nullptr && automation::SameVbName(current, name)) found = components_[i].get();
+  }
+  return found;
 }
 
 Component& Project::Item(std::string_view name) {
