@@ -13,7 +13,8 @@
 //             copy of the project each time (first size only, unless --replace-all)
 //   memory    the peak resident size (VmHWM) of the IDE holding the project, after the warm
 //             searches, against the bytes of the component files
-// Every program writes its output into a file (not /dev/null, which rg treats as -q). Each IDE
+// Every program runs in the project's folder, as a user would run it, and writes its output into
+// a file (not /dev/null, which rg treats as -q). Each IDE
 // the benchmark starts is ended; QX_HOME is a temporary folder of its own.
 
 #include <sys/resource.h>
@@ -48,8 +49,10 @@ struct RunResult {
   long maxRssKb = 0;  // the program's own peak, from wait4
 };
 
-// Runs `argv` with its standard output and error into `output`, and times it.
-RunResult Run(const std::vector<std::string>& argv, const fs::path& output) {
+// Runs `argv` in `folder` (when given) with its standard output and error into `output`, and
+// times it.
+RunResult Run(const std::vector<std::string>& argv, const fs::path& output,
+              const fs::path& folder = {}) {
   std::vector<char*> args;
   for (const std::string& a : argv)
     args.push_back(const_cast<char*>(a.c_str()));
@@ -59,6 +62,7 @@ RunResult Run(const std::vector<std::string>& argv, const fs::path& output) {
   if (pid == 0) {
     std::FILE* out = std::fopen(output.c_str(), "wb");
     if (out == nullptr) ::_exit(127);
+    if (!folder.empty() && ::chdir(folder.c_str()) != 0) ::_exit(127);
     ::dup2(::fileno(out), 1);
     ::dup2(::fileno(out), 2);
     ::execvp(args[0], args.data());
@@ -173,12 +177,13 @@ int Main(const Settings& settings) {
     std::vector<double> rg, cold, warm;
     std::size_t rgLines = 0, qxLines = 0;
     for (int i = 0; i < settings.repeat && haveRg; ++i) {
-      rg.push_back(Run({"rg", "-n", "--column", kRareWord, folder.string()}, out).seconds);
+      rg.push_back(Run({"rg", "-n", "--column", kRareWord, folder.string()}, out, folder).seconds);
       rgLines = CountLines(out);
     }
     long coldQxRss = 0;
     for (int i = 0; i < settings.repeat; ++i) {
-      const RunResult r = Run({qx, "search", "--color", "never", kRareWord, project.vbp}, out);
+      const RunResult r =
+          Run({qx, "search", "--color", "never", kRareWord, project.vbp}, out, folder);
       if (r.status != 0) std::cout << "  qx search exited with " << r.status << "\n";
       cold.push_back(r.seconds);
       coldQxRss = r.maxRssKb;
@@ -190,7 +195,8 @@ int Main(const Settings& settings) {
     const long loadedHwm = pid ? StatusKb(pid, "VmHWM") : -1;
     std::cout << "  ide start: " << start.seconds << " s, pid " << pid << std::endl;
     for (int i = 0; i < settings.repeat; ++i) {
-      const RunResult r = Run({qx, "search", "--color", "never", kRareWord, project.vbp}, out);
+      const RunResult r =
+          Run({qx, "search", "--color", "never", kRareWord, project.vbp}, out, folder);
       warm.push_back(r.seconds);
     }
     const long hwm = pid ? StatusKb(pid, "VmHWM") : -1;
