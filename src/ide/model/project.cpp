@@ -177,21 +177,30 @@ std::unique_ptr<Project> Project::Open(std::string_view path, const platform::Co
 Project::~Project() = default;
 
 Component* Project::Find(std::string_view name) {
-  std::string key = automation::VbNameKey(name);
-  if (const auto hint = nameHints_.find(key); hint != nameHints_.end()) {
+  const std::string key = automation::VbNameKey(name);
+  const auto hint = nameHints_.find(key);
+  if (hint != nameHints_.end()) {
     Component& component = *components_[hint->second];
     if (automation::SameVbName(component.Name(), name)) return &component;
   }
-  // Every name is read again and remembered where it is first seen; the first that matches is
-  // the one.
-  nameHints_.clear();
-  Component* found = nullptr;
-  for (std::size_t i = 0; i < components_.size(); ++i) {
-    const std::string current = components_[i]->Name();
-    nameHints_.emplace(automation::VbNameKey(current), i);
-    if (found == nullptr && automation::SameVbName(current, name)) found = components_[i].get();
+  // Reads names from `from` on, remembering where each is first seen, up to the first match.
+  const auto readFrom = [&](std::size_t from) -> Component* {
+    for (namesRead_ = from; namesRead_ < components_.size();) {
+      Component& component = *components_[namesRead_];
+      const std::string current = component.Name();
+      nameHints_.emplace(automation::VbNameKey(current), namesRead_++);
+      if (automation::SameVbName(current, name)) return &component;
+    }
+    return nullptr;
+  };
+  // A name not seen yet is looked for where the last look-up stopped reading, so that looking
+  // up every component reads each name once; otherwise (a name that moved, or none found that
+  // way) every name is read again from the first.
+  if (hint == nameHints_.end()) {
+    if (Component* found = readFrom(namesRead_)) return found;
   }
-  return found;
+  nameHints_.clear();
+  return readFrom(0);
 }
 
 Component& Project::Item(std::string_view name) {

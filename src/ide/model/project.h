@@ -124,9 +124,11 @@ class Project {
   std::unique_ptr<ProjectFile> file_;
   std::optional<platform::FileStamp> stamp_;  // of the project file when read or saved
   std::vector<std::unique_ptr<Component>> components_;
-  // Where Find last saw each name (VbNameKey), so that a look-up does not read every name
-  // before it; a hint is used only after checking that the component still has that name.
+  // Where Find saw each name (VbNameKey), so that a look-up does not read every name before
+  // it; a hint is used only after checking that the component still has that name. Find has
+  // read the names of the components before `namesRead_`.
   std::unordered_map<std::string, std::size_t> nameHints_;
+  std::size_t namesRead_ = 0;
 };
 
 }  // namespace ide
