@@ -26,6 +26,7 @@ bool Exists(const fs::path& path) {
 // alike), so that the answer does not depend on the order of the directory listing.
 struct Listing {
   int64_t modifiedNs = 0;
+  ino_t inode = 0;  // a folder made anew at the same path is another folder
   std::unordered_map<std::string, std::string> byFolded;
 };
 
@@ -66,7 +67,8 @@ std::optional<std::string> MatchNoCase(const fs::path& folder, const std::string
   };
   if (known) {
     const auto cached = listings.find(folder.string());
-    if (cached != listings.end() && cached->second.modifiedNs == modified)
+    if (cached != listings.end() && cached->second.modifiedNs == modified &&
+        cached->second.inode == st.st_ino)
       return find(cached->second);
   }
   bool ok = false;
@@ -79,6 +81,7 @@ std::optional<std::string> MatchNoCase(const fs::path& folder, const std::string
   if (known && Nanoseconds(now) - modified >= kSettled) {
     if (listings.size() >= 64) listings.clear();
     listing.modifiedNs = modified;
+    listing.inode = st.st_ino;
     listings.insert_or_assign(folder.string(), std::move(listing));
   }
   return answer;
