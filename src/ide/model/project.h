@@ -5,10 +5,12 @@
 // itself alone.
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "automation/error.h"
@@ -23,6 +25,12 @@ class CodePage;
 namespace ide {
 
 class Project;
+
+// Looking whether a component's file changed on disk costs a call to the file system, and one
+// call that the IDE serves (a scan) uses a component's file thousands of times. The server
+// starts every call it serves from another process with BeginServedCall; within one, each file
+// is looked at once, on its first use. Outside served calls every use looks.
+void BeginServedCall();
 
 class Component {
  public:
@@ -72,6 +80,7 @@ class Component {
   std::unique_ptr<ComponentFile> file_;
   std::optional<automation::Error> loadError_;
   std::optional<platform::FileStamp> loadedStamp_;  // of the file when it was last read
+  std::uint64_t lookedInCall_ = 0;  // the served call in which the file was last looked at
 };
 
 class Project {
@@ -115,6 +124,11 @@ class Project {
   std::unique_ptr<ProjectFile> file_;
   std::optional<platform::FileStamp> stamp_;  // of the project file when read or saved
   std::vector<std::unique_ptr<Component>> components_;
+  // Where Find saw each name (VbNameKey), so that a look-up does not read every name before
+  // it; a hint is used only after checking that the component still has that name. Find has
+  // read the names of the components before `namesRead_`.
+  std::unordered_map<std::string, std::size_t> nameHints_;
+  std::size_t namesRead_ = 0;
 };
 
 }  // namespace ide
