@@ -277,7 +277,9 @@ std::optional<FontSpec> OwnFont(const DescriptionNode& node) {
 // ObjectProperties ---------------------------------------------------------------------------
 
 ObjectProperties::ObjectProperties(FormContext context, DescriptionNode& node)
-    : context_(context), node_(&node), class_(ClassOf(node)) {}
+    : context_(context), node_(&node), class_(ClassOf(node)) {
+  if (class_ == nullptr && node.Parent() == nullptr) class_ = context.rootClass;
+}
 
 int32_t ObjectProperties::Count() const {
   if (class_ != nullptr) return class_->Count();

@@ -104,6 +104,9 @@ struct FormContext {
   Description* description = nullptr;
   const platform::CodePage* codePage = nullptr;
   CompanionStore* companion = nullptr;  // null: the component has no companion
+  // The root's class when its Begin line does not name one the catalog knows (a designer found
+  // by its DesignerID, such as the user connection); null otherwise.
+  const ClassInfo* rootClass = nullptr;
 };
 
 class ObjectProperties {
