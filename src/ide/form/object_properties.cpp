@@ -283,7 +283,7 @@ ObjectProperties::ObjectProperties(FormContext context, DescriptionNode& node)
 
 int32_t ObjectProperties::Count() const {
   if (class_ != nullptr) return class_->Count();
-  int32_t count = 0;
+  int32_t count = 1;  // the name, which its Begin line holds
   for (const auto& item : node_->Items()) {
     if (item.property || (item.node && item.node->IsGroup())) ++count;
   }
@@ -295,7 +295,8 @@ std::string ObjectProperties::NameAt(int32_t position) const {
     if (class_ != nullptr) {
       if (const PropertyInfo* info = class_->At(position)) return std::string(info->name);
     } else {
-      int32_t index = 0;
+      if (position == 0) return "Name";
+      int32_t index = 1;
       for (const auto& item : node_->Items()) {
         const bool counts = item.property || (item.node && item.node->IsGroup());
         if (!counts) continue;
@@ -312,10 +313,13 @@ const PropertyInfo* ObjectProperties::Find(std::string_view name) const {
 
 bool ObjectProperties::Has(std::string_view name) const {
   if (class_ != nullptr) return class_->Find(name) != nullptr;
-  return node_->FindProperty(name) != nullptr || node_->FindGroup(name) != nullptr;
+  // Every control has a name and an index (-1 outside arrays), whatever its file stores.
+  return Same(name, "Name") || Same(name, "Index") || node_->FindProperty(name) != nullptr ||
+         node_->FindGroup(name) != nullptr;
 }
 
 std::string ObjectProperties::Spelling(std::string_view name) const {
+  if (Same(name, "Name")) return "Name";
   if (class_ != nullptr) {
     if (const PropertyInfo* info = class_->FindMember(name)) return std::string(info->name);
   } else if (const PropertyEntry* entry = node_->FindProperty(name)) {
@@ -323,6 +327,7 @@ std::string ObjectProperties::Spelling(std::string_view name) const {
   } else if (const DescriptionNode* group = node_->FindGroup(name)) {
     return group->Name();
   }
+  if (Same(name, "Index")) return "Index";
   return std::string(name);
 }
 
@@ -497,6 +502,10 @@ void ObjectProperties::Store(const PropertyInfo& info, const Variant& value) {
 void ObjectProperties::Set(std::string_view name, const Variant& value) {
   if (class_ == nullptr) {
     // A control of another library: its stored line takes a value of the kind it holds.
+    if (Same(name, "Name") || Same(name, "Index")) {
+      automation::Raise(err::kReadOnlyProperty,
+                        std::string(name) + " is set through the control's own object");
+    }
     PropertyEntry* entry = node_->FindProperty(name);
     if (entry == nullptr || entry->Reference()) NoSuchProperty(name);
     if (UnquoteString(entry->Value())) {

@@ -121,8 +121,8 @@ class ObjectProperties {
   const std::string& ObjectName() const { return node_->Name(); }
 
   // The Properties collection: for a catalog class the properties it shows (window and hidden,
-  // in its order); for another class the properties its file stores (lines and groups), in
-  // stored order.
+  // in its order); for another class Name, then the properties its file stores (lines and
+  // groups) in stored order, and Index by name also when its line is absent.
   int32_t Count() const;
   // The name at a zero-based position; raises 9 past the end.
   std::string NameAt(int32_t position) const;
