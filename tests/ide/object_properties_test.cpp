@@ -351,6 +351,26 @@ TEST_F(ObjectPropertiesTest, AFailedFormWriteLeavesBothFilesAsTheyWere) {
   EXPECT_EQ(Object("lblLong").Get("Caption"), Variant(kLongCaption));
 }
 
+TEST_F(ObjectPropertiesTest, SaveAsWritesTheCompanionBesideTheNewFile) {
+  Object("cmdOk").Set("Caption", Variant(std::string(140, 'y')));
+  component_->SaveAs(copy_->Path("frmCopy.frm"));
+  // The old pair is as it was; the new one names its own companion.
+  EXPECT_EQ(Frm(), frm_);
+  EXPECT_EQ(Frx(), frx_);
+  const std::string copy = ReadBytes(copy_->Path("frmCopy.frm"));
+  EXPECT_EQ(copy.find("frmProps.frx"), std::string::npos);
+  EXPECT_NE(copy.find("      Caption         =   $\"frmCopy.frx\":0042\r\n"), std::string::npos);
+  EXPECT_NE(copy.find("      Caption         =   $\"frmCopy.frx\":00CC\r\n"), std::string::npos);
+  EXPECT_EQ(ReadBytes(copy_->Path("frmCopy.frx")), frx_ + U32(140) + std::string(140, 'y'));
+  // Later saves go to the new pair.
+  Object("lstItems").SetListItem("List", 0, Variant("Apricots"));
+  component_->Save();
+  EXPECT_EQ(Frx(), frx_);
+  EXPECT_EQ(Object("lblLong").Get("Caption"), Variant(kLongCaption));
+  EXPECT_EQ(Object("lstItems").ListItem("List", 0), Variant("Apricots"));
+  EXPECT_NE(ReadBytes(copy_->Path("frmCopy.frx")).find("Apricots"), std::string::npos);
+}
+
 TEST_F(ObjectPropertiesTest, AMissingCompanionIsReportedWhenARecordIsRead) {
   std::filesystem::remove(copy_->Path("frmProps.frx"));
   Reopen();

@@ -222,6 +222,16 @@ void CompanionStore::Saved(const Plan& plan) {
   pending_.clear();
 }
 
+void CompanionStore::MoveTo(std::string bareName, std::string path, std::string bytes,
+                            std::vector<uint32_t> offsets) {
+  bareName_ = std::move(bareName);
+  path_ = std::move(path);
+  references_ = std::move(offsets);
+  exists_ = !bytes.empty();
+  file_ = std::make_unique<CompanionFile>(bareName_, std::move(bytes), references_);
+  pending_.clear();
+}
+
 CompanionRecordKind RecordKindOf(const PropertyEntry& entry) {
   const bool isString = entry.Reference() && entry.Reference()->isString;
   const DescriptionNode* owner = entry.Owner();

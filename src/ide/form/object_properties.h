@@ -82,6 +82,10 @@ class CompanionStore {
   bool ExistsOnDisk();
   // After a successful save of the plan.
   void Saved(const Plan& plan);
+  // After the component was saved under another name with its companion beside it: that file
+  // (its bytes and the references' offsets) is the one from now on.
+  void MoveTo(std::string bareName, std::string path, std::string bytes,
+              std::vector<uint32_t> offsets);
 
  private:
   const CompanionFile& File();
