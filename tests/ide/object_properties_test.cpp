@@ -170,6 +170,10 @@ TEST_F(ObjectPropertiesTest, AnUnchangedSaveIsByteForByteAndLeavesTheCompanionAl
   ObjectProperties ok = Object("cmdOk");
   ok.Set("Caption", Variant("Cancel"));
   ok.Set("Caption", Variant("OK"));
+  // Set to its default, the line goes; set back, it comes where it was.
+  ok.Set("Default", Variant(false));
+  EXPECT_EQ(component_->File().Render().find("      Default  "), std::string::npos);
+  ok.Set("Default", Variant(true));
   ok.SetFontAttribute(FontAttribute::kItalic, Variant(true));
   ok.SetFontAttribute(FontAttribute::kItalic, Variant(false));
   ObjectProperties label = Object("lblLong");

@@ -18,10 +18,14 @@
 // that VB6 keeps in the companion (long ones, ones with line breaks, a MultiLine TextBox's Text)
 // written there as records, their line a reference whose offset the next save settles.
 //
+// Sizes a form-like object keeps as its client area (a form's Height, Left, Top, Width, which
+// the file does not store) are answered and written as the client area's.
+//
 // Fonts are ambient: an object without its own Font group shows its form's font (the
 // description's root); writing a font attribute writes the object's own group, and a font equal
 // to the form's is dropped, as VB6 drops it. When the form's own font changes, the controls
-// that showed it keep the font they had (VB6 changes only the form): each gets its own group.
+// that showed it keep the font they had (VB6 changes only the form): each intrinsic control
+// with a font gets its own group (other libraries' controls keep what their files store).
 
 #include <cstdint>
 #include <memory>
