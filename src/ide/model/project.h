@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "automation/error.h"
+#include "ide/form/object_properties.h"
 #include "ide/model/component_file.h"
 #include "ide/model/project_file.h"
 #include "platform/files.h"
@@ -67,10 +68,25 @@ class Component {
   ComponentFile& File();
   CodeModule& Code() { return File().Code(); }
 
-  bool IsDirty() const { return file_ && file_->IsDirty(); }
-  // Writes the file (see SaveOver for what is refused).
+  // The binary companion (.frx, .ctx, .pgx, .dox, .dsx) of a form-like file or designer, beside
+  // its file; null for modules and classes. Read on first use of a record.
+  form::CompanionStore* Companion();
+  // What the properties of an object of the description need: its description, the project's
+  // code page, the companion. Raises the load error; a module or class has no description (5).
+  form::FormContext Form();
+
+  bool IsDirty() const {
+    return file_ && (file_->IsDirty() || (companion_ && companion_->HasChanges()));
+  }
+  // Writes the file (see SaveOver for what is refused) and, when one of its records changed,
+  // the companion, its references in the file renumbered. Both files are checked (read-only,
+  // changed on disk) before either is written; the companion is written first, then the file,
+  // and when writing the file fails the companion is put back as it was, so that the file on
+  // disk never references records that are not there.
   void Save();
-  // Writes the file under another name, which becomes the component's file.
+  // Writes the file under another name, which becomes the component's file. A file with a
+  // companion gets one beside it under its new name ("Copy.frm" and "Copy.frx"), written first,
+  // and its references name it; the old files stay as they are.
   void SaveAs(std::string_view path);
 
  private:
@@ -78,6 +94,7 @@ class Component {
   std::size_t entry_;
   std::string fileName_;
   std::unique_ptr<ComponentFile> file_;
+  std::unique_ptr<form::CompanionStore> companion_;  // with file_, for kinds that have one
   std::optional<automation::Error> loadError_;
   std::optional<platform::FileStamp> loadedStamp_;  // of the file when it was last read
   std::uint64_t lookedInCall_ = 0;  // the served call in which the file was last looked at

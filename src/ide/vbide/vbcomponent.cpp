@@ -2,10 +2,12 @@
 
 #include <utility>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
 #include "ide/model/project.h"
 #include "ide/vbide/code_module.h"
 #include "ide/vbide/make.h"
+#include "ide/vbide/properties.h"
 #include "ide/vbide/vbcomponents.h"
 #include "ide/vbide/vbe.h"
 #include "ide/vbide/vbproject.h"
@@ -36,6 +38,7 @@ const automation::ClassInfo& VBComponent::Class() const {
           .Method("DesignerWindow", &VBComponent::DesignerWindow)
           .Method("Activate", &VBComponent::Activate)
           .Get("DesignerID", &VBComponent::DesignerID)
+          .Get("Properties", &VBComponent::Properties)
           .Build();
   return info;
 }
@@ -153,11 +156,41 @@ std::string VBComponent::DesignerID() const {
   return component_->DesignerID();
 }
 
+std::shared_ptr<vbide::Properties> VBComponent::Properties() {
+  if (!properties_) {
+    auto self = std::static_pointer_cast<VBComponent>(shared_from_this());
+    if (!HasDesigner()) {
+      properties_ = MakeBeside<vbide::Properties>(*this, PropertySource{}, self,
+                                                  vbide::Properties::Kind::kEmpty);
+      return properties_;
+    }
+    std::weak_ptr<VBComponent> weak = self;
+    PropertySource source;
+    // The model is held by the source: the collection may outlive this object.
+    source.locate = [model = model_, component = component_] {
+      form::FormContext context = component->Form();
+      return form::ObjectProperties(context, context.description->Root());
+    };
+    source.changed = [weak] {
+      if (auto owner = weak.lock()) owner->NoteChanged();
+    };
+    source.intercept = [model = model_, component = component_](std::string_view name,
+                                                                const automation::Variant& value) {
+      if (!automation::SameVbName(name, "Name")) return false;
+      component->SetName(value.ToString());
+      return true;
+    };
+    properties_ = MakeBeside<vbide::Properties>(*this, std::move(source), self);
+  }
+  return properties_;
+}
+
 void VBComponent::TearDown() {
   if (code_) code_->TearDown();
   if (designerWindow_) designerWindow_->TearDown();
   code_.reset();
   designerWindow_.reset();
+  properties_.reset();
   collection_.reset();
 }
 

@@ -21,6 +21,7 @@ class Project;
 namespace ide::vbide {
 
 class CodeModule;
+class Properties;
 class VBComponents;
 class VBE;
 class Window;
@@ -60,6 +61,10 @@ class VBComponent : public automation::Object {
   // code window this IDE does not show) it only makes sure the file can be read.
   void Activate();
   std::string DesignerID() const;
+  // The Properties window's properties of the form, user control, property page, user document
+  // or designer (ide/vbide/properties.h); empty for modules and classes. Writing Name renames
+  // the component.
+  std::shared_ptr<vbide::Properties> Properties();
 
   ide::Component& Model() const { return *component_; }
   // Called by the component's CodeModule when its code changed.
@@ -75,6 +80,7 @@ class VBComponent : public automation::Object {
   ide::Component* component_;
   std::shared_ptr<vbide::CodeModule> code_;
   std::shared_ptr<Window> designerWindow_;
+  std::shared_ptr<vbide::Properties> properties_;
   bool markedDirty_ = false;  // IsDirty was set to True
   bool savedMark_ = false;    // IsDirty was set to False and nothing changed since
 };
