@@ -312,6 +312,8 @@ const PropertyInfo* ObjectProperties::Find(std::string_view name) const {
 
 bool ObjectProperties::Has(std::string_view name) const {
   if (class_ != nullptr) return class_->Find(name) != nullptr;
+  // Every control has a name and an index (-1 outside arrays), stored or not.
+  if (Same(name, "Name") || Same(name, "Index")) return true;
   return node_->FindProperty(name) != nullptr || node_->FindGroup(name) != nullptr;
 }
 

@@ -58,6 +58,9 @@ class Component {
   // the component holds no unsaved change. Raises the load error (53 missing, 321 not a VB file
   // of that kind, ...) now and on every later call until the file changes.
   ComponentFile& File();
+  // How many times the file was read: objects that point into the file's model tell by it
+  // that it was read again since (and their pointers are no longer good).
+  uint64_t Reads() const { return reads_; }
   CodeModule& Code() { return File().Code(); }
 
   // The binary companion (.frx, .ctx, .pgx, .dox, .dsx) of a form-like file or designer, beside
@@ -87,6 +90,7 @@ class Component {
   std::unique_ptr<form::CompanionStore> companion_;  // with file_, for kinds that have one
   std::optional<automation::Error> loadError_;
   std::optional<platform::FileStamp> loadedStamp_;  // of the file when it was last read
+  uint64_t reads_ = 0;
 };
 
 class Project {
