@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <filesystem>
 #include <memory>
 #include <set>
 #include <sstream>
@@ -316,6 +318,72 @@ TEST_F(VbControls, RenamesKeepControlArraysConsistent) {
                 "         Index           =   0\r",  // txtInner's
                 "   Begin VB.OptionButton OPTION1 \r", "   Begin VB.OptionButton OPTION1 \r",
                 "   Begin VB.OptionButton OPTION1 \r", "      Index           =   5\r"}));
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(VbControls, FontAttributesOfTheLiveControlWriteItsOwnFont) {
+  const std::string before = FormBytes();
+  const Dispatch text = Live("txtInner");
+  text.Put("FontBold", true);
+  EXPECT_TRUE(text.Get("FontBold").ToBool());
+  EXPECT_EQ(text.Get("FontName").ToString(), "Tahoma");  // the rest as the form's
+  // The font object shows the same font.
+  const Dispatch font(text.Get("Font").ToObject());
+  EXPECT_TRUE(font.Get("Bold").ToBool());
+  EXPECT_EQ(font.Get("Name").ToString(), "Tahoma");
+  // Back to the form's font: the group goes away again, and the file is as it was.
+  text.Put("FontBold", false);
+  Save();
+  EXPECT_EQ(FormBytes(), before);
+
+  // Types without a font have no font attributes.
+  EXPECT_EQ(ErrorOf([&] { Live("mnuFile").Get("FontName"); }), 438);
+}
+
+TEST_F(VbControls, ControlsAreFoundAgainWhenTheFileIsReadAgain) {
+  const Dispatch list = Control("lstItems");
+  const Dispatch one = Control("Option1", 1);
+  // Another program changes the file: the caption of Option1(1) and lstItems goes away.
+  std::string bytes = FormBytes();
+  bytes.replace(bytes.find("\"One\""), 5, "\"Eins\"");
+  const std::size_t begin = bytes.find("   Begin VB.ListBox lstItems");
+  const std::size_t end = bytes.find("   End\r\n", begin) + 8;
+  bytes.erase(begin, end - begin);
+  idetest::WriteBytes(copy_->Path("frmControls.frm"), bytes);
+  std::filesystem::last_write_time(
+      copy_->Path("frmControls.frm"),
+      std::filesystem::file_time_type::clock::now() + std::chrono::seconds(5));
+
+  EXPECT_EQ(Dispatch(one.Get("ControlObject").ToObject()).Get("Caption").ToString(), "Eins");
+  EXPECT_EQ(Control("Option1", 1).object(), one.object());
+  EXPECT_EQ(ErrorOf([&] { list.Get("ProgId"); }), 91);
+  EXPECT_EQ(controls_.Get("Count").ToLong(), 10);
+}
+
+TEST_F(VbControls, EveryFormLikeComponentHasADesigner) {
+  auto copy = std::make_unique<FixtureCopy>("ledger");
+  auto ide = ide::Ide::Start(copy->Path("Ledger.vbp"));
+  const Dispatch components(Dispatch(ide->VBProject()).Get("VBComponents").ToObject());
+  auto controls = [&](const char* component) {
+    const Dispatch designer(
+        Dispatch(components.Call("Item", component).ToObject()).Get("Designer").ToObject());
+    return Dispatch(designer.Get("VBControls").ToObject());
+  };
+  EXPECT_EQ(controls("frmMain").Get("Count").ToLong(), 5);
+  EXPECT_EQ(Dispatch(controls("frmMain").Call("Item", 1).ToObject()).Get("ProgId").ToString(),
+            "MSComctlLib.ListView");
+  EXPECT_EQ(controls("frmShell").Get("Count").ToLong(), 0);
+  EXPECT_EQ(
+      Dispatch(controls("ctlGauge").Call("Item", "shpBar").ToObject()).Get("ClassName").ToString(),
+      "Shape");
+  EXPECT_EQ(controls("ppgGauge").Get("Count").ToLong(), 1);
+  EXPECT_EQ(controls("docHome").Get("Count").ToLong(), 0);
+  // Classes have none.
+  EXPECT_EQ(Dispatch(components.Call("Item", "CAccount").ToObject()).Get("Designer").ToObject(),
+            nullptr);
 }
 
 }  // namespace
