@@ -173,24 +173,21 @@ const std::map<const form::ClassInfo*, automation::ClassInfo>& LiveClasses() {
 
 }  // namespace
 
-LiveControl::LiveControl(std::shared_ptr<VBControl> control) : control_(std::move(control)) {}
+LiveControl::LiveControl(std::shared_ptr<VBControl> control, const form::ClassInfo* known)
+    : control_(std::move(control)), known_(known) {}
 
 const automation::ClassInfo& LiveControl::Class() const {
   static const automation::ClassInfo other = Builder("Control").Build();
-  if (!control_) return other;
-  const form::ClassInfo* known = form::FindClass(control_->Node().Type());
-  if (!known) return other;
-  auto it = LiveClasses().find(known);
+  if (!known_) return other;
+  auto it = LiveClasses().find(known_);
   return it == LiveClasses().end() ? other : it->second;
 }
 
 Variant LiveControl::Invoke(std::string_view interfaceName, std::string_view memberName,
                             MemberKind kind, Args& args) {
   if (!control_) automation::Raise(automation::err::kServerUnavailable);
-  form::DescriptionNode& node = control_->Node();
-  if (form::FindClass(node.Type()) != nullptr || !interfaceName.empty()) {
+  if (known_ || !interfaceName.empty())
     return Object::Invoke(interfaceName, memberName, kind, args);
-  }
   // A control of another library: the properties its file stores.
   const std::shared_ptr<automation::Process> owner = Owner();
   if (!owner || owner->Ended()) automation::Raise(automation::err::kServerUnavailable);
@@ -216,7 +213,7 @@ Variant LiveControl::Invoke(std::string_view interfaceName, std::string_view mem
     }
     return Variant();
   }
-  automation::Raise(automation::err::kNoSuchMember, node.Type() + "." + name);
+  automation::Raise(automation::err::kNoSuchMember, model.Node().Type() + "." + name);
 }
 
 }  // namespace ide::vbide

@@ -24,13 +24,18 @@
 
 #include "automation/object.h"
 
+namespace ide::form {
+struct ClassInfo;
+}
+
 namespace ide::vbide {
 
 class VBControl;
 
 class LiveControl : public automation::Object {
  public:
-  explicit LiveControl(std::shared_ptr<VBControl> control);
+  // known: the control's class in the catalog; null for a control of another library.
+  LiveControl(std::shared_ptr<VBControl> control, const form::ClassInfo* known);
 
   const automation::ClassInfo& Class() const override;
   automation::Variant Invoke(std::string_view interfaceName, std::string_view memberName,
@@ -41,6 +46,7 @@ class LiveControl : public automation::Object {
 
  private:
   std::shared_ptr<VBControl> control_;
+  const form::ClassInfo* known_;
 };
 
 }  // namespace ide::vbide

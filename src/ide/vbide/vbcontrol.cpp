@@ -47,14 +47,9 @@ form::DescriptionNode& VBControl::Node() {
   return form_->NodeOf(*this);
 }
 
-form::FormContext VBControl::Context() {
-  if (!form_) automation::Raise(automation::err::kServerUnavailable);
-  return form_->Context();
-}
-
 form::ObjectProperties VBControl::Model() {
-  form::FormContext context = Context();
-  return form::ObjectProperties(context, Node());
+  if (!form_) automation::Raise(automation::err::kServerUnavailable);
+  return form_->PropertiesOf(*this);
 }
 
 PropertySource VBControl::Source() {
@@ -118,10 +113,10 @@ automation::ObjectRef VBControl::Properties() {
 }
 
 std::shared_ptr<LiveControl> VBControl::ControlObject() {
-  Node();
+  const form::ClassInfo* known = form::FindClass(Node().Type());
   if (!live_) {
     auto self = std::static_pointer_cast<VBControl>(shared_from_this());
-    live_ = MakeBeside<LiveControl>(*this, self);
+    live_ = MakeBeside<LiveControl>(*this, self, known);
   }
   return live_;
 }

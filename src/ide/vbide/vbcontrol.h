@@ -52,7 +52,6 @@ class VBControl : public automation::Object {
   // How the control's Properties collection and its font object reach it: Name and Index go
   // through SetName and SetIndex.
   PropertySource Source();
-  form::FormContext Context();
   std::string Name();
   int32_t Index();
   // A new name or index, keeping control arrays consistent.

@@ -52,25 +52,23 @@ std::shared_ptr<VBE> VBForm::Vbe() const {
 }
 
 form::Description& VBForm::Description() {
-  Refresh();
-  return *component_->File().Description();
+  return Refresh();
 }
 
-form::FormContext VBForm::Context() {
-  Refresh();
-  return component_->Form();
-}
-
-void VBForm::Refresh() {
+form::Description& VBForm::Refresh() {
   if (!parent_) automation::Raise(automation::err::kServerUnavailable);
-  ide::ComponentFile& file = component_->File();  // raises the file's load error
-  if (reads_ == component_->Reads()) return;
-  form::Description* description = file.Description();
+  form::Description* description = component_->File().Description();  // raises its load error
   if (!description) {
     automation::Raise(automation::err::kInvalidCall, component_->Name() + " has no form designer");
   }
+  Rebind(*description);
+  return *description;
+}
+
+void VBForm::Rebind(form::Description& description) {
+  if (reads_ == component_->Reads()) return;
   reads_ = component_->Reads();
-  nodes_ = description->Controls();
+  nodes_ = description.Controls();
   // The controls handed out before are found again by name and index.
   byNode_.clear();
   for (std::size_t i = 0; i < known_.size(); ++i) {
@@ -98,7 +96,6 @@ std::vector<form::DescriptionNode*> VBForm::Nodes(const form::DescriptionNode* c
 }
 
 std::shared_ptr<VBControl> VBForm::ControlOf(form::DescriptionNode& node) {
-  Refresh();
   auto it = byNode_.find(&node);
   if (it != byNode_.end()) return known_[it->second].control;
   auto self = std::static_pointer_cast<VBForm>(shared_from_this());
@@ -115,6 +112,17 @@ std::shared_ptr<VBControl> VBForm::ControlOf(form::DescriptionNode& node) {
 
 form::DescriptionNode& VBForm::NodeOf(const VBControl& control) {
   Refresh();
+  return Lookup(control);
+}
+
+form::ObjectProperties VBForm::PropertiesOf(const VBControl& control) {
+  if (!parent_) automation::Raise(automation::err::kServerUnavailable);
+  const form::FormContext context = component_->Form();  // reads a file changed on disk again
+  Rebind(*context.description);
+  return form::ObjectProperties(context, Lookup(control));
+}
+
+form::DescriptionNode& VBForm::Lookup(const VBControl& control) {
   auto it = byControl_.find(&control);
   if (it == byControl_.end() || !known_[it->second].node) {
     automation::Raise(automation::err::kObjectNotSet, "the control is no longer on " +

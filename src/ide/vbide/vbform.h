@@ -43,14 +43,16 @@ class VBForm : public automation::Object {
 
   // For the form's collections and controls.
   form::Description& Description();
-  form::FormContext Context();
   // The controls in file order; those whose parent is `container` (null: every control, the
   // form's root: the form's own).
   std::vector<form::DescriptionNode*> Nodes(const form::DescriptionNode* container);
+  // The control of a node of the current description (just got from Nodes or Description).
   std::shared_ptr<VBControl> ControlOf(form::DescriptionNode& node);
   // The node of a control handed out before, in the current description (91 when the file was
   // read again without it).
   form::DescriptionNode& NodeOf(const VBControl& control);
+  // Its properties (one look at the file for both the context and the node).
+  form::ObjectProperties PropertiesOf(const VBControl& control);
   // Called after a control's name or index changed, so that it is found again by them.
   void NoteRenamed(const VBControl& control);
   // Marks the component changed, as the other IDE objects do.
@@ -65,7 +67,10 @@ class VBForm : public automation::Object {
     std::string name;                       // to find it again
     int32_t index = -1;
   };
-  void Refresh();
+  // The current description, the controls found again in it when the file was read again.
+  form::Description& Refresh();
+  void Rebind(form::Description& description);
+  form::DescriptionNode& Lookup(const VBControl& control);
 
   std::shared_ptr<VBComponent> parent_;
   std::shared_ptr<ide::Project> model_;  // keeps component_ alive
