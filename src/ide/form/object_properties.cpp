@@ -414,11 +414,17 @@ void ObjectProperties::RemoveLine(std::string_view name) {
   }
 }
 
+void ObjectProperties::ForgetRecord(std::string_view name) {
+  PropertyEntry* entry = node_->FindProperty(name);
+  if (entry != nullptr && context_.companion != nullptr) context_.companion->Forget(*entry);
+}
+
 void ObjectProperties::StoreString(const PropertyInfo& info, const std::string& text) {
   const std::string encoded = context_.codePage->Encode(text);
   const StringStorage storage = PlaceString(info, encoded, MultiLine());
   if (storage == StringStorage::kInline) {
-    RemoveLine(info.name);
+    // Rewritten where it stands: a designer's settings keep their order.
+    ForgetRecord(info.name);
     node_->SetProperty(info.name, FormatString(text));
     return;
   }
@@ -437,7 +443,7 @@ void ObjectProperties::StoreString(const PropertyInfo& info, const std::string& 
     context_.companion->Put(*entry, std::move(record));
     return;
   }
-  RemoveLine(info.name);
+  ForgetRecord(info.name);
   CompanionReference reference{isString, context_.companion->FileName(), 0};
   PropertyEntry& added = node_->SetProperty(info.name, FormatCompanionReference(reference));
   context_.companion->Put(added, std::move(record));
@@ -567,7 +573,7 @@ void ObjectProperties::StoreList(const PropertyInfo& info, const std::vector<std
     context_.companion->Put(*entry, std::move(record));
     return;
   }
-  RemoveLine(info.name);
+  ForgetRecord(info.name);
   CompanionReference reference{false, context_.companion->FileName(), 0};
   PropertyEntry& added = node_->SetProperty(info.name, FormatCompanionReference(reference));
   context_.companion->Put(added, std::move(record));

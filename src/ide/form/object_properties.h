@@ -175,6 +175,8 @@ class ObjectProperties {
   std::vector<std::string> ReadList(const PropertyInfo& info) const;
   void StoreList(const PropertyInfo& info, const std::vector<std::string>& items);
   void RemoveLine(std::string_view name);
+  // The line's record, if an edit gave it one, is no longer its (the line is about to change).
+  void ForgetRecord(std::string_view name);
   bool MultiLine() const;
   const PropertyInfo& Require(std::string_view name) const;
 
