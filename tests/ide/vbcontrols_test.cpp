@@ -239,8 +239,37 @@ TEST_F(VbControls, ListItemsRoundTripThroughTheCompanion) {
   ASSERT_EQ(again.Get("ListCount").ToLong(), 5);
   EXPECT_EQ(again.GetAt("List", Variant::Long(1)).ToString(), "Apricot");
   EXPECT_EQ(again.GetAt("ItemData", Variant::Long(2)).ToLong(), 20);
+  Args data{Variant::Long(4), Variant::Long(-7)};
+  again.object()->Invoke("", "ItemData", MemberKind::Put, data);
+  EXPECT_EQ(again.GetAt("ItemData", Variant::Long(4)).ToLong(), -7);
+  EXPECT_EQ(ErrorOf([&] {
+              Args past{Variant::Long(5), Variant("x")};
+              again.object()->Invoke("", "List", MemberKind::Put, past);
+            }),
+            381);
+
+  // An emptied list keeps no lines.
   again.Call("Clear");
   EXPECT_EQ(again.Get("ListCount").ToLong(), 0);
+  Save();
+  EXPECT_EQ(FormBytes().find("frmControls.frx"), std::string::npos);
+}
+
+TEST_F(VbControls, ControlPropertiesListTheWindowsPropertiesWithNameFirst) {
+  const Dispatch properties(Control("txtInner").Get("Properties").ToObject());
+  EXPECT_GT(properties.Get("Count").ToLong(), 40);
+  EXPECT_EQ(Dispatch(properties.Call("Item", 1).ToObject()).Get("Name").ToString(), "Name");
+  EXPECT_EQ(Property(Control("txtInner"), "Text").Get("Value").ToString(), "inner");
+  EXPECT_EQ(
+      Property(Control("lstItems"), "List").GetAt("IndexedValue", Variant::Long(1)).ToString(),
+      "Banana");
+  // Font attributes are the live control's, not the window's.
+  EXPECT_EQ(ErrorOf([&] { Property(Control("txtInner"), "FontBold"); }), 9);
+  // Other libraries' controls: what the file stores, and their name and index.
+  EXPECT_EQ(Property(Control("barProgress"), "Max").Get("Value").ToLong(), 50);
+  EXPECT_EQ(Property(Control("barProgress"), "Index").Get("Value").ToLong(), -1);
+  Reindex(Control("barProgress"), 3);
+  EXPECT_EQ(NameOf(Control("barProgress", 3)), "barProgress(3)");
 }
 
 TEST_F(VbControls, FileListBoxesListNothingAtDesignTime) {
