@@ -8,7 +8,10 @@
 // write the control's font (its container's while it has none of its own); a file list box's
 // Path and its (empty) List. Any other name fails with 438 "Object doesn't support this
 // property or method". Font gives the font object, Picture-like properties Nothing, DataFormat
-// a data-format object of the control's DataFormat settings (data_format.h).
+// a data-format object of the control's DataFormat settings (data_format.h). Name and Index
+// are those of the control's Properties collection (Index -1 outside arrays), and writing them
+// keeps control arrays consistent as VBControl does. A read-only property refuses a write with
+// 383, as the file system controls' List does.
 //
 // List controls (ComboBox, ListBox) also have ListCount, List(i) read and write, ItemData(i)
 // read and write, Clear and AddItem(Item[, Index]); their items and item data live in the

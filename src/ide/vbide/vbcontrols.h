@@ -5,9 +5,9 @@
 //
 // Item(CollectionIndex[, ControlIndex]) takes a position from 1 to Count (as VBIDE's other
 // collections do) or a control's name in any letter case; with ControlIndex, the member of that
-// control array. A name that is an array's without ControlIndex takes the member with that
-// index written in it ("Option1(2)"); an array's bare name raises 9, since it names several
-// controls. An unknown name or index raises 9.
+// control array. Without ControlIndex an array member may also be named with its index in
+// parentheses ("Option1(2)"), as the driver keys its controls; an array's bare name raises 9,
+// since it names several controls, as does an unknown name or position.
 
 #include <cstdint>
 #include <memory>
