@@ -80,6 +80,7 @@ ComponentFile& Component::File() {
     loadedStamp_ = platform::StampOf(fileName_);
     std::string bytes = platform::ReadFile(fileName_);
     file_ = ComponentFile::Parse(std::move(bytes), Kind(), *project_.codePage_, fileName_);
+    ++reads_;
     if (file_->Description() != nullptr) {
       const std::string bareName = form::CompanionFileName(fileName_, Kind());
       const std::string path =

@@ -66,6 +66,9 @@ class Component {
   // the component holds no unsaved change. Raises the load error (53 missing, 321 not a VB file
   // of that kind, ...) now and on every later call until the file changes.
   ComponentFile& File();
+  // How many times the file was read: objects that point into the file's model tell by it
+  // that it was read again since (and their pointers are no longer good).
+  uint64_t Reads() const { return reads_; }
   CodeModule& Code() { return File().Code(); }
 
   // The binary companion (.frx, .ctx, .pgx, .dox, .dsx) of a form-like file or designer, beside
@@ -98,6 +101,7 @@ class Component {
   std::optional<automation::Error> loadError_;
   std::optional<platform::FileStamp> loadedStamp_;  // of the file when it was last read
   std::uint64_t lookedInCall_ = 0;  // the served call in which the file was last looked at
+  uint64_t reads_ = 0;
 };
 
 class Project {

@@ -10,6 +10,7 @@
 #include "ide/vbide/properties.h"
 #include "ide/vbide/vbcomponents.h"
 #include "ide/vbide/vbe.h"
+#include "ide/vbide/vbform.h"
 #include "ide/vbide/vbproject.h"
 #include "ide/vbide/window.h"
 
@@ -30,6 +31,7 @@ const automation::ClassInfo& VBComponent::Class() const {
           .Get("FileCount", &VBComponent::FileCount)
           .Get("Name", &VBComponent::Name)
           .Put("Name", &VBComponent::SetName)
+          .Get("Designer", &VBComponent::Designer)
           .Get("CodeModule", &VBComponent::CodeModule)
           .Get("Type", &VBComponent::Type)
           .Get("VBE", &VBComponent::Vbe)
@@ -86,6 +88,29 @@ std::shared_ptr<vbide::CodeModule> VBComponent::CodeModule() {
     code_ = MakeBeside<vbide::CodeModule>(*this, self, model_, *component_);
   }
   return code_;
+}
+
+automation::ObjectRef VBComponent::Designer() {
+  component_->File();  // raises the load error of a file that cannot be read
+  switch (component_->Kind()) {
+    case FileKind::kModule:
+    case FileKind::kClass:
+      return nullptr;
+    case FileKind::kDesigner:
+      // The ActiveX designers (.dsr) have objects of their own, which come here; until then a
+      // designer answers Nothing, as a component without a designer does.
+      return nullptr;
+    case FileKind::kForm:
+    case FileKind::kUserControl:
+    case FileKind::kPropertyPage:
+    case FileKind::kUserDocument:
+      break;
+  }
+  if (!designer_) {
+    auto self = std::static_pointer_cast<VBComponent>(shared_from_this());
+    designer_ = MakeBeside<VBForm>(*this, self, model_, *component_);
+  }
+  return designer_;
 }
 
 int32_t VBComponent::Type() const {
@@ -187,8 +212,10 @@ std::shared_ptr<vbide::Properties> VBComponent::Properties() {
 
 void VBComponent::TearDown() {
   if (code_) code_->TearDown();
+  if (designer_) designer_->TearDown();
   if (designerWindow_) designerWindow_->TearDown();
   code_.reset();
+  designer_.reset();
   designerWindow_.reset();
   properties_.reset();
   collection_.reset();

@@ -23,6 +23,7 @@ namespace ide::vbide {
 class CodeModule;
 class Properties;
 class VBComponents;
+class VBForm;
 class VBE;
 class Window;
 
@@ -48,6 +49,10 @@ class VBComponent : public automation::Object {
   std::string Name() const;
   // VB's naming rules; 380 for an invalid name or one another component has.
   void SetName(const std::string& name);
+  // The designer: for forms, MDI forms, user controls, property pages and user documents a
+  // VBForm over the form description (the same object each time); Nothing for modules and
+  // classes, which have none. Raises the file's load error.
+  automation::ObjectRef Designer();
   std::shared_ptr<vbide::CodeModule> CodeModule();
   // vbext_ComponentType: 1, 2, 5, 6, 7, 8, 9 or 11.
   int32_t Type() const;
@@ -79,6 +84,7 @@ class VBComponent : public automation::Object {
   std::shared_ptr<ide::Project> model_;  // keeps component_ alive
   ide::Component* component_;
   std::shared_ptr<vbide::CodeModule> code_;
+  std::shared_ptr<VBForm> designer_;
   std::shared_ptr<Window> designerWindow_;
   std::shared_ptr<vbide::Properties> properties_;
   bool markedDirty_ = false;  // IsDirty was set to True
