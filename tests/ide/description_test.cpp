@@ -19,7 +19,7 @@ using ide::ComponentFile;
 using ide::FileKind;
 using ide::form::Description;
 using ide::form::DescriptionNode;
-using ide::form::FontSpec;
+using ide::form::FontValues;
 using namespace ide::form;
 
 struct Loaded {
@@ -153,7 +153,7 @@ TEST(Description, EveryFormLikeFixtureComesBackByteForByte) {
 }
 
 TEST(Description, EditsRewriteOnlyTheirLinesInVb6sOrderAndLayout) {
-  const FontSpec arial{"Arial", 9.75, 0, 700, false, false, false};
+  const FontValues arial{"Arial", 9.75, 0, 700, false, false, false};
   struct Case {
     const char* what;
     std::function<void(Loaded&)> edit;
@@ -227,7 +227,7 @@ TEST(Description, EditsRewriteOnlyTheirLinesInVb6sOrderAndLayout) {
        "      EndProperty\r\n"},
       {"a changed font rewrites only the lines that differ",
        [](Loaded& l) {
-         FontSpec courier{"Courier New", 9.75, 0, 400, false, true, false};
+         FontValues courier{"Courier New", 9.75, 0, 400, false, true, false};
          l.object("txtNotes").SetFont(courier);
        },
        "         Weight          =   700\r\n", "         Weight          =   400\r\n"},

@@ -287,7 +287,7 @@ void DescriptionNode::SetIndex(int32_t index) {
   }
 }
 
-DescriptionNode& DescriptionNode::SetFont(const FontSpec& font, std::string_view groupName) {
+DescriptionNode& DescriptionNode::SetFont(const FontValues& font, std::string_view groupName) {
   DescriptionNode* group = FindGroup(groupName);
   if (!group) {
     auto node = std::make_unique<DescriptionNode>();

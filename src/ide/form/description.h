@@ -67,7 +67,7 @@ class PropertyEntry {
 };
 
 // The seven lines of a font group, in the order VB6 writes them.
-struct FontSpec {
+struct FontValues {
   std::string name = "MS Sans Serif";
   double size = 8.25;
   int32_t charset = 0;
@@ -123,7 +123,7 @@ class DescriptionNode {
   void SetIndex(int32_t index);
   // Writes the font group: the seven lines in VB6's order, only the ones that differ
   // rewritten. A new group has the StdFont class identifier on objects of other libraries.
-  DescriptionNode& SetFont(const FontSpec& font, std::string_view groupName = "Font");
+  DescriptionNode& SetFont(const FontValues& font, std::string_view groupName = "Font");
   // Removes a group with its lines (a font equal to the container's); false when none.
   bool RemoveGroup(std::string_view name);
 

@@ -78,13 +78,13 @@ const ClassInfo* ClassOf(const DescriptionNode& node) {
   return FindClass(node.Type());
 }
 
-bool SameFont(const FontSpec& a, const FontSpec& b) {
+bool SameFont(const FontValues& a, const FontValues& b) {
   return a.name == b.name && a.size == b.size && a.charset == b.charset && a.weight == b.weight &&
          a.underline == b.underline && a.italic == b.italic && a.strikethrough == b.strikethrough;
 }
 
-FontSpec DefaultFont() {
-  FontSpec font;
+FontValues DefaultFont() {
+  FontValues font;
   font.name = std::string(kDefaultFont.name);
   font.size = kDefaultFont.size;
   font.charset = kDefaultFont.charset;
@@ -92,7 +92,7 @@ FontSpec DefaultFont() {
   return font;
 }
 
-FontSpec FormFont(const DescriptionNode& node) {
+FontValues FormFont(const DescriptionNode& node) {
   const DescriptionNode* root = &node;
   while (root->Parent() != nullptr)
     root = root->Parent();
@@ -256,10 +256,10 @@ CompanionRecordKind RecordKindOf(const PropertyEntry& entry) {
   }
 }
 
-std::optional<FontSpec> OwnFont(const DescriptionNode& node) {
+std::optional<FontValues> OwnFont(const DescriptionNode& node) {
   const DescriptionNode* group = node.FindGroup("Font");
   if (group == nullptr) return std::nullopt;
-  FontSpec font = DefaultFont();
+  FontValues font = DefaultFont();
   for (const PropertyEntry* entry : group->Properties()) {
     const std::string& name = entry->Name();
     std::optional<double> number = ParseNumber(entry->Value());
@@ -665,7 +665,7 @@ void ObjectProperties::ClearList() {
 
 // Fonts ---------------------------------------------------------------------------------------
 
-FontSpec ObjectProperties::Font() const {
+FontValues ObjectProperties::Font() const {
   if (auto own = OwnFont(*node_)) return *own;
   return FormFont(*node_);
 }
@@ -674,11 +674,11 @@ bool ObjectProperties::HasOwnFont() const {
   return node_->FindGroup("Font") != nullptr;
 }
 
-void ObjectProperties::SetFont(const FontSpec& font) {
+void ObjectProperties::SetFont(const FontValues& font) {
   if (class_ != nullptr && !class_->HasFont()) NoSuchProperty("Font");
   if (node_->Parent() == nullptr) {
     // The form's own font: the controls that showed it keep the font they had.
-    const FontSpec old = Font();
+    const FontValues old = Font();
     if (SameFont(old, font) && HasOwnFont()) return;
     if (context_.description != nullptr) {
       for (DescriptionNode* control : context_.description->Controls()) {
@@ -698,7 +698,7 @@ void ObjectProperties::SetFont(const FontSpec& font) {
 }
 
 void ObjectProperties::SetFontAttribute(FontAttribute attribute, const Variant& value) {
-  FontSpec font = Font();
+  FontValues font = Font();
   switch (attribute) {
     case FontAttribute::kName: {
       std::string name = value.ToString();
@@ -732,7 +732,7 @@ void ObjectProperties::SetFontAttribute(FontAttribute attribute, const Variant& 
 }
 
 Variant ObjectProperties::FontAttributeValue(FontAttribute attribute) const {
-  const FontSpec font = Font();
+  const FontValues font = Font();
   switch (attribute) {
     case FontAttribute::kName:
       return Variant(font.name);

@@ -162,10 +162,10 @@ class ObjectProperties {
   void ClearList();
 
   // The font the object shows: its own group, else its form's (ambient), else VB6's default.
-  FontSpec Font() const;
+  FontValues Font() const;
   bool HasOwnFont() const;
   // Writes the object's font: its own group, dropped when equal to its form's.
-  void SetFont(const FontSpec& font);
+  void SetFont(const FontValues& font);
   // One attribute, as the font object and FontBold... write it (coerced to its type).
   void SetFontAttribute(FontAttribute attribute, const automation::Variant& value);
   automation::Variant FontAttributeValue(FontAttribute attribute) const;
@@ -194,6 +194,6 @@ class ObjectProperties {
 };
 
 // The font a description node has in its own group, if it has one.
-std::optional<FontSpec> OwnFont(const DescriptionNode& node);
+std::optional<FontValues> OwnFont(const DescriptionNode& node);
 
 }  // namespace ide::form

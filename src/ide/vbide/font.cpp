@@ -27,7 +27,7 @@ const form::PropertyInfo& FontInfo(std::string_view name) {
 
 Variant ReadFontProperty(const form::ObjectProperties& object, std::string_view name) {
   const form::PropertyInfo& info = FontInfo(name);
-  const form::FontSpec font = object.Font();
+  const form::FontValues font = object.Font();
   if (Same(info.name, "Name")) return Variant(font.name);
   if (Same(info.name, "Size")) return Variant::Single(static_cast<float>(font.size));
   if (Same(info.name, "Charset")) return Variant::Integer(static_cast<int16_t>(font.charset));
@@ -51,7 +51,7 @@ void WriteFontProperty(form::ObjectProperties& object, std::string_view name,
     return;
   }
   const Variant coerced = form::CoerceValue(info, value);
-  form::FontSpec font = object.Font();
+  form::FontValues font = object.Font();
   if (Same(info.name, "Name")) {
     if (coerced.ToString().empty()) {
       automation::Raise(err::kInvalidPropertyValue, "a font needs a name");
@@ -74,28 +74,28 @@ void WriteFontProperty(form::ObjectProperties& object, std::string_view name,
 void CopyFont(form::ObjectProperties& object, const automation::ObjectRef& font) {
   if (!font) automation::Raise(err::kInvalidPropertyValue, "a font object is needed");
   if (auto ours = std::dynamic_pointer_cast<Font>(font)) {
-    form::FontSpec spec = object.Font();
-    spec.name = ours->Name();
-    spec.size = static_cast<double>(ours->Size().scaled) / 10000.0;
-    spec.charset = ours->Charset();
-    spec.weight = ours->Weight();
-    spec.underline = ours->Underline();
-    spec.italic = ours->Italic();
-    spec.strikethrough = ours->Strikethrough();
-    object.SetFont(spec);
+    form::FontValues chosen = object.Font();
+    chosen.name = ours->Name();
+    chosen.size = static_cast<double>(ours->Size().scaled) / 10000.0;
+    chosen.charset = ours->Charset();
+    chosen.weight = ours->Weight();
+    chosen.underline = ours->Underline();
+    chosen.italic = ours->Italic();
+    chosen.strikethrough = ours->Strikethrough();
+    object.SetFont(chosen);
     return;
   }
   // Another font object: its settings by StdFont's names.
   const automation::Dispatch other(font);
-  form::FontSpec spec = object.Font();
-  spec.name = other.Get("Name").ToString();
-  spec.size = static_cast<float>(other.Get("Size").ToCurrency().scaled / 10000.0);
-  spec.weight = other.Get("Weight").ToLong();
-  spec.charset = other.Get("Charset").ToLong();
-  spec.underline = other.Get("Underline").ToBool();
-  spec.italic = other.Get("Italic").ToBool();
-  spec.strikethrough = other.Get("Strikethrough").ToBool();
-  object.SetFont(spec);
+  form::FontValues chosen = object.Font();
+  chosen.name = other.Get("Name").ToString();
+  chosen.size = static_cast<float>(other.Get("Size").ToCurrency().scaled / 10000.0);
+  chosen.weight = other.Get("Weight").ToLong();
+  chosen.charset = other.Get("Charset").ToLong();
+  chosen.underline = other.Get("Underline").ToBool();
+  chosen.italic = other.Get("Italic").ToBool();
+  chosen.strikethrough = other.Get("Strikethrough").ToBool();
+  object.SetFont(chosen);
 }
 
 Font::Font(PropertySource source) : source_(std::move(source)) {}
@@ -177,7 +177,7 @@ void Font::Write(form::FontAttribute attribute, const Variant& value) {
   if (source_.changed) source_.changed();
 }
 
-void Font::WriteSpec(const form::FontSpec& font) {
+void Font::WriteSpec(const form::FontValues& font) {
   form::ObjectProperties object = source_.locate();
   object.SetFont(font);
   if (source_.changed) source_.changed();
@@ -209,13 +209,13 @@ void Font::SetStrikethrough(bool strikethrough) {
 
 void Font::SetWeight(int16_t weight) {
   if (weight < 0 || weight > 1000) automation::Raise(err::kInvalidPropertyValue, "font weight");
-  form::FontSpec font = source_.locate().Font();
+  form::FontValues font = source_.locate().Font();
   font.weight = weight;
   WriteSpec(font);
 }
 
 void Font::SetCharset(int16_t charset) {
-  form::FontSpec font = source_.locate().Font();
+  form::FontValues font = source_.locate().Font();
   font.charset = charset;
   WriteSpec(font);
 }

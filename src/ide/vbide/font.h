@@ -39,7 +39,7 @@ class Font : public automation::Object {
 
  private:
   void Write(form::FontAttribute attribute, const automation::Variant& value);
-  void WriteSpec(const form::FontSpec& font);
+  void WriteSpec(const form::FontValues& font);
 
   PropertySource source_;
 };
