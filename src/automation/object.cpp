@@ -22,10 +22,16 @@ std::map<std::string, Factory>& Classes() {
 
 }  // namespace
 
+std::string DispIdName(int32_t dispId) {
+  return "#" + std::to_string(dispId);
+}
+
 void Interface::Index() {
   byName_.clear();
-  for (size_t i = 0; i < members.size(); ++i)
+  for (size_t i = 0; i < members.size(); ++i) {
     byName_[VbNameKey(members[i].name)].push_back(i);
+    if (members[i].dispId != kNoDispId) byName_[DispIdName(members[i].dispId)].push_back(i);
+  }
 }
 
 const Member* Interface::Find(std::string_view memberName, MemberKind kind) const {

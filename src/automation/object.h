@@ -3,6 +3,8 @@
 // order; the same tables serve by-name calls, proxies between processes and the walkers that
 // look at an object through its type information.
 
+#include <climits>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -33,10 +35,19 @@ struct Param {
   Variant defaultValue;  // used when an optional argument is left out
 };
 
+// A member without a dispatch identifier of its own.
+inline constexpr int32_t kNoDispId = INT32_MIN;
+
+// The name under which a member with a dispatch identifier is also found ("#3"): a call by
+// identifier travels like any other call by name.
+std::string DispIdName(int32_t dispId);
+
 struct Member {
   std::string name;
   MemberKind kind = MemberKind::Method;
   VarType type = VarType::Empty;  // result type of a Get or Method; value type of a Put
+  int32_t dispId = kNoDispId;     // the standard identifier a caller may use instead of the name
+  std::string typeName;           // a declared type richer than `type` ("AlignConstants"), or ""
   std::vector<Param> params;
   std::vector<VarType> paramTypes;
   std::vector<bool> paramByRef;
@@ -115,6 +126,9 @@ class Dispatch {
     Args args{std::move(value)};
     Run(name, MemberKind::Put, args);
   }
+  // The property of that dispatch identifier (standard objects such as the font's).
+  Variant GetId(int32_t dispId) const { return Get(DispIdName(dispId)); }
+  void PutId(int32_t dispId, Variant value) const { Put(DispIdName(dispId), std::move(value)); }
   template <class... A>
   Variant Call(std::string_view name, A&&... arguments) const {
     Args args{Variant(std::forward<A>(arguments))...};

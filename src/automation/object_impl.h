@@ -200,6 +200,17 @@ class ClassBuilder {
     return *this;
   }
 
+  // Gives the member added last a dispatch identifier.
+  ClassBuilder& Id(int32_t dispId) {
+    Current().members.back().dispId = dispId;
+    return *this;
+  }
+  // Declares the member added last with a named type (an enumeration) over its automation type.
+  ClassBuilder& Declared(std::string typeName) {
+    Current().members.back().typeName = std::move(typeName);
+    return *this;
+  }
+
   ClassInfo Build() {
     info_.defaultInterface.Index();
     for (auto& i : info_.implemented)

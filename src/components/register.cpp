@@ -4,17 +4,21 @@
 
 #include "components/code_component.h"
 #include "components/component_kinds.h"
+#include "components/designer.h"
+#include "components/form.h"
 #include "project/dispatcher.h"
 
 namespace components {
 
 void RegisterComponentClasses() {
-  project::SetComponentFactory([](std::string_view className) -> automation::ObjectRef {
-    if (className == "Module" || className == "ClassModule") {
+  for (const char* className : {"Module", "ClassModule"}) {
+    project::RegisterComponentClass(className, [className]() -> automation::ObjectRef {
       return std::make_shared<CodeComponent>(*FindComponentKind(className));
-    }
-    return nullptr;  // a class of a later version of the driver
-  });
+    });
+  }
+  project::RegisterComponentClass("Form",
+                                  [] { return std::make_shared<DesignedComponent>(FormClass()); });
+  project::RegisterComponentClass("Designer", [] { return std::make_shared<Designer>(); });
 }
 
 }  // namespace components

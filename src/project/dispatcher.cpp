@@ -2,6 +2,9 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
 
 #include "contracts/host_classes.h"
 #include "foundation/operation.h"
@@ -36,15 +39,15 @@ constexpr std::string_view kUserConnectionDesigner = "ConnectionDesigner.UserCon
 // Which designers of type 11 a kind takes.
 enum class Designers { kNone, kDhtmlPages, kUserConnections, kOthers };
 
-ComponentFactory& Factory() {
-  static ComponentFactory factory;
-  return factory;
+std::map<std::string, ComponentFactory, std::less<>>& Factories() {
+  static std::map<std::string, ComponentFactory, std::less<>> factories;
+  return factories;
 }
 
 }  // namespace
 
-void SetComponentFactory(ComponentFactory factory) {
-  Factory() = std::move(factory);
+void RegisterComponentClass(std::string className, ComponentFactory factory) {
+  Factories()[std::move(className)] = std::move(factory);
 }
 
 // One kind of component as the IDE tells it: the types (and designers) that select it, its
@@ -237,8 +240,8 @@ std::string Dispatcher::EnumUserDocuments() {
 
 ObjectRef Dispatcher::Build(const Kind& kind, ObjectRef& project, const std::string& objectName) {
   return Operation(kClass, kind.factory, [&]() -> ObjectRef {
-    const ComponentFactory& factory = Factory();
-    ObjectRef object = factory ? factory(kind.className) : nullptr;
+    const auto found = Factories().find(std::string_view(kind.className));
+    ObjectRef object = found != Factories().end() ? found->second() : nullptr;
     if (!object) {
       foundation::RaiseUserError(std::string("The driver cannot open a ") + kind.className +
                                  " yet: its " + kind.className + " class is not available.");

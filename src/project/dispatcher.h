@@ -17,11 +17,12 @@
 
 namespace project {
 
-// Makes a new, uninitialised component object of that class ("Module"), or returns null for a
-// class the driver does not have yet. The component objects' layer sets it when the driver
-// loads: they are the component's own classes, made without the public class registry.
-using ComponentFactory = std::function<automation::ObjectRef(std::string_view className)>;
-void SetComponentFactory(ComponentFactory factory);
+// Makes a new, uninitialised component object of one class ("Module"). The layers of the
+// component classes register theirs when the driver loads: they are the component's own
+// classes, made without the public class registry. A class without a factory is one the
+// driver cannot open yet.
+using ComponentFactory = std::function<automation::ObjectRef()>;
+void RegisterComponentClass(std::string className, ComponentFactory factory);
 
 // Whether the dispatcher's operation of that name ("GetForm") can build its component objects in
 // this version of the driver, or would refuse every component of its kind.

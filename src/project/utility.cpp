@@ -5,6 +5,7 @@
 
 #include "contracts/host_classes.h"
 #include "foundation/globals.h"
+#include "foundation/operation.h"
 #include "foundation/vbstrings.h"
 #include "platform/files.h"
 
@@ -69,6 +70,44 @@ std::string VersionText(const platform::LocalTime& t) {
   std::snprintf(text, sizeof text, "%04d%02d%02d%02d%02d%02d", t.year, t.month, t.day, t.hour,
                 t.minute, t.second);
   return text;
+}
+
+namespace {
+
+// The IDE property of a control, through its Properties collection.
+automation::Dispatch ControlProperty(const automation::ObjectRef& vbControl, const char* name) {
+  const automation::Dispatch properties(
+      automation::Dispatch(vbControl).Get("Properties").ToObject());
+  return automation::Dispatch(properties.Call("Item", name).ToObject());
+}
+
+}  // namespace
+
+std::string GetControlName(const automation::ObjectRef& vbControl) {
+  return foundation::Operation("Utility", "GetControlName", [&] {
+    const int32_t index = ControlProperty(vbControl, "Index").Get("Value").ToLong();
+    std::string name = ControlProperty(vbControl, "Name").Get("Value").ToString();
+    if (index != -1) name += "(" + std::to_string(index) + ")";
+    return name;
+  });
+}
+
+void SetControlName(const automation::ObjectRef& vbControl, const std::string& newName) {
+  foundation::Operation("Utility", "SetControlName", [&] {
+    const size_t open = newName.find('(');
+    if (open == std::string::npos) {
+      ControlProperty(vbControl, "Name").Put("Value", newName);
+      ControlProperty(vbControl, "Index").Put("Value", automation::Variant::Integer(-1));
+      return;
+    }
+    const size_t close = newName.find(')', open + 1);
+    if (close == std::string::npos || close + 1 != newName.size()) {
+      foundation::RaiseUserError("Invalid control name syntax.");
+    }
+    ControlProperty(vbControl, "Name").Put("Value", newName.substr(0, open));
+    const automation::Variant index(newName.substr(open + 1, close - open - 1));
+    ControlProperty(vbControl, "Index").Put("Value", automation::Variant::Long(index.ToLong()));
+  });
 }
 
 }  // namespace project

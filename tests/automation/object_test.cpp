@@ -20,7 +20,9 @@ class Counter : public automation::Object {
     static const automation::ClassInfo info =
         automation::ClassBuilder<Counter>("Counter")
             .Get("Value", &Counter::Value)
+            .Id(0)
             .Put("Value", &Counter::SetValue)
+            .Id(0)
             .Method("Add", &Counter::Add, {"Amount", automation::Optional("Times", 1)})
             .Method("Swap", &Counter::Swap, {"Other"})
             .Get("Name", &Counter::Name)
@@ -43,6 +45,15 @@ class Counter : public automation::Object {
  private:
   int32_t value_ = 0;
 };
+
+TEST(Object, AMemberWithADispatchIdentifierIsAlsoCalledByIt) {
+  auto c = std::make_shared<Counter>();
+  Dispatch d(c);
+  d.PutId(0, "5");
+  EXPECT_EQ(c->Value(), 5);
+  EXPECT_EQ(d.GetId(0).ToLong(), 5);
+  EXPECT_EQ(ErrorOf([&] { d.GetId(3); }), automation::err::kNoSuchMember);
+}
 
 TEST(Object, MembersAreCalledByNameWithConversionsAndDefaults) {
   auto c = std::make_shared<Counter>();

@@ -55,7 +55,8 @@ TEST_F(ComponentObjectTest, TheDispatcherBuildsModulesAndClassModulesThatStartId
   EXPECT_EQ(ModeOf(missing), 0);
 
   // The kinds still to come say so.
-  EXPECT_EQ(Caught([&] { Get("GetForm", "Form1"); }).Number(), -32767);
+  EXPECT_EQ(Caught([&] { Get("GetDHTMLPage", "Page1"); }).Number(), -32767);
+  EXPECT_EQ(Get("GetForm", "Form1")->Class().name, "Form");
 
   // An idle object has no component to read or rename. The rename has no failure path of its
   // own: the error comes as the IDE call raised it.
