@@ -1,14 +1,21 @@
 #include "ide/model/project.h"
 
+#include <unistd.h>
+
+#include <atomic>
 #include <filesystem>
+#include <string>
+#include <system_error>
 #include <utility>
 
 #include "automation/casefold.h"
 #include "ide/model/designer_id.h"
+#include "ide/model/designer_page.h"
 #include "ide/model/safe_save.h"
 #include "platform/codepage.h"
 #include "platform/codepage_detect.h"
 #include "platform/files.h"
+#include "platform/home.h"
 #include "platform/paths.h"
 
 namespace ide {
@@ -42,6 +49,12 @@ bool IsValidName(std::string_view name) {
 }
 
 }  // namespace
+
+std::string ResolvePath(std::string_view folder, std::string_view path) {
+  std::string joined = IsAbsoluteWindowsPath(path) ? std::string(path)
+                                                   : std::string(folder) + "/" + std::string(path);
+  return platform::ToNative(joined).string();
+}
 
 Component::Component(Project& project, std::size_t entry, std::string fileName)
     : project_(project), entry_(entry), fileName_(std::move(fileName)) {}
@@ -116,7 +129,17 @@ std::string Component::DesignerID() {
   return DesignerIdOf(File());
 }
 
+DesignerPage* Component::Page() {
+  if (!page_ && Kind() == FileKind::kDesigner) page_ = std::make_unique<DesignerPage>(*this);
+  return page_.get();
+}
+
+void Component::TakePageChanges() {
+  if (page_) page_->TakeChanges();
+}
+
 void Component::Save() {
+  TakePageChanges();
   ComponentFile& file = File();
   std::string bytes = file.Render();
   SaveOver(fileName_, file.DiskBytes(), bytes);
@@ -131,6 +154,7 @@ void Component::SaveAs(std::string_view path) {
     Save();
     return;
   }
+  TakePageChanges();
   std::string bytes = file.Render();
   SaveTo(target, bytes);
   file.MarkSaved(std::move(bytes));
@@ -155,15 +179,30 @@ std::unique_ptr<Project> Project::Open(std::string_view path, const platform::Co
   std::string folder = native.parent_path().string();
   const auto& entries = project->file_->Entries();
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    const std::string& relative = entries[i].path;
-    std::string joined = IsAbsoluteWindowsPath(relative) ? relative : folder + "/" + relative;
     project->components_.push_back(
-        std::make_unique<Component>(*project, i, platform::ToNative(joined).string()));
+        std::make_unique<Component>(*project, i, ResolvePath(folder, entries[i].path)));
   }
   return project;
 }
 
-Project::~Project() = default;
+Project::~Project() {
+  components_.clear();  // their pages first
+  if (!pageFolder_.empty()) {
+    std::error_code ignored;
+    fs::remove(pageFolder_, ignored);  // only when empty: a page not taken in stays
+  }
+}
+
+const fs::path& Project::PageFolder() {
+  if (pageFolder_.empty()) {
+    static std::atomic<int> opened{0};
+    fs::path folder = platform::QxHome() / "pages" /
+                      (std::to_string(::getpid()) + "-" + std::to_string(++opened));
+    fs::create_directories(folder);
+    pageFolder_ = std::move(folder);
+  }
+  return pageFolder_;
+}
 
 Component* Project::Find(std::string_view name) {
   for (auto& component : components_) {

@@ -5,6 +5,7 @@
 // itself alone.
 
 #include <cstddef>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,7 +23,12 @@ class CodePage;
 
 namespace ide {
 
+class DesignerPage;
 class Project;
+
+// A path as a project or component file names it (Windows-style, relative or absolute),
+// resolved against a folder: the Linux path of the file.
+std::string ResolvePath(std::string_view folder, std::string_view path);
 
 class Component {
  public:
@@ -60,7 +66,14 @@ class Component {
   CodeModule& Code() { return File().Code(); }
 
   bool IsDirty() const { return file_ && file_->IsDirty(); }
-  // Writes the file (see SaveOver for what is refused).
+  // The file that holds a DHTML page designer's page (designer_page.h); null for the other
+  // components.
+  DesignerPage* Page();
+  // Takes into the .dsx a change made to the file of a DHTML page kept inside its designer
+  // (nothing for the other components).
+  void TakePageChanges();
+
+  // Writes the file (see SaveOver for what is refused), the .dsx with a changed page first.
   void Save();
   // Writes the file under another name, which becomes the component's file.
   void SaveAs(std::string_view path);
@@ -72,6 +85,7 @@ class Component {
   std::unique_ptr<ComponentFile> file_;
   std::optional<automation::Error> loadError_;
   std::optional<platform::FileStamp> loadedStamp_;  // of the file when it was last read
+  std::unique_ptr<DesignerPage> page_;  // last: it takes its changes in while the rest is alive
 };
 
 class Project {
@@ -106,6 +120,11 @@ class Project {
   // Writes the project file when it needs writing; otherwise leaves it untouched.
   void Save();
 
+  // The folder of this process for the files that hold the pages of the project's DHTML pages
+  // kept inside their designers: under the qx home, made on first use, removed (when empty)
+  // with the project.
+  const std::filesystem::path& PageFolder();
+
  private:
   friend class Component;
   Project() = default;
@@ -114,6 +133,7 @@ class Project {
   const platform::CodePage* codePage_ = nullptr;
   std::unique_ptr<ProjectFile> file_;
   std::optional<platform::FileStamp> stamp_;  // of the project file when read or saved
+  std::filesystem::path pageFolder_;
   std::vector<std::unique_ptr<Component>> components_;
 };
 

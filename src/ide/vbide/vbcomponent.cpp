@@ -5,6 +5,7 @@
 #include "automation/error.h"
 #include "ide/model/project.h"
 #include "ide/vbide/code_module.h"
+#include "ide/vbide/designer_object.h"
 #include "ide/vbide/make.h"
 #include "ide/vbide/vbcomponents.h"
 #include "ide/vbide/vbe.h"
@@ -35,6 +36,7 @@ const automation::ClassInfo& VBComponent::Class() const {
           .Get("HasOpenDesigner", &VBComponent::HasOpenDesigner)
           .Method("DesignerWindow", &VBComponent::DesignerWindow)
           .Method("Activate", &VBComponent::Activate)
+          .Get("Designer", &VBComponent::Designer)
           .Get("DesignerID", &VBComponent::DesignerID)
           .Build();
   return info;
@@ -153,11 +155,18 @@ std::string VBComponent::DesignerID() const {
   return component_->DesignerID();
 }
 
+std::shared_ptr<automation::Object> VBComponent::Designer() {
+  component_->File();  // raises the load error of a file that cannot be read
+  if (!designer_) designer_ = MakeDesigner(*this, model_, *component_);
+  return designer_;
+}
+
 void VBComponent::TearDown() {
   if (code_) code_->TearDown();
   if (designerWindow_) designerWindow_->TearDown();
   code_.reset();
   designerWindow_.reset();
+  designer_.reset();
   collection_.reset();
 }
 

@@ -60,6 +60,9 @@ class VBComponent : public automation::Object {
   // code window this IDE does not show) it only makes sure the file can be read.
   void Activate();
   std::string DesignerID() const;
+  // The designer's own object (designer_object.h), made on first read and kept; Nothing for
+  // modules and classes. Raises the load error of a file that cannot be read.
+  std::shared_ptr<automation::Object> Designer();
 
   ide::Component& Model() const { return *component_; }
   // Called by the component's CodeModule when its code changed.
@@ -75,6 +78,7 @@ class VBComponent : public automation::Object {
   ide::Component* component_;
   std::shared_ptr<vbide::CodeModule> code_;
   std::shared_ptr<Window> designerWindow_;
+  std::shared_ptr<automation::Object> designer_;
   bool markedDirty_ = false;  // IsDirty was set to True
   bool savedMark_ = false;    // IsDirty was set to False and nothing changed since
 };

@@ -29,6 +29,9 @@ std::shared_ptr<VBComponent> VBComponents::Item(const automation::Variant& index
   if (index.IsString()) {
     // The model compares names as VB does and raises 9 for a name it does not know.
     ide::Component& wanted = project_->Model().Item(index.ToString());
+    // A DHTML page written through its designer's file while the component was let go is
+    // taken into its .dsx as it is fetched again.
+    wanted.TakePageChanges();
     for (const auto& component : items_) {
       if (&component->Model() == &wanted) return component;
     }
