@@ -98,6 +98,8 @@ std::string DesignerPage::Path() {
           .string();
     }
   }
+  // A designer that keeps no page names no file.
+  if (description->Root().FindProperty(kDocument) == nullptr) return {};
   TakeChanges();
   std::string text = RecordText();
   if (file_.empty()) {

@@ -27,7 +27,8 @@ class DesignerPage {
   DesignerPage(const DesignerPage&) = delete;
   DesignerPage& operator=(const DesignerPage&) = delete;
 
-  // The full path of the page's file; empty when the component is not a DHTML page.
+  // The full path of the page's file; empty when the component is not a DHTML page or keeps
+  // no page (no SourceFile and no HTMLDocument record).
   std::string Path();
   // Takes a change made to the IDE's own file into the .dsx. A page without an HTMLDocument
   // record cannot take in a page that is not empty: 5, saying so, and the file stays as it is.

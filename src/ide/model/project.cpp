@@ -134,6 +134,10 @@ DesignerPage* Component::Page() {
   return page_.get();
 }
 
+void Component::ClosePage() {
+  page_.reset();
+}
+
 void Component::TakePageChanges() {
   if (page_) page_->TakeChanges();
 }
@@ -186,10 +190,16 @@ std::unique_ptr<Project> Project::Open(std::string_view path, const platform::Co
 }
 
 Project::~Project() {
-  components_.clear();  // their pages first
+  ClosePages();
+}
+
+void Project::ClosePages() {
+  for (auto& component : components_)
+    component->ClosePage();
   if (!pageFolder_.empty()) {
     std::error_code ignored;
     fs::remove(pageFolder_, ignored);  // only when empty: a page not taken in stays
+    pageFolder_.clear();
   }
 }
 

@@ -73,6 +73,9 @@ class Component {
   // (nothing for the other components).
   void TakePageChanges();
 
+  // Lets the page file go (see ~DesignerPage).
+  void ClosePage();
+
   // Writes the file (see SaveOver for what is refused), the .dsx with a changed page first.
   void Save();
   // Writes the file under another name, which becomes the component's file.
@@ -124,6 +127,9 @@ class Project {
   // kept inside their designers: under the qx home, made on first use, removed (when empty)
   // with the project.
   const std::filesystem::path& PageFolder();
+  // Lets every page file go, a change still in one taken in first, and removes the folder when
+  // nothing is left in it: the project leaves the IDE. A page asked for later is written anew.
+  void ClosePages();
 
  private:
   friend class Component;
