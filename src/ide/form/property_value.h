@@ -8,6 +8,7 @@
 
 #include "automation/variant.h"
 #include "ide/form/property_catalog.h"
+#include "ide/form/property_line.h"
 
 namespace ide::form {
 
@@ -60,9 +61,8 @@ enum class StringStorage : uint8_t {
   kCompanion,      // a companion record, referenced without `$` (a MultiLine TextBox's Text)
   kLongCompanion,  // a `$` companion record
 };
-// The longest string VB6 keeps on its line; a longer one, or one with a line break, goes to the
-// companion. Form files show 126 bytes inline and 131 in the companion; we keep 128.
-inline constexpr std::size_t kLongestInlineString = 128;
+// A string longer than kLongestInlineString bytes (property_line.h), or one with a line break,
+// goes to the companion.
 // `multiLine` is the object's MultiLine setting (only a TextBox's Text heeds it).
 StringStorage PlaceString(const PropertyInfo& property, std::string_view value, bool multiLine);
 

@@ -1,15 +1,13 @@
 #include "ide/model/designer_page.h"
 
 #include <system_error>
-#include <vector>
 
 #include "automation/casefold.h"
 #include "automation/error.h"
-#include "ide/form/companion.h"
+#include "ide/form/object_properties.h"
 #include "ide/form/page_document.h"
 #include "ide/form/property_catalog.h"
 #include "ide/model/project.h"
-#include "ide/model/safe_save.h"
 #include "platform/files.h"
 
 namespace ide {
@@ -31,36 +29,10 @@ std::string FolderOf(const std::string& fileName) {
   return fs::path(fileName).parent_path().string();
 }
 
-// The .dsx and the references of the description into it, in description order.
-struct PageCompanion {
-  std::string path;
-  std::string bytes;
-  std::vector<form::CompanionUse> uses;
-  form::CompanionUse* document = nullptr;  // the HTMLDocument's reference, if any
-};
-
-PageCompanion ReadCompanion(Component& component, form::Description& description) {
-  PageCompanion companion;
+// The HTMLDocument line when it references the companion, else null.
+form::PropertyEntry* DocumentEntry(form::Description& description) {
   form::PropertyEntry* entry = description.Root().FindProperty(kDocument);
-  if (entry == nullptr || !entry->Reference()) return companion;
-  const std::string& bareName = entry->Reference()->fileName;
-  companion.path = ResolvePath(FolderOf(component.FileName()), bareName);
-  companion.bytes = platform::ReadFile(companion.path);
-  for (const form::CompanionUse& use : description.CompanionReferences()) {
-    if (automation::SameVbName(use.reference.fileName, bareName)) companion.uses.push_back(use);
-  }
-  for (form::CompanionUse& use : companion.uses) {
-    if (use.property == entry) companion.document = &use;
-  }
-  return companion;
-}
-
-std::vector<uint32_t> OffsetsOf(const PageCompanion& companion) {
-  std::vector<uint32_t> offsets;
-  offsets.reserve(companion.uses.size());
-  for (const form::CompanionUse& use : companion.uses)
-    offsets.push_back(use.reference.offset);
-  return offsets;
+  return entry != nullptr && entry->Reference() ? entry : nullptr;
 }
 
 }  // namespace
@@ -78,12 +50,10 @@ DesignerPage::~DesignerPage() {
 
 std::string DesignerPage::RecordText() {
   form::Description* description = PageDescription(component_);
-  if (description == nullptr) return {};
-  PageCompanion companion = ReadCompanion(component_, *description);
-  if (companion.document == nullptr) return {};
-  const form::CompanionFile file(companion.path, std::move(companion.bytes), OffsetsOf(companion));
+  form::PropertyEntry* entry = description != nullptr ? DocumentEntry(*description) : nullptr;
+  if (entry == nullptr) return {};
   const form::CompanionRecord record =
-      file.Read(companion.document->reference.offset, CompanionRecordKind::kOpaque);
+      component_.Companion()->Read(*entry, CompanionRecordKind::kOpaque);
   return std::string(form::SplitPageDocument(record.Bytes()).text);
 }
 
@@ -119,40 +89,26 @@ void DesignerPage::TakeChanges() {
   if (page == written_) return;
   form::Description* description = PageDescription(component_);
   if (description == nullptr) return;
-  PageCompanion companion = ReadCompanion(component_, *description);
-  if (companion.document == nullptr) {
-    if (page.empty()) {
-      written_ = std::move(page);
-      return;
+  form::PropertyEntry* entry = DocumentEntry(*description);
+  if (entry == nullptr) {
+    if (!page.empty()) {
+      automation::Raise(automation::err::kInvalidCall,
+                        "the DHTML page " + component_.Name() +
+                            " keeps no HTMLDocument record in its .dsx to hold the page written "
+                            "to " +
+                            file_.string());
     }
-    automation::Raise(automation::err::kInvalidCall,
-                      "the DHTML page " + component_.Name() +
-                          " keeps no HTMLDocument record in its .dsx to hold the page written to " +
-                          file_.string());
+    written_ = std::move(page);
+    return;
   }
-  const form::CompanionFile original(companion.path, companion.bytes, OffsetsOf(companion));
-  form::CompanionWriter writer(original);
-  for (const form::CompanionUse& use : companion.uses) {
-    if (&use == companion.document) {
-      const form::CompanionRecord record =
-          original.Read(use.reference.offset, CompanionRecordKind::kOpaque);
-      writer.Add(form::CompanionRecord::Opaque(form::ReplacePageText(record.Bytes(), page)),
-                 use.reference.offset);
-    } else {
-      writer.Keep(use.reference.offset, CompanionRecordKind::kOpaque);
-    }
-  }
-  const form::CompanionLayout layout = writer.Finish();
+  form::CompanionStore& companion = *component_.Companion();
+  const form::CompanionRecord record = companion.Read(*entry, CompanionRecordKind::kOpaque);
   const bool wasDirty = component_.IsDirty();
-  if (layout.changed) SaveOver(companion.path, companion.bytes, layout.bytes);
+  companion.Put(*entry, form::CompanionRecord::Opaque(form::ReplacePageText(record.Bytes(), page)));
   written_ = std::move(page);
-  if (!layout.changed) return;
-  for (std::size_t i = 0; i < companion.uses.size(); ++i) {
-    description->SetReferenceOffset(*companion.uses[i].property, layout.offsets[i]);
-  }
-  // A record before others changed length: the .dsr's offsets moved with it. They are saved
-  // now unless the component holds changes of its own, which its next save writes with them.
-  if (!wasDirty && component_.IsDirty()) component_.Save();
+  // The page is the component's own change, saved now (the .dsx, and the .dsr when its offsets
+  // move) unless the component holds changes of its own, which its next save writes with it.
+  if (!wasDirty) component_.Save();
 }
 
 }  // namespace ide

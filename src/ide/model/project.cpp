@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "automation/casefold.h"
+#include "ide/form/companion.h"
 #include "ide/model/designer_id.h"
 #include "ide/model/designer_page.h"
 #include "ide/model/safe_save.h"
@@ -74,13 +75,22 @@ ComponentFile& Component::File() {
       throw *loadError_;
     }
     file_.reset();
+    companion_.reset();
     loadError_.reset();
   }
   try {
     loadedStamp_ = platform::StampOf(fileName_);
     std::string bytes = platform::ReadFile(fileName_);
     file_ = ComponentFile::Parse(std::move(bytes), Kind(), *project_.codePage_, fileName_);
+    ++reads_;
+    if (file_->Description() != nullptr) {
+      const std::string bareName = form::CompanionFileName(fileName_, Kind());
+      const std::string path =
+          platform::ToNative((fs::path(fileName_).parent_path() / bareName).string()).string();
+      companion_ = std::make_unique<form::CompanionStore>(bareName, path, *file_->Description());
+    }
   } catch (...) {
+    file_.reset();
     loadError_ = automation::CurrentError();
     throw *loadError_;
   }
@@ -142,12 +152,74 @@ void Component::TakePageChanges() {
   if (page_) page_->TakeChanges();
 }
 
+form::CompanionStore* Component::Companion() {
+  File();
+  return companion_.get();
+}
+
+form::FormContext Component::Form() {
+  ComponentFile& file = File();
+  if (file.Description() == nullptr) {
+    automation::Raise(err::kInvalidCall, Name() + " has no form description");
+  }
+  const form::ClassInfo* rootClass =
+      Kind() == FileKind::kDesigner ? form::FindClass(DesignerIdOf(file)) : nullptr;
+  return form::FormContext{file.Description(), project_.codePage_, companion_.get(), rootClass};
+}
+
 void Component::Save() {
   TakePageChanges();
   ComponentFile& file = File();
-  std::string bytes = file.Render();
-  SaveOver(fileName_, file.DiskBytes(), bytes);
-  file.MarkSaved(std::move(bytes));
+  form::Description* description = file.Description();
+  if (companion_ == nullptr || description == nullptr) {
+    std::string bytes = file.Render();
+    SaveOver(fileName_, file.DiskBytes(), bytes);
+    file.MarkSaved(std::move(bytes));
+    loadedStamp_ = platform::StampOf(fileName_);
+    return;
+  }
+  form::CompanionStore::Plan plan = companion_->Layout(*description);
+  // The references get their new offsets; on any failure they get their old ones back, so that
+  // the model still matches the files on disk.
+  std::vector<uint32_t> before;
+  for (const form::CompanionUse& use : plan.uses)
+    before.push_back(use.reference.offset);
+  auto renumber = [&](const std::vector<uint32_t>& offsets) {
+    for (std::size_t i = 0; i < plan.uses.size(); ++i) {
+      description->SetReferenceOffset(*plan.uses[i].property, offsets[i]);
+    }
+  };
+  renumber(plan.offsets);
+  try {
+    std::string bytes = file.Render();
+    if (plan.write) {
+      const std::string& companionPath = companion_->Path();
+      const std::string oldCompanion = companion_->DiskBytes();
+      const bool existed = companion_->ExistsOnDisk();
+      CheckSaveOver(companionPath, oldCompanion);
+      CheckSaveOver(fileName_, file.DiskBytes());
+      SaveOver(companionPath, oldCompanion, plan.bytes);
+      try {
+        SaveOver(fileName_, file.DiskBytes(), bytes);
+      } catch (...) {
+        // The file still references the old records: put them back.
+        if (existed) {
+          SaveOver(companionPath, plan.bytes, oldCompanion);
+        } else {
+          std::error_code ignored;
+          fs::remove(companionPath, ignored);
+        }
+        throw;
+      }
+    } else {
+      SaveOver(fileName_, file.DiskBytes(), bytes);
+    }
+    file.MarkSaved(std::move(bytes));
+    companion_->Saved(plan);
+  } catch (...) {
+    renumber(before);
+    throw;
+  }
   loadedStamp_ = platform::StampOf(fileName_);
 }
 

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "automation/error.h"
+#include "ide/form/object_properties.h"
 #include "ide/model/component_file.h"
 #include "ide/model/project_file.h"
 #include "platform/files.h"
@@ -63,9 +64,18 @@ class Component {
   // the component holds no unsaved change. Raises the load error (53 missing, 321 not a VB file
   // of that kind, ...) now and on every later call until the file changes.
   ComponentFile& File();
+  // How many times the file was read: objects that point into the file's model tell by it
+  // that it was read again since (and their pointers are no longer good).
+  uint64_t Reads() const { return reads_; }
   CodeModule& Code() { return File().Code(); }
 
-  bool IsDirty() const { return file_ && file_->IsDirty(); }
+  // The binary companion (.frx, .ctx, .pgx, .dox, .dsx) of a form-like file or designer, beside
+  // its file; null for modules and classes. Read on first use of a record.
+  form::CompanionStore* Companion();
+  // What the properties of an object of the description need: its description, the project's
+  // code page, the companion. Raises the load error; a module or class has no description (5).
+  form::FormContext Form();
+
   // The file that holds a DHTML page designer's page (designer_page.h); null for the other
   // components.
   DesignerPage* Page();
@@ -76,7 +86,14 @@ class Component {
   // Lets the page file go (see ~DesignerPage).
   void ClosePage();
 
-  // Writes the file (see SaveOver for what is refused), the .dsx with a changed page first.
+  bool IsDirty() const {
+    return file_ && (file_->IsDirty() || (companion_ && companion_->HasChanges()));
+  }
+  // Writes the file (see SaveOver for what is refused), a DHTML page's changed page taken in
+  // first, and, when one of its records changed, the companion, its references in the file
+  // renumbered. Both files are checked (read-only, changed on disk) before either is written; the
+  // companion is written first, then the file, and when writing the file fails the companion is put
+  // back as it was, so that the file on disk never references records that are not there.
   void Save();
   // Writes the file under another name, which becomes the component's file.
   void SaveAs(std::string_view path);
@@ -86,8 +103,10 @@ class Component {
   std::size_t entry_;
   std::string fileName_;
   std::unique_ptr<ComponentFile> file_;
+  std::unique_ptr<form::CompanionStore> companion_;  // with file_, for kinds that have one
   std::optional<automation::Error> loadError_;
   std::optional<platform::FileStamp> loadedStamp_;  // of the file when it was last read
+  uint64_t reads_ = 0;
   std::unique_ptr<DesignerPage> page_;  // last: it takes its changes in while the rest is alive
 };
 

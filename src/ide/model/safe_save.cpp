@@ -45,6 +45,11 @@ void SaveOver(std::string_view path, std::string_view asRead, std::string_view b
   platform::WriteFileAtomic(path, bytes, [&] { RefuseChanged(path, asRead); });
 }
 
+void CheckSaveOver(std::string_view path, std::string_view asRead) {
+  RefuseReadOnly(path);
+  RefuseChanged(path, asRead);
+}
+
 void SaveTo(std::string_view path, std::string_view bytes) {
   RefuseReadOnly(path);
   platform::WriteFileAtomic(path, bytes);

@@ -13,6 +13,9 @@ namespace ide {
 // written anew, which loses nothing. A file that already holds the bytes is left as it is.
 void SaveOver(std::string_view path, std::string_view asRead, std::string_view bytes);
 
+// What SaveOver refuses, checked without writing: for saves of two files that must both go.
+void CheckSaveOver(std::string_view path, std::string_view asRead);
+
 // Writes bytes to a file that the IDE did not load (SaveAs): only a read-only target is refused.
 void SaveTo(std::string_view path, std::string_view bytes);
 

@@ -9,9 +9,9 @@
 
 namespace ide::vbide {
 
-std::shared_ptr<automation::Object> MakeDesigner(VBComponent& owner,
-                                                 const std::shared_ptr<ide::Project>& model,
-                                                 ide::Component& component) {
+std::shared_ptr<automation::Object> MakeActiveXDesigner(VBComponent& owner,
+                                                        const std::shared_ptr<ide::Project>& model,
+                                                        ide::Component& component) {
   switch (component.Kind()) {
     case FileKind::kModule:
     case FileKind::kClass:

@@ -17,8 +17,8 @@ namespace ide::vbide {
 class VBComponent;
 
 // Made once per component: the VBComponent keeps it until it is torn down.
-std::shared_ptr<automation::Object> MakeDesigner(VBComponent& owner,
-                                                 const std::shared_ptr<ide::Project>& model,
-                                                 ide::Component& component);
+std::shared_ptr<automation::Object> MakeActiveXDesigner(VBComponent& owner,
+                                                        const std::shared_ptr<ide::Project>& model,
+                                                        ide::Component& component);
 
 }  // namespace ide::vbide

@@ -2,13 +2,16 @@
 
 #include <utility>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
 #include "ide/model/project.h"
 #include "ide/vbide/code_module.h"
 #include "ide/vbide/designer_object.h"
 #include "ide/vbide/make.h"
+#include "ide/vbide/properties.h"
 #include "ide/vbide/vbcomponents.h"
 #include "ide/vbide/vbe.h"
+#include "ide/vbide/vbform.h"
 #include "ide/vbide/vbproject.h"
 #include "ide/vbide/window.h"
 
@@ -29,6 +32,7 @@ const automation::ClassInfo& VBComponent::Class() const {
           .Get("FileCount", &VBComponent::FileCount)
           .Get("Name", &VBComponent::Name)
           .Put("Name", &VBComponent::SetName)
+          .Get("Designer", &VBComponent::Designer)
           .Get("CodeModule", &VBComponent::CodeModule)
           .Get("Type", &VBComponent::Type)
           .Get("VBE", &VBComponent::Vbe)
@@ -36,8 +40,8 @@ const automation::ClassInfo& VBComponent::Class() const {
           .Get("HasOpenDesigner", &VBComponent::HasOpenDesigner)
           .Method("DesignerWindow", &VBComponent::DesignerWindow)
           .Method("Activate", &VBComponent::Activate)
-          .Get("Designer", &VBComponent::Designer)
           .Get("DesignerID", &VBComponent::DesignerID)
+          .Get("Properties", &VBComponent::Properties)
           .Build();
   return info;
 }
@@ -85,6 +89,29 @@ std::shared_ptr<vbide::CodeModule> VBComponent::CodeModule() {
     code_ = MakeBeside<vbide::CodeModule>(*this, self, model_, *component_);
   }
   return code_;
+}
+
+automation::ObjectRef VBComponent::Designer() {
+  component_->File();  // raises the load error of a file that cannot be read
+  switch (component_->Kind()) {
+    case FileKind::kModule:
+    case FileKind::kClass:
+      return nullptr;
+    case FileKind::kDesigner:
+      // The ActiveX designers (.dsr) have objects of their own (designer_object.h).
+      if (!activeXDesigner_) activeXDesigner_ = MakeActiveXDesigner(*this, model_, *component_);
+      return activeXDesigner_;
+    case FileKind::kForm:
+    case FileKind::kUserControl:
+    case FileKind::kPropertyPage:
+    case FileKind::kUserDocument:
+      break;
+  }
+  if (!designer_) {
+    auto self = std::static_pointer_cast<VBComponent>(shared_from_this());
+    designer_ = MakeBeside<VBForm>(*this, self, model_, *component_);
+  }
+  return designer_;
 }
 
 int32_t VBComponent::Type() const {
@@ -155,18 +182,44 @@ std::string VBComponent::DesignerID() const {
   return component_->DesignerID();
 }
 
-std::shared_ptr<automation::Object> VBComponent::Designer() {
-  component_->File();  // raises the load error of a file that cannot be read
-  if (!designer_) designer_ = MakeDesigner(*this, model_, *component_);
-  return designer_;
+std::shared_ptr<vbide::Properties> VBComponent::Properties() {
+  if (!properties_) {
+    auto self = std::static_pointer_cast<VBComponent>(shared_from_this());
+    if (!HasDesigner()) {
+      properties_ = MakeBeside<vbide::Properties>(*this, PropertySource{}, self,
+                                                  vbide::Properties::Kind::kEmpty);
+      return properties_;
+    }
+    std::weak_ptr<VBComponent> weak = self;
+    PropertySource source;
+    // The model is held by the source: the collection may outlive this object.
+    source.locate = [model = model_, component = component_] {
+      form::FormContext context = component->Form();
+      return form::ObjectProperties(context, context.description->Root());
+    };
+    source.changed = [weak] {
+      if (auto owner = weak.lock()) owner->NoteChanged();
+    };
+    source.intercept = [model = model_, component = component_](std::string_view name,
+                                                                const automation::Variant& value) {
+      if (!automation::SameVbName(name, "Name")) return false;
+      component->SetName(value.ToString());
+      return true;
+    };
+    properties_ = MakeBeside<vbide::Properties>(*this, std::move(source), self);
+  }
+  return properties_;
 }
 
 void VBComponent::TearDown() {
   if (code_) code_->TearDown();
+  if (designer_) designer_->TearDown();
   if (designerWindow_) designerWindow_->TearDown();
   code_.reset();
-  designerWindow_.reset();
   designer_.reset();
+  activeXDesigner_.reset();
+  designerWindow_.reset();
+  properties_.reset();
   collection_.reset();
 }
 

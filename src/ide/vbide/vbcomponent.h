@@ -21,7 +21,9 @@ class Project;
 namespace ide::vbide {
 
 class CodeModule;
+class Properties;
 class VBComponents;
+class VBForm;
 class VBE;
 class Window;
 
@@ -47,6 +49,11 @@ class VBComponent : public automation::Object {
   std::string Name() const;
   // VB's naming rules; 380 for an invalid name or one another component has.
   void SetName(const std::string& name);
+  // The designer: for forms, MDI forms, user controls, property pages and user documents a
+  // VBForm over the form description, for ActiveX designers (.dsr) their own object
+  // (designer_object.h), the same object each time; Nothing for modules and classes, which
+  // have none. Raises the file's load error.
+  automation::ObjectRef Designer();
   std::shared_ptr<vbide::CodeModule> CodeModule();
   // vbext_ComponentType: 1, 2, 5, 6, 7, 8, 9 or 11.
   int32_t Type() const;
@@ -60,9 +67,10 @@ class VBComponent : public automation::Object {
   // code window this IDE does not show) it only makes sure the file can be read.
   void Activate();
   std::string DesignerID() const;
-  // The designer's own object (designer_object.h), made on first read and kept; Nothing for
-  // modules and classes. Raises the load error of a file that cannot be read.
-  std::shared_ptr<automation::Object> Designer();
+  // The Properties window's properties of the form, user control, property page, user document
+  // or designer (ide/vbide/properties.h); empty for modules and classes. Writing Name renames
+  // the component.
+  std::shared_ptr<vbide::Properties> Properties();
 
   ide::Component& Model() const { return *component_; }
   // Called by the component's CodeModule when its code changed.
@@ -77,8 +85,10 @@ class VBComponent : public automation::Object {
   std::shared_ptr<ide::Project> model_;  // keeps component_ alive
   ide::Component* component_;
   std::shared_ptr<vbide::CodeModule> code_;
+  std::shared_ptr<VBForm> designer_;
+  automation::ObjectRef activeXDesigner_;  // of a .dsr
   std::shared_ptr<Window> designerWindow_;
-  std::shared_ptr<automation::Object> designer_;
+  std::shared_ptr<vbide::Properties> properties_;
   bool markedDirty_ = false;  // IsDirty was set to True
   bool savedMark_ = false;    // IsDirty was set to False and nothing changed since
 };

@@ -1,0 +1,161 @@
+#include "ide/vbide/vbform.h"
+
+#include <string>
+#include <utility>
+
+#include "automation/casefold.h"
+#include "automation/error.h"
+#include "ide/model/project.h"
+#include "ide/vbide/make.h"
+#include "ide/vbide/vbcomponent.h"
+#include "ide/vbide/vbcontrol.h"
+#include "ide/vbide/vbcontrols.h"
+#include "ide/vbide/vbe.h"
+
+namespace ide::vbide {
+
+VBForm::VBForm(std::shared_ptr<VBComponent> parent, std::shared_ptr<ide::Project> model,
+               ide::Component& component)
+    : parent_(std::move(parent)), model_(std::move(model)), component_(&component) {}
+
+const automation::ClassInfo& VBForm::Class() const {
+  // The members of VBIDE's VBForm that a designer without a screen can answer.
+  static const automation::ClassInfo info =
+      automation::ClassBuilder<VBForm>("VBForm")
+          .Get("VBControls", &VBForm::VBControls)
+          .Get("ContainedVBControls", &VBForm::ContainedVBControls)
+          .Get("VBE", &VBForm::Vbe)
+          .Build();
+  return info;
+}
+
+std::shared_ptr<vbide::VBControls> VBForm::VBControls() {
+  if (!parent_) automation::Raise(automation::err::kServerUnavailable);
+  if (!all_) {
+    auto self = std::static_pointer_cast<VBForm>(shared_from_this());
+    all_ = MakeBeside<vbide::VBControls>(*this, self, nullptr, true);
+  }
+  return all_;
+}
+
+std::shared_ptr<vbide::VBControls> VBForm::ContainedVBControls() {
+  if (!parent_) automation::Raise(automation::err::kServerUnavailable);
+  if (!contained_) {
+    auto self = std::static_pointer_cast<VBForm>(shared_from_this());
+    contained_ = MakeBeside<vbide::VBControls>(*this, self, nullptr, false);
+  }
+  return contained_;
+}
+
+std::shared_ptr<VBE> VBForm::Vbe() const {
+  return parent_ ? parent_->Vbe() : nullptr;
+}
+
+form::Description& VBForm::Description() {
+  return Refresh();
+}
+
+form::Description& VBForm::Refresh() {
+  if (!parent_) automation::Raise(automation::err::kServerUnavailable);
+  form::Description* description = component_->File().Description();  // raises its load error
+  if (!description) {
+    automation::Raise(automation::err::kInvalidCall, component_->Name() + " has no form designer");
+  }
+  Rebind(*description);
+  return *description;
+}
+
+void VBForm::Rebind(form::Description& description) {
+  if (reads_ == component_->Reads()) return;
+  reads_ = component_->Reads();
+  nodes_ = description.Controls();
+  // The controls handed out before are found again by name and index.
+  byNode_.clear();
+  for (std::size_t i = 0; i < known_.size(); ++i) {
+    Known& known = known_[i];
+    known.node = nullptr;
+    for (form::DescriptionNode* node : nodes_) {
+      if (node->Index() == known.index &&
+          automation::EqualsNoCaseUnicode(node->Name(), known.name) && !byNode_.count(node)) {
+        known.node = node;
+        byNode_[node] = i;
+        break;
+      }
+    }
+  }
+}
+
+std::vector<form::DescriptionNode*> VBForm::Nodes(const form::DescriptionNode* container) {
+  Refresh();
+  if (!container) return nodes_;
+  std::vector<form::DescriptionNode*> out;
+  for (form::DescriptionNode* node : nodes_) {
+    if (node->Parent() == container) out.push_back(node);
+  }
+  return out;
+}
+
+std::shared_ptr<VBControl> VBForm::ControlOf(form::DescriptionNode& node) {
+  auto it = byNode_.find(&node);
+  if (it != byNode_.end()) return known_[it->second].control;
+  auto self = std::static_pointer_cast<VBForm>(shared_from_this());
+  Known known;
+  known.control = MakeBeside<VBControl>(*this, self);
+  known.node = &node;
+  known.name = node.Name();
+  known.index = node.Index();
+  byNode_[&node] = known_.size();
+  byControl_[known.control.get()] = known_.size();
+  known_.push_back(std::move(known));
+  return known_.back().control;
+}
+
+form::DescriptionNode& VBForm::NodeOf(const VBControl& control) {
+  Refresh();
+  return Lookup(control);
+}
+
+form::ObjectProperties VBForm::PropertiesOf(const VBControl& control) {
+  if (!parent_) automation::Raise(automation::err::kServerUnavailable);
+  const form::FormContext context = component_->Form();  // reads a file changed on disk again
+  Rebind(*context.description);
+  return form::ObjectProperties(context, Lookup(control));
+}
+
+form::DescriptionNode& VBForm::Lookup(const VBControl& control) {
+  auto it = byControl_.find(&control);
+  if (it == byControl_.end() || !known_[it->second].node) {
+    automation::Raise(automation::err::kObjectNotSet, "the control is no longer on " +
+                                                          component_->Name() +
+                                                          " (its file was read again without it)");
+  }
+  return *known_[it->second].node;
+}
+
+void VBForm::NoteRenamed(const VBControl& control) {
+  auto it = byControl_.find(&control);
+  if (it == byControl_.end() || !known_[it->second].node) return;
+  Known& known = known_[it->second];
+  known.name = known.node->Name();
+  known.index = known.node->Index();
+}
+
+void VBForm::NoteChanged() {
+  if (parent_) parent_->NoteChanged();
+}
+
+void VBForm::TearDown() {
+  for (Known& known : known_)
+    known.control->TearDown();
+  if (all_) all_->TearDown();
+  if (contained_) contained_->TearDown();
+  known_.clear();
+  byNode_.clear();
+  byControl_.clear();
+  nodes_.clear();
+  all_.reset();
+  contained_.reset();
+  parent_.reset();
+}
+
+}  // namespace ide::vbide

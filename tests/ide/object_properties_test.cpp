@@ -1,0 +1,364 @@
+// Properties of a form and its controls over the model: values as VB6 answers them, writes with
+// VB6's refusals, and what saving writes to the form and its companion.
+
+#include "ide/form/object_properties.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "fixture_copy.h"
+#include "ide/model/project.h"
+#include "platform/codepage.h"
+#include "platform/files.h"
+#include "support/errors.h"
+
+namespace {
+
+using automation::Variant;
+using automation::VarType;
+using ide::form::FontAttribute;
+using ide::form::ObjectProperties;
+using idetest::FixtureCopy;
+using idetest::ReadBytes;
+using qxtest::ErrorOf;
+
+// The fixture's companion records, in the order of its references.
+const std::string kLongCaption =
+    "This label holds a caption that is far too long to stay on its line, so VB6 keeps it in the "
+    "binary companion file of the form instead.";
+
+std::string U32(uint32_t value) {
+  std::string bytes(4, '\0');
+  for (int i = 0; i < 4; ++i)
+    bytes[i] = static_cast<char>((value >> (8 * i)) & 0xFF);
+  return bytes;
+}
+
+// The lines of a file that differ from another's, as "-old" and "+new" (same line count).
+std::vector<std::string> ChangedLines(const std::string& before, const std::string& after) {
+  auto split = [](const std::string& text) {
+    std::vector<std::string> lines;
+    std::size_t start = 0;
+    for (std::size_t end; (end = text.find("\r\n", start)) != std::string::npos; start = end + 2) {
+      lines.push_back(text.substr(start, end - start));
+    }
+    lines.push_back(text.substr(start));
+    return lines;
+  };
+  const auto a = split(before);
+  const auto b = split(after);
+  std::vector<std::string> changes;
+  if (a.size() != b.size())
+    return {"line count " + std::to_string(a.size()) + " -> " + std::to_string(b.size())};
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (a[i] != b[i]) {
+      changes.push_back("-" + a[i]);
+      changes.push_back("+" + b[i]);
+    }
+  }
+  return changes;
+}
+
+class ObjectPropertiesTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    copy_ = std::make_unique<FixtureCopy>("props");
+    Reopen();
+    frm_ = ReadBytes(copy_->Path("frmProps.frm"));
+    frx_ = ReadBytes(copy_->Path("frmProps.frx"));
+  }
+  void Reopen() {
+    project_ = ide::Project::Open(copy_->Path("Props.vbp"), platform::GetCodePage(1252));
+    component_ = &project_->Item("frmProps");
+  }
+  ObjectProperties Object(const std::string& name = {}) {
+    ide::form::FormContext context = component_->Form();
+    ide::form::DescriptionNode* node =
+        name.empty() ? &context.description->Root() : context.description->FindObject(name);
+    EXPECT_NE(node, nullptr) << name;
+    return ObjectProperties(context, *node);
+  }
+  std::string Frm() const { return ReadBytes(copy_->Path("frmProps.frm")); }
+  std::string Frx() const { return ReadBytes(copy_->Path("frmProps.frx")); }
+
+  std::unique_ptr<FixtureCopy> copy_;
+  std::unique_ptr<ide::Project> project_;
+  ide::Component* component_ = nullptr;
+  std::string frm_;
+  std::string frx_;
+};
+
+TEST_F(ObjectPropertiesTest, ValuesHaveTheirTypesAndAbsentLinesTheirDefaults) {
+  ObjectProperties form = Object();
+  EXPECT_EQ(form.Get("BackColor"), Variant::Long(0xC0C0C0));
+  EXPECT_EQ(form.Get("caption"), Variant("Properties"));
+  EXPECT_EQ(form.Get("StartUpPosition"), Variant::Long(3));
+  EXPECT_EQ(form.Get("ClientWidth"), Variant::Single(4680));
+  EXPECT_EQ(form.Get("Name"), Variant("frmProps"));
+  // Absent lines: the omission defaults, in their types.
+  EXPECT_EQ(form.Get("Enabled"), Variant(true));
+  EXPECT_EQ(form.Get("DrawWidth"), Variant::Integer(1));
+  EXPECT_EQ(form.Get("ForeColor"), Variant::Long(static_cast<int32_t>(0x80000012)));
+  EXPECT_EQ(form.Get("WindowState"), Variant::Long(0));
+  EXPECT_EQ(form.Get("Tag"), Variant(""));
+  // The collection is the catalog's, in its order.
+  EXPECT_EQ(form.Count(), form.Class()->Count());
+  EXPECT_EQ(form.NameAt(0), "Name");
+  EXPECT_EQ(form.Spelling("backcolor"), "BackColor");
+  EXPECT_EQ(ErrorOf([&] { form.NameAt(form.Count()); }), 9);
+  EXPECT_EQ(ErrorOf([&] { form.Get("Colour"); }), 438);
+
+  ObjectProperties ok = Object("cmdOk");
+  EXPECT_EQ(ok.Get("Default"), Variant(true));
+  EXPECT_EQ(ok.Get("Cancel"), Variant(false));
+  EXPECT_EQ(ok.Get("Width"), Variant::Single(975));
+  EXPECT_EQ(ok.Get("Index"), Variant::Integer(-1));
+  // Strings kept in the companion: a `$` caption and a MultiLine box's text.
+  EXPECT_EQ(Object("lblLong").Get("Caption"), Variant(kLongCaption));
+  EXPECT_EQ(Object("txtNotes").Get("Text"), Variant("First line\r\nSecond line"));
+}
+
+TEST_F(ObjectPropertiesTest, WritesAreCoercedOrRefusedWithVbErrors) {
+  ObjectProperties form = Object();
+  EXPECT_EQ(ErrorOf([&] { form.Set("StartUpPosition", Variant(7)); }), 380);
+  EXPECT_EQ(ErrorOf([&] { form.Set("DrawWidth", Variant(0)); }), 380);
+  EXPECT_EQ(ErrorOf([&] { form.Set("BackColor", Variant("&H12345678&")); }), 380);
+  EXPECT_EQ(ErrorOf([&] { form.Set("Enabled", Variant("perhaps")); }), 13);
+  EXPECT_EQ(ErrorOf([&] { form.Set("DrawWidth", Variant(40000)); }), 6);
+  EXPECT_EQ(ErrorOf([&] { form.Set("Name", Variant("frmOther")); }), 383);
+  EXPECT_EQ(ErrorOf([&] { form.Set("NoSuchThing", Variant(1)); }), 438);
+  EXPECT_FALSE(component_->IsDirty());
+
+  // Coerced as VB does: text to a number, a number to a Boolean, a colour as the file writes it.
+  form.Set("DrawWidth", Variant("3"));
+  form.Set("KeyPreview", Variant(1));
+  form.Set("FillColor", Variant("&H000000FF&"));
+  form.Set("WindowState", Variant(2.0));
+  EXPECT_EQ(form.Get("DrawWidth"), Variant::Integer(3));
+  EXPECT_TRUE(component_->IsDirty());
+  component_->Save();
+  // New lines where VB6 writes them, in its forms.
+  const std::vector<std::string> expected = {"line count 77 -> 81"};
+  EXPECT_EQ(ChangedLines(frm_, Frm()), expected);
+  const std::string saved = Frm();
+  EXPECT_NE(saved.find("   DrawWidth       =   3\r\n   FillColor       =   &H000000FF&\r\n"
+                       "   BeginProperty Font "),
+            std::string::npos);
+  EXPECT_NE(saved.find("   KeyPreview      =   -1  'True\r\n   LinkTopic"), std::string::npos);
+  EXPECT_NE(saved.find("   WindowState     =   2  'Maximized\r\n   Begin VB.ListBox"),
+            std::string::npos);
+  EXPECT_EQ(Frx(), frx_);
+
+  // The MDI form's ScaleHeight is read-only.
+  FixtureCopy ledger("ledger");
+  auto project = ide::Project::Open(ledger.Path("Ledger.vbp"), platform::GetCodePage(1252));
+  ide::form::FormContext context = project->Item("frmShell").Form();
+  ObjectProperties shell(context, context.description->Root());
+  EXPECT_EQ(ErrorOf([&] { shell.Set("ScaleHeight", Variant(10)); }), 383);
+}
+
+TEST_F(ObjectPropertiesTest, AnUnchangedSaveIsByteForByteAndLeavesTheCompanionAlone) {
+  const auto frxStamp = platform::StampOf(copy_->Path("frmProps.frx"));
+  component_->Save();
+  EXPECT_EQ(Frm(), frm_);
+  // A caption set and set back, a font attribute made and undone: the same bytes.
+  ObjectProperties ok = Object("cmdOk");
+  ok.Set("Caption", Variant("Cancel"));
+  ok.Set("Caption", Variant("OK"));
+  ok.SetFontAttribute(FontAttribute::kItalic, Variant(true));
+  ok.SetFontAttribute(FontAttribute::kItalic, Variant(false));
+  ObjectProperties label = Object("lblLong");
+  label.Set("Caption", Variant(kLongCaption));
+  component_->Save();
+  EXPECT_EQ(Frm(), frm_);
+  EXPECT_EQ(Frx(), frx_);
+  EXPECT_EQ(platform::StampOf(copy_->Path("frmProps.frx")), frxStamp);
+}
+
+TEST_F(ObjectPropertiesTest, ACaptionEditedInPlaceChangesOneLine) {
+  Object("cmdOk").Set("Caption", Variant("&Close \"now\""));
+  component_->Save();
+  const std::vector<std::string> expected = {"-      Caption         =   \"OK\"",
+                                             "+      Caption         =   \"&Close \"\"now\"\"\""};
+  EXPECT_EQ(ChangedLines(frm_, Frm()), expected);
+  EXPECT_EQ(Frx(), frx_);
+}
+
+TEST_F(ObjectPropertiesTest, ALongCaptionGoesToTheCompanionAndComesBackWhenShort) {
+  const std::string longCaption(150, 'x');
+  Object("cmdOk").Set("Caption", Variant(longCaption));
+  component_->Save();
+  // The new record follows the label's, the last one: nothing before it moves.
+  std::vector<std::string> expected = {"-      Caption         =   \"OK\"",
+                                       "+      Caption         =   $\"frmProps.frx\":00CC"};
+  EXPECT_EQ(ChangedLines(frm_, Frm()), expected);
+  EXPECT_EQ(Frx(), frx_ + U32(150) + longCaption);
+
+  // The label's caption made short: it comes inline, the button's record moves up.
+  Object("lblLong").Set("Caption", Variant("Short"));
+  component_->Save();
+  expected = {"-      Caption         =   $\"frmProps.frx\":0042",
+              "+      Caption         =   \"Short\"", "-      Caption         =   \"OK\"",
+              "+      Caption         =   $\"frmProps.frx\":0042"};
+  EXPECT_EQ(ChangedLines(frm_, Frm()), expected);
+  EXPECT_EQ(Frx(), frx_.substr(0, 0x42) + U32(150) + longCaption);
+
+  // Read again from disk, as another session would.
+  Reopen();
+  EXPECT_EQ(Object("cmdOk").Get("Caption"), Variant(longCaption));
+  EXPECT_EQ(Object("lblLong").Get("Caption"), Variant("Short"));
+  // Short again: the companion ends where the text box's record does.
+  Object("cmdOk").Set("Caption", Variant("OK"));
+  Object("lblLong").Set("Caption", Variant(kLongCaption));
+  component_->Save();
+  EXPECT_EQ(Frm(), frm_);
+  EXPECT_EQ(Frx(), frx_);
+}
+
+TEST_F(ObjectPropertiesTest, AMultiLineTextBoxKeepsItsTextInTheCompanion) {
+  ObjectProperties notes = Object("txtNotes");
+  notes.Set("Text", Variant("One\r\nTwo\r\nThree"));
+  EXPECT_EQ(notes.Get("Text"), Variant("One\r\nTwo\r\nThree"));
+  component_->Save();
+  // The text's record is shorter: the label's record, after it, moves up.
+  const std::vector<std::string> expected = {"-      Caption         =   $\"frmProps.frx\":0042",
+                                             "+      Caption         =   $\"frmProps.frx\":003A"};
+  EXPECT_EQ(ChangedLines(frm_, Frm()), expected);
+  const std::string text = "One\r\nTwo\r\nThree";
+  EXPECT_EQ(Frx(), frx_.substr(0, 0x2A) + std::string(1, static_cast<char>(text.size())) + text +
+                       frx_.substr(0x42));
+  // Not MultiLine any more: a text without a line break is written on its line.
+  notes.Set("Text", Variant("single"));
+  notes.Set("MultiLine", Variant(false));
+  component_->Save();
+  const std::string saved = Frm();
+  EXPECT_NE(saved.find("      TabIndex        =   1\r\n      Text            =   \"single\"\r\n"),
+            std::string::npos);
+  EXPECT_EQ(saved.find("MultiLine"), std::string::npos);
+  EXPECT_EQ(Frx(), frx_.substr(0, 0x2A) + frx_.substr(0x42));
+  // An empty text has no line at all.
+  notes.Set("Text", Variant(""));
+  component_->Save();
+  EXPECT_EQ(Frm().find("\"single\""), std::string::npos);
+}
+
+TEST_F(ObjectPropertiesTest, FontsAreAmbientAndOwnGroupsComeAndGo) {
+  // The form's font; a control without a group shows it; one with its own shows that.
+  EXPECT_EQ(Object().Font().name, "Tahoma");
+  EXPECT_EQ(Object("cmdOk").Font().name, "Tahoma");
+  EXPECT_DOUBLE_EQ(Object("cmdOk").Font().size, 9.75);
+  EXPECT_FALSE(Object("cmdOk").HasOwnFont());
+  EXPECT_EQ(Object("lblLong").Font().name, "Arial");
+  EXPECT_EQ(Object("lblLong").FontAttributeValue(FontAttribute::kBold), Variant(true));
+  EXPECT_EQ(Object("cmdOk").Get("FontBold"), Variant(false));
+
+  // A control's own group appears, with the form's font and the change.
+  Object("cmdOk").Set("FontBold", Variant(true));
+  EXPECT_TRUE(Object("cmdOk").HasOwnFont());
+  component_->Save();
+  EXPECT_NE(Frm().find("      Default         =   -1  'True\r\n"
+                       "      BeginProperty Font \r\n"
+                       "         Name            =   \"Tahoma\"\r\n"
+                       "         Size            =   9.75\r\n"
+                       "         Charset         =   0\r\n"
+                       "         Weight          =   700\r\n"),
+            std::string::npos);
+  // ... and goes when the font is the form's again.
+  Object("cmdOk").Set("FontBold", Variant(false));
+  EXPECT_FALSE(Object("cmdOk").HasOwnFont());
+  // The label made like the form: its group goes too.
+  ObjectProperties label = Object("lblLong");
+  label.SetFontAttribute(FontAttribute::kName, Variant("Tahoma"));
+  label.SetFontAttribute(FontAttribute::kSize, Variant(9.75));
+  label.SetFontAttribute(FontAttribute::kBold, Variant(false));
+  EXPECT_FALSE(label.HasOwnFont());
+  component_->Save();
+  EXPECT_EQ(ChangedLines(frm_, Frm()), std::vector<std::string>{"line count 77 -> 68"});
+
+  // The form's font changes: the controls that showed it keep theirs (their groups appear).
+  Object().SetFontAttribute(FontAttribute::kSize, Variant(12));
+  EXPECT_DOUBLE_EQ(Object().Font().size, 12);
+  for (const char* name : {"lstItems", "txtNotes", "lblLong", "cmdOk"}) {
+    SCOPED_TRACE(name);
+    EXPECT_TRUE(Object(name).HasOwnFont());
+    EXPECT_DOUBLE_EQ(Object(name).Font().size, 9.75);
+  }
+}
+
+TEST_F(ObjectPropertiesTest, ListsAndItemDataLiveInTheCompanion) {
+  ObjectProperties list = Object("lstItems");
+  EXPECT_EQ(list.ListCount("List"), 3);
+  EXPECT_EQ(list.ListItem("List", 1), Variant("Pears"));
+  EXPECT_EQ(list.ListItem("ItemData", 2), Variant::Long(30));
+  EXPECT_EQ(list.ListItem("List", 5), Variant(""));
+  EXPECT_EQ(list.ListItem("ItemData", 5), Variant::Long(0));
+  EXPECT_EQ(ErrorOf([&] { list.Get("List"); }), 380);
+  EXPECT_EQ(ErrorOf([&] { list.SetListItem("List", 3, Variant("x")); }), 381);
+  EXPECT_EQ(ErrorOf([&] { list.SetListItem("ItemData", 0, Variant("x")); }), 13);
+
+  // An item made longer: the records after it move, their references are renumbered.
+  list.SetListItem("List", 1, Variant("Quinces"));
+  list.SetListItem("ItemData", 1, Variant(25));
+  component_->Save();
+  std::vector<std::string> expected = {"-      Text            =   \"frmProps.frx\":002A",
+                                       "+      Text            =   \"frmProps.frx\":002C",
+                                       "-      Caption         =   $\"frmProps.frx\":0042",
+                                       "+      Caption         =   $\"frmProps.frx\":0044"};
+  EXPECT_EQ(ChangedLines(frm_, Frm()), expected);
+  Reopen();
+  list = Object("lstItems");
+  EXPECT_EQ(list.ListItem("List", 1), Variant("Quinces"));
+  EXPECT_EQ(list.ListItem("ItemData", 1), Variant::Long(25));
+  EXPECT_EQ(Object("lblLong").Get("Caption"), Variant(kLongCaption));
+
+  // AddItem grows ItemData with it; Clear empties both.
+  list.AddItem(Variant("Figs"), 0);
+  EXPECT_EQ(list.ListCount("List"), 4);
+  EXPECT_EQ(list.ListItem("List", 0), Variant("Figs"));
+  EXPECT_EQ(list.ListItem("ItemData", 0), Variant::Long(0));
+  EXPECT_EQ(list.ListItem("ItemData", 1), Variant::Long(10));
+  list.ClearList();
+  EXPECT_EQ(list.ListCount("List"), 0);
+  component_->Save();
+  EXPECT_EQ(Frm().find("ItemData"), std::string::npos);
+  Reopen();
+  EXPECT_EQ(Object("txtNotes").Get("Text"), Variant("First line\r\nSecond line"));
+  EXPECT_EQ(Object("lblLong").Get("Caption"), Variant(kLongCaption));
+}
+
+TEST_F(ObjectPropertiesTest, AFailedFormWriteLeavesBothFilesAsTheyWere) {
+  Object("lstItems").SetListItem("List", 0, Variant("Apricots"));
+  // The companion is written first; the form's write then fails when it would replace the file.
+  int replaces = 0;
+  platform::SetWriteFaultHook([&](platform::WriteStep step) {
+    return step == platform::WriteStep::kReplace && ++replaces == 2 ? 5 /* EIO */ : 0;
+  });
+  const int32_t number = ErrorOf([&] { component_->Save(); });
+  platform::SetWriteFaultHook({});
+  EXPECT_NE(number, 0);
+  EXPECT_EQ(Frm(), frm_);
+  EXPECT_EQ(Frx(), frx_);
+  // The edit is still there, and the next save writes it.
+  EXPECT_TRUE(component_->IsDirty());
+  component_->Save();
+  Reopen();
+  EXPECT_EQ(Object("lstItems").ListItem("List", 0), Variant("Apricots"));
+  EXPECT_EQ(Object("lblLong").Get("Caption"), Variant(kLongCaption));
+}
+
+TEST_F(ObjectPropertiesTest, AMissingCompanionIsReportedWhenARecordIsRead) {
+  std::filesystem::remove(copy_->Path("frmProps.frx"));
+  Reopen();
+  EXPECT_EQ(Object("cmdOk").Get("Caption"), Variant("OK"));
+  EXPECT_EQ(ErrorOf([&] { Object("lblLong").Get("Caption"); }), 53);
+  // An edit that needs no record still saves.
+  Object("cmdOk").Set("Caption", Variant("Close"));
+  component_->Save();
+  EXPECT_EQ(ChangedLines(frm_, Frm()).size(), 2u);
+}
+
+}  // namespace

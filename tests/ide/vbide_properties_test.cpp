@@ -1,0 +1,182 @@
+// VBComponent.Properties, Property and the font object, called by name and dispatch identifier
+// as the driver calls them.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "automation/process.h"
+#include "fixture_copy.h"
+#include "ide/model/project.h"
+#include "ide/vbide/ide.h"
+#include "ide/vbide/properties.h"
+#include "ide/vbide/vbcomponent.h"
+#include "ide/vbide/vbproject.h"
+#include "platform/codepage.h"
+#include "vbide_support.h"
+
+namespace {
+
+using automation::Currency;
+using automation::Dispatch;
+using automation::Variant;
+using idetest::FixtureCopy;
+using idetest::ReadBytes;
+using vbidetest::ErrorOf;
+
+class VbideProperties : public ::testing::Test {
+ protected:
+  void Open(const std::string& fixture, const std::string& projectFile) {
+    copy_ = std::make_unique<FixtureCopy>(fixture);
+    ide_ = ide::Ide::Start(copy_->Path(projectFile));
+    components_ = Dispatch(Dispatch(ide_->VBProject()).Get("VBComponents").ToObject());
+  }
+  Dispatch Component(const Variant& index) const {
+    return Dispatch(components_.Call("Item", index).ToObject());
+  }
+  Dispatch Properties(const Variant& component) const {
+    return Dispatch(Component(component).Get("Properties").ToObject());
+  }
+  Dispatch Item(const Variant& component, const Variant& property) const {
+    return Dispatch(Properties(component).Call("Item", property).ToObject());
+  }
+  std::string Path(const std::string& file) const { return copy_->Path(file); }
+
+  std::unique_ptr<FixtureCopy> copy_;
+  std::unique_ptr<ide::Ide> ide_;
+  Dispatch components_{nullptr};
+};
+
+TEST_F(VbideProperties, AFormListsItsWindowPropertiesByNameAndPosition) {
+  Open("props", "Props.vbp");
+  Dispatch properties = Properties("frmProps");
+  const int32_t count = properties.Get("Count").ToLong();
+  EXPECT_GT(count, 50);
+  EXPECT_EQ(Dispatch(properties.Call("Item", 1).ToObject()).Get("Name").ToString(), "Name");
+  // Every position answers, in the catalog's order; names find the same property.
+  for (int32_t i = 1; i <= count; ++i) {
+    const std::string name = Dispatch(properties.Call("Item", i).ToObject()).Get("Name").ToString();
+    EXPECT_EQ(Dispatch(properties.Call("Item", name).ToObject()).Get("Name").ToString(), name);
+  }
+  EXPECT_EQ(Item("frmProps", "caption").Get("Name").ToString(), "Caption");
+  EXPECT_EQ(Item("frmProps", "Caption").Get("Value").ToString(), "Properties");
+  EXPECT_EQ(Item("frmProps", "Enabled").Get("Value"), Variant(true));
+  EXPECT_EQ(Item("frmProps", "BackColor").Get("Value"), Variant::Long(0xC0C0C0));
+  EXPECT_EQ(Item("frmProps", "Caption").Get("NumIndices").ToLong(), 0);
+  EXPECT_EQ(ErrorOf([&] { properties.Call("Item", "Colour"); }), 9);
+  EXPECT_EQ(ErrorOf([&] { properties.Call("Item", 0); }), 9);
+  EXPECT_EQ(ErrorOf([&] { properties.Call("Item", count + 1); }), 9);
+  // Modules have none.
+  EXPECT_EQ(Properties("modMain").Get("Count").ToLong(), 0);
+  EXPECT_EQ(ErrorOf([&] { Properties("modMain").Call("Item", 1); }), 9);
+}
+
+TEST_F(VbideProperties, ValueWritesMarkTheComponentDirtyAndSaveOneLine) {
+  Open("props", "Props.vbp");
+  const std::string before = ReadBytes(Path("frmProps.frm"));
+  EXPECT_FALSE(Component("frmProps").Get("IsDirty").ToBool());
+  EXPECT_EQ(ErrorOf([&] { Item("frmProps", "StartUpPosition").Put("Value", 9); }), 380);
+  EXPECT_FALSE(Component("frmProps").Get("IsDirty").ToBool());
+  Item("frmProps", "Caption").Put("Value", "Edited");
+  EXPECT_TRUE(Component("frmProps").Get("IsDirty").ToBool());
+  // Value is the default member: dispatch identifier 0.
+  EXPECT_EQ(Item("frmProps", "Caption").GetId(0).ToString(), "Edited");
+  Component("frmProps").Call("SaveAs", Path("frmProps.frm"));
+  std::string expected = before;
+  const std::string old = "   Caption         =   \"Properties\"";
+  expected.replace(expected.find(old), old.size(), "   Caption         =   \"Edited\"");
+  EXPECT_EQ(ReadBytes(Path("frmProps.frm")), expected);
+}
+
+TEST_F(VbideProperties, TheFontObjectIsLiveByNameAndDispatchIdentifier) {
+  Open("props", "Props.vbp");
+  Dispatch font(Item("frmProps", "Font").Get("Object").ToObject());
+  EXPECT_EQ(font.GetId(0).ToString(), "Tahoma");
+  EXPECT_EQ(font.GetId(2), Variant::Cur(Currency{97500}));  // 9.75 as Currency
+  EXPECT_EQ(font.GetId(3), Variant(false));
+  EXPECT_EQ(font.Get("Weight"), Variant::Integer(400));
+  EXPECT_EQ(font.Get("Charset"), Variant::Integer(0));
+  font.PutId(3, true);
+  font.PutId(4, true);
+  font.PutId(2, Variant::Cur(Currency{120000}));
+  EXPECT_EQ(font.Get("Weight"), Variant::Integer(700));
+  EXPECT_EQ(font.Get("Size"), Variant::Cur(Currency{120000}));
+  EXPECT_TRUE(Component("frmProps").Get("IsDirty").ToBool());
+  // Value is the font's own properties.
+  Dispatch own(Item("frmProps", "Font").Get("Value").ToObject());
+  EXPECT_EQ(own.Get("Count").ToLong(), 8);
+  EXPECT_EQ(Dispatch(own.Call("Item", "Italic").ToObject()).Get("Value"), Variant(true));
+  EXPECT_EQ(Dispatch(own.Call("Item", "Size").ToObject()).Get("Value"), Variant::Single(12));
+  Dispatch(own.Call("Item", "Name").ToObject()).Put("Value", "Verdana");
+  EXPECT_EQ(font.Get("Name").ToString(), "Verdana");
+  EXPECT_EQ(ErrorOf([&] { font.Put("Weight", 5000); }), 380);
+  Component("frmProps").Call("SaveAs", Path("frmProps.frm"));
+  const std::string saved = ReadBytes(Path("frmProps.frm"));
+  EXPECT_NE(saved.find("   BeginProperty Font \r\n      Name            =   \"Verdana\"\r\n"
+                       "      Size            =   12\r\n      Charset         =   0\r\n"
+                       "      Weight          =   700\r\n      Underline       =   0   'False\r\n"
+                       "      Italic          =   -1  'True\r\n"),
+            std::string::npos);
+  // Properties that are not objects have no Object.
+  EXPECT_EQ(ErrorOf([&] { Item("frmProps", "Caption").Get("Object"); }), 5);
+}
+
+TEST_F(VbideProperties, ListsAreReadAndWrittenByIndexedValue) {
+  Open("props", "Props.vbp");
+  Dispatch component = Component("frmProps");
+  // A collection over the list box, as the control objects make theirs.
+  auto vbComponent = automation::As<ide::vbide::VBComponent>(component.object());
+  ide::Component* model = &vbComponent->Model();
+  ide::vbide::PropertySource source;
+  source.locate = [model] {
+    ide::form::FormContext context = model->Form();
+    return ide::form::ObjectProperties(context, *context.description->FindObject("lstItems"));
+  };
+  std::shared_ptr<ide::vbide::Properties> properties;
+  {
+    automation::Process::Scope scope(component.object()->Owner());
+    properties = std::make_shared<ide::vbide::Properties>(source, component.object());
+  }
+  Dispatch list(Dispatch(properties).Call("Item", "List").ToObject());
+  EXPECT_EQ(list.Get("NumIndices").ToLong(), 1);
+  EXPECT_EQ(list.GetAt("IndexedValue", 2).ToString(), "Plums");
+  EXPECT_EQ(ErrorOf([&] { list.Get("Value"); }), 380);
+  automation::Args args{Variant(0), Variant("Cherries")};
+  list.object()->Invoke("", "IndexedValue", automation::MemberKind::Put, args);
+  EXPECT_EQ(list.GetAt("IndexedValue", 0).ToString(), "Cherries");
+  Dispatch data(Dispatch(properties).Call("Item", "ItemData").ToObject());
+  EXPECT_EQ(data.GetAt("IndexedValue", 1), Variant::Long(20));
+  // A stored control's other properties through the same collection.
+  EXPECT_EQ(Dispatch(Dispatch(properties).Call("Item", "TabIndex").ToObject()).Get("Value"),
+            Variant::Integer(2));
+  component.Call("SaveAs", Path("frmProps.frm"));
+  ide_.reset();
+  auto reopened = ide::Project::Open(Path("Props.vbp"), platform::GetCodePage(1252));
+  ide::form::FormContext context = reopened->Item("frmProps").Form();
+  ide::form::ObjectProperties box(context, *context.description->FindObject("lstItems"));
+  EXPECT_EQ(box.ListItem("List", 0), Variant("Cherries"));
+  EXPECT_EQ(box.ListItem("List", 2), Variant("Plums"));
+}
+
+TEST_F(VbideProperties, DesignersAnswerTheirSettings) {
+  Open("ledger", "Ledger.vbp");
+  EXPECT_EQ(Item("dhtMain", "SourceFile").Get("Value").ToString(), "");
+  EXPECT_EQ(Item("dhtMain", "BuildFile").Get("Value").ToString(), "");
+  EXPECT_EQ(Item("dhtMain", "id").Get("Value").ToString(), "dhtMain");
+  EXPECT_EQ(Item("dhtMain", "ShowBorder").Get("Value"), Variant(true));
+  const std::string before = ReadBytes(Path("dhtMain.Dsr"));
+  Item("dhtMain", "BuildFile").Put("Value", "c:\\web\\main.htm");
+  Component("dhtMain").Call("SaveAs", Path("dhtMain.Dsr"));
+  std::string expected = before;
+  const std::string old = "   BuildFile       =   \"\"";
+  expected.replace(expected.find(old), old.size(), "   BuildFile       =   \"c:\\web\\main.htm\"");
+  EXPECT_EQ(ReadBytes(Path("dhtMain.Dsr")), expected);
+  // Other form-like kinds answer their classes' properties.
+  EXPECT_EQ(Item("ctlGauge", "Name").Get("Value").ToString(), "ctlGauge");
+  EXPECT_EQ(Item("docHome", "Name").Get("Value").ToString(), "docHome");
+  EXPECT_EQ(Item("ppgGauge", "Name").Get("Value").ToString(), "ppgGauge");
+  EXPECT_EQ(ErrorOf([&] { Item("frmShell", "ScaleHeight"); }), 9);  // runtime only
+}
+
+}  // namespace
