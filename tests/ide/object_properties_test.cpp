@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "fixture_copy.h"
+#include "ide/model/component_file.h"
 #include "ide/model/project.h"
 #include "platform/codepage.h"
 #include "platform/files.h"
@@ -169,6 +170,10 @@ TEST_F(ObjectPropertiesTest, AnUnchangedSaveIsByteForByteAndLeavesTheCompanionAl
   ObjectProperties ok = Object("cmdOk");
   ok.Set("Caption", Variant("Cancel"));
   ok.Set("Caption", Variant("OK"));
+  // Set to its default, the line goes; set back, it comes where it was.
+  ok.Set("Default", Variant(false));
+  EXPECT_EQ(component_->File().Render().find("      Default  "), std::string::npos);
+  ok.Set("Default", Variant(true));
   ok.SetFontAttribute(FontAttribute::kItalic, Variant(true));
   ok.SetFontAttribute(FontAttribute::kItalic, Variant(false));
   ObjectProperties label = Object("lblLong");
@@ -350,6 +355,26 @@ TEST_F(ObjectPropertiesTest, AFailedFormWriteLeavesBothFilesAsTheyWere) {
   EXPECT_EQ(Object("lblLong").Get("Caption"), Variant(kLongCaption));
 }
 
+TEST_F(ObjectPropertiesTest, SaveAsWritesTheCompanionBesideTheNewFile) {
+  Object("cmdOk").Set("Caption", Variant(std::string(140, 'y')));
+  component_->SaveAs(copy_->Path("frmCopy.frm"));
+  // The old pair is as it was; the new one names its own companion.
+  EXPECT_EQ(Frm(), frm_);
+  EXPECT_EQ(Frx(), frx_);
+  const std::string copy = ReadBytes(copy_->Path("frmCopy.frm"));
+  EXPECT_EQ(copy.find("frmProps.frx"), std::string::npos);
+  EXPECT_NE(copy.find("      Caption         =   $\"frmCopy.frx\":0042\r\n"), std::string::npos);
+  EXPECT_NE(copy.find("      Caption         =   $\"frmCopy.frx\":00CC\r\n"), std::string::npos);
+  EXPECT_EQ(ReadBytes(copy_->Path("frmCopy.frx")), frx_ + U32(140) + std::string(140, 'y'));
+  // Later saves go to the new pair.
+  Object("lstItems").SetListItem("List", 0, Variant("Apricots"));
+  component_->Save();
+  EXPECT_EQ(Frx(), frx_);
+  EXPECT_EQ(Object("lblLong").Get("Caption"), Variant(kLongCaption));
+  EXPECT_EQ(Object("lstItems").ListItem("List", 0), Variant("Apricots"));
+  EXPECT_NE(ReadBytes(copy_->Path("frmCopy.frx")).find("Apricots"), std::string::npos);
+}
+
 TEST_F(ObjectPropertiesTest, AMissingCompanionIsReportedWhenARecordIsRead) {
   std::filesystem::remove(copy_->Path("frmProps.frx"));
   Reopen();
@@ -359,6 +384,45 @@ TEST_F(ObjectPropertiesTest, AMissingCompanionIsReportedWhenARecordIsRead) {
   Object("cmdOk").Set("Caption", Variant("Close"));
   component_->Save();
   EXPECT_EQ(ChangedLines(frm_, Frm()).size(), 2u);
+}
+
+TEST(ObjectPropertiesOfOtherLibraries, StoredValuesAnswerAsWritten) {
+  const std::string bytes = ReadBytes(std::string(QX_FIXTURES) + "/ide/orders/frmOrders.frm");
+  auto file = ide::ComponentFile::Parse(bytes, ide::FileKind::kForm, platform::GetCodePage(1252),
+                                        "frmOrders.frm");
+  ide::form::FormContext context{file->Description(), &platform::GetCodePage(1252), nullptr};
+  ObjectProperties view(context, *context.description->FindObject("lvwOrders"));
+  EXPECT_EQ(view.Class(), nullptr);
+  // Name first, then what the file stores, in its order (the font and column groups included).
+  EXPECT_EQ(view.NameAt(0), "Name");
+  EXPECT_EQ(view.NameAt(1), "Height");
+  EXPECT_EQ(view.Count(), 19);
+  EXPECT_EQ(view.NameAt(18), "ColumnHeader(2)");
+  EXPECT_EQ(view.Get("Name"), Variant("lvwOrders"));
+  EXPECT_EQ(view.Get("view"), Variant::Long(3));
+  EXPECT_EQ(view.Get("FullRowSelect"), Variant::Long(-1));
+  EXPECT_EQ(view.Get("ForeColor"), Variant::Long(-2147483640));
+  EXPECT_EQ(view.Get("Index"), Variant::Integer(-1));
+  EXPECT_TRUE(view.Has("Index"));
+  EXPECT_EQ(view.Spelling("fullrowselect"), "FullRowSelect");
+  EXPECT_EQ(ErrorOf([&] { view.Get("Sorted"); }), 438);
+  EXPECT_EQ(ErrorOf([&] { view.Set("Name", Variant("lvwOther")); }), 383);
+  EXPECT_EQ(ErrorOf([&] { view.Set("View", Variant("report")); }), 13);
+  // A stored line takes a value of its kind, where it stands.
+  view.Set("View", Variant(1));
+  EXPECT_EQ(view.Get("View"), Variant::Long(1));
+  EXPECT_NE(
+      file->Render().find("      _ExtentY        =   4471\r\n      View            =   1\r\n"),
+      std::string::npos);
+
+  // Menus are VB's own: a caption and an unquoted shortcut.
+  ObjectProperties menu(context, *context.description->FindObject("mnuOrderNew"));
+  EXPECT_EQ(menu.Get("Caption"), Variant("&New"));
+  EXPECT_EQ(menu.Get("Shortcut"), Variant("^N"));
+  EXPECT_EQ(menu.Get("Checked"), Variant(false));
+  EXPECT_EQ(
+      ObjectProperties(context, *context.description->FindObject("mnuRecent", 0)).Get("Index"),
+      Variant::Integer(0));
 }
 
 }  // namespace

@@ -222,6 +222,16 @@ void CompanionStore::Saved(const Plan& plan) {
   pending_.clear();
 }
 
+void CompanionStore::MoveTo(std::string bareName, std::string path, std::string bytes,
+                            std::vector<uint32_t> offsets) {
+  bareName_ = std::move(bareName);
+  path_ = std::move(path);
+  references_ = std::move(offsets);
+  exists_ = !bytes.empty();
+  file_ = std::make_unique<CompanionFile>(bareName_, std::move(bytes), references_);
+  pending_.clear();
+}
+
 CompanionRecordKind RecordKindOf(const PropertyEntry& entry) {
   const bool isString = entry.Reference() && entry.Reference()->isString;
   const DescriptionNode* owner = entry.Owner();
@@ -283,7 +293,7 @@ ObjectProperties::ObjectProperties(FormContext context, DescriptionNode& node)
 
 int32_t ObjectProperties::Count() const {
   if (class_ != nullptr) return class_->Count();
-  int32_t count = 0;
+  int32_t count = 1;  // the name, which its Begin line holds
   for (const auto& item : node_->Items()) {
     if (item.property || (item.node && item.node->IsGroup())) ++count;
   }
@@ -295,7 +305,8 @@ std::string ObjectProperties::NameAt(int32_t position) const {
     if (class_ != nullptr) {
       if (const PropertyInfo* info = class_->At(position)) return std::string(info->name);
     } else {
-      int32_t index = 0;
+      if (position == 0) return "Name";
+      int32_t index = 1;
       for (const auto& item : node_->Items()) {
         const bool counts = item.property || (item.node && item.node->IsGroup());
         if (!counts) continue;
@@ -312,12 +323,13 @@ const PropertyInfo* ObjectProperties::Find(std::string_view name) const {
 
 bool ObjectProperties::Has(std::string_view name) const {
   if (class_ != nullptr) return class_->Find(name) != nullptr;
-  // Every control has a name and an index (-1 outside arrays), stored or not.
-  if (Same(name, "Name") || Same(name, "Index")) return true;
-  return node_->FindProperty(name) != nullptr || node_->FindGroup(name) != nullptr;
+  // Every control has a name and an index (-1 outside arrays), whatever its file stores.
+  return Same(name, "Name") || Same(name, "Index") || node_->FindProperty(name) != nullptr ||
+         node_->FindGroup(name) != nullptr;
 }
 
 std::string ObjectProperties::Spelling(std::string_view name) const {
+  if (Same(name, "Name")) return "Name";
   if (class_ != nullptr) {
     if (const PropertyInfo* info = class_->FindMember(name)) return std::string(info->name);
   } else if (const PropertyEntry* entry = node_->FindProperty(name)) {
@@ -325,6 +337,7 @@ std::string ObjectProperties::Spelling(std::string_view name) const {
   } else if (const DescriptionNode* group = node_->FindGroup(name)) {
     return group->Name();
   }
+  if (Same(name, "Index")) return "Index";
   return std::string(name);
 }
 
@@ -499,6 +512,10 @@ void ObjectProperties::Store(const PropertyInfo& info, const Variant& value) {
 void ObjectProperties::Set(std::string_view name, const Variant& value) {
   if (class_ == nullptr) {
     // A control of another library: its stored line takes a value of the kind it holds.
+    if (Same(name, "Name") || Same(name, "Index")) {
+      automation::Raise(err::kReadOnlyProperty,
+                        std::string(name) + " is set through the control's own object");
+    }
     PropertyEntry* entry = node_->FindProperty(name);
     if (entry == nullptr || entry->Reference()) NoSuchProperty(name);
     if (UnquoteString(entry->Value())) {

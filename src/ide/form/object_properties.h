@@ -18,10 +18,14 @@
 // that VB6 keeps in the companion (long ones, ones with line breaks, a MultiLine TextBox's Text)
 // written there as records, their line a reference whose offset the next save settles.
 //
+// Sizes a form-like object keeps as its client area (a form's Height, Left, Top, Width, which
+// the file does not store) are answered and written as the client area's.
+//
 // Fonts are ambient: an object without its own Font group shows its form's font (the
 // description's root); writing a font attribute writes the object's own group, and a font equal
 // to the form's is dropped, as VB6 drops it. When the form's own font changes, the controls
-// that showed it keep the font they had (VB6 changes only the form): each gets its own group.
+// that showed it keep the font they had (VB6 changes only the form): each intrinsic control
+// with a font gets its own group (other libraries' controls keep what their files store).
 
 #include <cstdint>
 #include <memory>
@@ -82,6 +86,10 @@ class CompanionStore {
   bool ExistsOnDisk();
   // After a successful save of the plan.
   void Saved(const Plan& plan);
+  // After the component was saved under another name with its companion beside it: that file
+  // (its bytes and the references' offsets) is the one from now on.
+  void MoveTo(std::string bareName, std::string path, std::string bytes,
+              std::vector<uint32_t> offsets);
 
  private:
   const CompanionFile& File();
@@ -121,8 +129,8 @@ class ObjectProperties {
   const std::string& ObjectName() const { return node_->Name(); }
 
   // The Properties collection: for a catalog class the properties it shows (window and hidden,
-  // in its order); for another class the properties its file stores (lines and groups), in
-  // stored order.
+  // in its order); for another class Name, then the properties its file stores (lines and
+  // groups) in stored order, and Index by name also when its line is absent.
   int32_t Count() const;
   // The name at a zero-based position; raises 9 past the end.
   std::string NameAt(int32_t position) const;

@@ -231,9 +231,53 @@ void Component::SaveAs(std::string_view path) {
     return;
   }
   TakePageChanges();
-  std::string bytes = file.Render();
-  SaveTo(target, bytes);
-  file.MarkSaved(std::move(bytes));
+  form::Description* description = file.Description();
+  if (companion_ == nullptr || description == nullptr) {
+    std::string bytes = file.Render();
+    SaveTo(target, bytes);
+    file.MarkSaved(std::move(bytes));
+    fileName_ = std::move(target);
+    loadedStamp_ = platform::StampOf(fileName_);
+    return;
+  }
+  // VB6 writes the companion beside the new file under the new file's name, and the references
+  // name it: the companion first, then the file, which is never left naming records that are
+  // not there.
+  form::CompanionStore::Plan plan = companion_->Layout(*description);
+  const std::string bareName = form::CompanionFileName(target, Kind());
+  const std::string companionPath =
+      platform::ToNative((fs::path(target).parent_path() / bareName).string()).string();
+  std::string companionBytes = plan.write ? plan.bytes : std::string();
+  if (!plan.write && !plan.uses.empty()) companionBytes = companion_->DiskBytes();
+  auto point = [&](bool renamed) {
+    for (std::size_t i = 0; i < plan.uses.size(); ++i) {
+      form::CompanionReference reference = plan.uses[i].reference;
+      if (renamed) {
+        reference.fileName = bareName;
+        reference.offset = plan.offsets[i];
+      }
+      form::PropertyEntry& entry = *plan.uses[i].property;
+      entry.Owner()->SetProperty(entry.Name(), form::FormatCompanionReference(reference));
+    }
+  };
+  point(true);
+  try {
+    std::string bytes = file.Render();
+    const bool companionExisted = platform::FileExists(companionPath);
+    if (!companionBytes.empty()) SaveTo(companionPath, companionBytes);
+    try {
+      SaveTo(target, bytes);
+    } catch (...) {
+      std::error_code ignored;
+      if (!companionBytes.empty() && !companionExisted) fs::remove(companionPath, ignored);
+      throw;
+    }
+    file.MarkSaved(std::move(bytes));
+  } catch (...) {
+    point(false);
+    throw;
+  }
+  companion_->MoveTo(bareName, companionPath, std::move(companionBytes), plan.offsets);
   fileName_ = std::move(target);
   loadedStamp_ = platform::StampOf(fileName_);
 }

@@ -95,7 +95,9 @@ class Component {
   // companion is written first, then the file, and when writing the file fails the companion is put
   // back as it was, so that the file on disk never references records that are not there.
   void Save();
-  // Writes the file under another name, which becomes the component's file.
+  // Writes the file under another name, which becomes the component's file. A file with a
+  // companion gets one beside it under its new name ("Copy.frm" and "Copy.frx"), written first,
+  // and its references name it; the old files stay as they are.
   void SaveAs(std::string_view path);
 
  private:
