@@ -212,6 +212,29 @@ TEST_F(DhtmlPageTest, ThePageKeptInTheDesignerRoundTripsThroughTheDsx) {
   EXPECT_EQ(Bytes("Inner.dsx"), PageRecord("<p>last</p>"));
 }
 
+TEST_F(DhtmlPageTest, WritingOverUnsavedChangesSavesThemFirstAndThenTakesThePageIn) {
+  const ObjectRef page = Page("Inner");
+  SetMode(page, 1);
+  Dispatch(IdeComponent("Inner").Get("CodeModule").ToObject())
+      .Call("InsertLines", 1, "' typed in the IDE");
+  Dispatch(page).Put("HTML", "<p>after</p>");
+  EXPECT_NE(Bytes("Inner.Dsr").find("' typed in the IDE"), std::string::npos);
+  EXPECT_EQ(Bytes("Inner.dsx"), PageRecord("<p>after</p>\r\n"));
+  EXPECT_EQ(Html(page), "<p>after</p>");
+  EXPECT_FALSE(IdeComponent("Inner").Get("IsDirty").ToBool());
+  SetMode(page, 0);
+
+  // A page file that cannot be written leaves the object idle.
+  fs::permissions(File("html/Ext.htm"), fs::perms::owner_write, fs::perm_options::remove);
+  const ObjectRef ext = Page("Ext");
+  SetMode(ext, 1);
+  const automation::Error refused = Caught([&] { Dispatch(ext).Put("HTML", "x"); });
+  EXPECT_EQ(refused.Number(), automation::err::kPermissionDenied);
+  EXPECT_NE(refused.Description().find("qxvb60.DHTMLPage.HTML.1"), std::string::npos);
+  EXPECT_EQ(Bytes("html/Ext.htm"), "<html>\r\n<body>\nA</body>\r</html>\r\n");
+  EXPECT_EQ(Caught([&] { Html(ext); }).Number(), automation::err::kObjectNotSet);
+}
+
 TEST_F(DhtmlPageTest, ADesignerWithoutAFileOrWithAMissingOneFailsWithItsMessage) {
   const ObjectRef bare = Page("Bare");
   SetMode(bare, 1);
