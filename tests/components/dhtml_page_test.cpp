@@ -262,6 +262,12 @@ TEST_F(DhtmlPageTest, OtherDesignersLoadAndSaveByteForByte) {
   const Dispatch component = IdeComponent("DataEnv1");
   EXPECT_EQ(component.Get("Type").ToLong(), 11);
   EXPECT_EQ(component.Get("Designer").ToObject(), nullptr);
+  // Its stored settings answer as stored.
+  const Dispatch properties(component.Get("Properties").ToObject());
+  EXPECT_EQ(Dispatch(properties.Call("Item", "FolderFlags").ToObject()).Get("Value").ToString(),
+            "1");
+  EXPECT_EQ(Dispatch(properties.Call("Item", "TypeLibGuid").ToObject()).Get("Value").ToString(),
+            "{3A1B2C3D-0000-1111-2222-333344445555}");
   component.Put("IsDirty", true);
   component.Call("SaveAs", component.GetAt("FileNames", int16_t{1}).ToString());
   EXPECT_EQ(Bytes("DataEnv1.Dsr"), dsr);
