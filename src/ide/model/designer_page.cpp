@@ -1,5 +1,7 @@
 #include "ide/model/designer_page.h"
 
+#include <atomic>
+#include <string>
 #include <system_error>
 
 #include "automation/casefold.h"
@@ -12,7 +14,6 @@
 
 namespace ide {
 namespace fs = std::filesystem;
-using form::CompanionRecordKind;
 
 namespace {
 
@@ -53,7 +54,7 @@ std::string DesignerPage::RecordText() {
   form::PropertyEntry* entry = description != nullptr ? DocumentEntry(*description) : nullptr;
   if (entry == nullptr) return {};
   const form::CompanionRecord record =
-      component_.Companion()->Read(*entry, CompanionRecordKind::kOpaque);
+      component_.Companion()->Read(*entry, form::RecordKindOf(*entry));
   return std::string(form::SplitPageDocument(record.Bytes()).text);
 }
 
@@ -69,12 +70,14 @@ std::string DesignerPage::Path() {
     }
   }
   // A designer that keeps no page names no file.
-  if (description->Root().FindProperty(kDocument) == nullptr) return {};
+  if (DocumentEntry(*description) == nullptr) return {};
   TakeChanges();
   std::string text = RecordText();
   if (file_.empty()) {
-    file_ = component_.Parent().PageFolder() /
-            (fs::path(component_.FileName()).stem().string() + ".htm");
+    // Named after the .dsr, numbered: two pages of the project may share a file name.
+    static std::atomic<unsigned> made{0};
+    file_ = component_.Parent().PageFolder() / (fs::path(component_.FileName()).stem().string() +
+                                                "-" + std::to_string(++made) + ".htm");
   }
   if (text != written_ || !fs::exists(file_)) {
     platform::WriteFileAtomic(file_.string(), text);
@@ -102,7 +105,7 @@ void DesignerPage::TakeChanges() {
     return;
   }
   form::CompanionStore& companion = *component_.Companion();
-  const form::CompanionRecord record = companion.Read(*entry, CompanionRecordKind::kOpaque);
+  const form::CompanionRecord record = companion.Read(*entry, form::RecordKindOf(*entry));
   const bool wasDirty = component_.IsDirty();
   companion.Put(*entry, form::CompanionRecord::Opaque(form::ReplacePageText(record.Bytes(), page)));
   written_ = std::move(page);

@@ -7,9 +7,9 @@
 // The IDE's own file lives in the project's page folder (Project::PageFolder), never beside the
 // user's files, and follows the record both ways: it is written from the record when the
 // designer is asked for it and the record changed since; a change made to the file is taken
-// into the record when the component is looked up or saved. Only a change is taken in: an
-// unchanged file leaves the .dsx untouched, and a .dsx rewritten for the page keeps its other
-// records byte for byte (and the .dsr's offsets in step when they move).
+// into the record (through the component's companion store) when the component is looked up or
+// saved, and saved at once unless the component holds changes of its own. Only a change is
+// taken in: an unchanged file leaves the .dsx untouched.
 
 #include <filesystem>
 #include <string>
