@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building and testing qx need. Safe to run again: it does
-# nothing when everything is there already.
+# Installs the Debian packages that building and testing qx need; `install-deps.sh bench` adds
+# what the benchmarks compare qx with (ripgrep). Safe to run again: it does nothing when
+# everything is there already.
 set -euo pipefail
 
 packages=(
@@ -9,6 +10,9 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libcli11-dev nlohmann-json3-dev libpcre2-dev libcapnp-dev capnproto libuchardet-dev
 )
+if [ "${1:-}" = bench ]; then
+  packages+=(ripgrep)
+fi
 
 missing=()
 for p in "${packages[@]}"; do

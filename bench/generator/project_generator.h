@@ -31,6 +31,11 @@ struct GeneratorOptions {
   std::size_t proceduresPerComponent = 100;
   LineEnds ends = LineEnds::kCycle;
   std::string word = "running";  // appears once in every procedure, for tests that replace it
+  bool forms = true;             // false: modules and classes only, one after the other
+  // When not zero, every `rareEvery`-th procedure of the project (counting from the first) has
+  // `rareWord` in its comment line, for searches that match in a known share of procedures.
+  std::size_t rareEvery = 0;
+  std::string rareWord = "Reconcile";
 };
 
 struct GeneratedProject {
@@ -78,11 +83,14 @@ struct Writer {
 };
 
 inline void Procedure(Writer& w, std::size_t component, std::size_t index, bool isClass,
-                      const std::string& word) {
+                      const std::string& word, const std::string& rare = {}) {
   std::string name = std::string("Proc").append(std::to_string(component));
   name.append("_").append(std::to_string(index));
   w.Line("");
-  w.Line("' " + name + ": computes a value for the report (it's generated).");
+  if (rare.empty())
+    w.Line("' " + name + ": computes a value for the report (it's generated).");
+  else
+    w.Line("' " + name + ": computes a value for the report (" + rare + " it).");
   switch (index % 4) {
     case 0:
       w.Line("Public Sub " + name + "(ByVal Count As Long)");
@@ -139,7 +147,7 @@ inline GeneratedProject GenerateProject(const std::filesystem::path& folder,
   std::size_t component = 0;
   while (result.lines < options.totalLines) {
     const std::string number = std::to_string(component);
-    const std::size_t kind = component % 3;  // module, class, form
+    const std::size_t kind = component % (options.forms ? 3 : 2);  // module, class, form
     LineEnds ends = options.ends == LineEnds::kCycle ? kCycle[component % 4] : options.ends;
     Writer w{{}, 0, generator_detail::Ends(ends)};
     std::string name;
@@ -175,8 +183,11 @@ inline GeneratedProject GenerateProject(const std::filesystem::path& folder,
     w.Line("Option Explicit");
     w.Line("Private Declare Function GetTickCount Lib \"kernel32\" () As Long");
     w.Line("Private mCount As Long");
-    for (std::size_t p = 0; p < options.proceduresPerComponent; ++p)
-      generator_detail::Procedure(w, component, p, kind == 1, options.word);
+    for (std::size_t p = 0; p < options.proceduresPerComponent; ++p) {
+      const bool rare = options.rareEvery != 0 && (result.procedures + p) % options.rareEvery == 0;
+      generator_detail::Procedure(w, component, p, kind == 1, options.word,
+                                  rare ? options.rareWord : std::string());
+    }
     if (component % 3 == 2) {
       // No final line break.
       std::size_t keep = w.text.find_last_not_of("\r\n");

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <set>
 #include <thread>
 
@@ -128,6 +129,8 @@ class Run {
       if (options_.style == SearchStyle::Quiet && totals_.matches > 0 && !options_.replacement)
         break;
     }
+    registration_.reset();
+    buffer_.reset();
     progress.Clear();
     progress_ = nullptr;
     if (const int signal = Interrupted(); signal != 0) {
@@ -282,14 +285,17 @@ class Run {
     const automation::ObjectRef object =
         contracts::ICollection(contracts::IProject(project).GetCollection(collection))
             .GetObject(entry.name);
-    const ScanBufferView buffer;
-    buffer.SetRequest(request_);
-    {
-      const RegisteredBuffer registration(buffer);
-      contracts::IObject(object).Scan(projectFile.stem().string(), entry.name, entry.writable,
-                                      registration.name());
+    // One buffer, registered once, carries the request to every component of the run.
+    if (!registration_) {
+      buffer_.emplace().SetRequest(request_);
+      registration_.emplace(*buffer_);
     }
-    for (ComponentScan& scan : ParseScanResults(buffer.Results())) {
+    buffer_->Clear();
+    contracts::IObject(object).Scan(projectFile.stem().string(), entry.name, entry.writable,
+                                    registration_->name());
+    const std::string results = buffer_->Results();
+    buffer_->Clear();
+    for (ComponentScan& scan : ParseScanResults(results)) {
       scanned.scan = std::move(scan);
       scanned.after = file != nullptr && options_.replacement ? platform::ReadFile(onDisk.string())
                                                               : scanned.before;
@@ -371,6 +377,10 @@ class Run {
   const SearchOptions& options_;
   Printer& printer_;
   const std::string request_;
+  // The run's scan buffer, made on first use (the session registers its class) and let go
+  // before the session ends.
+  std::optional<ScanBufferView> buffer_;
+  std::optional<RegisteredBuffer> registration_;
   const Clock::time_point start_ = Clock::now();
   std::set<std::string> done_;  // component files already searched in this run
   std::set<std::string> skippedFiles_;

@@ -104,10 +104,7 @@ const Kind kUserDocuments{
 bool CanBuildComponents(std::string_view operation) {
   for (const Kind* kind : {&kClassModules, &kDesigners, &kDhtmlPages, &kForms, &kModules,
                            &kPropertyPages, &kUserConnections, &kUserControls, &kUserDocuments}) {
-    if (operation == kind->factory) {
-      const auto found = Factories().find(std::string_view(kind->className));
-      return found != Factories().end() && found->second() != nullptr;
-    }
+    if (operation == kind->factory) return Factories().contains(std::string_view(kind->className));
   }
   return false;
 }

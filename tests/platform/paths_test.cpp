@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 #include "support/temp_home.h"
 #include "test_files.h"
 
@@ -55,6 +57,31 @@ TEST(Paths, EachPartThatExistsResolvesIgnoringCase) {
   // Parts that are not there are kept as written.
   EXPECT_EQ(ToNative(root.string() + "\\PROJ\\New\\File.txt"), root / "Proj/New/File.txt");
   EXPECT_EQ(ToNative(root.string() + "\\Nowhere\\proj"), root / "Nowhere/proj");
+}
+
+// A folder's listing is kept between look-ups once the folder has not changed for a while; every
+// change to its entries must still show, however soon it comes.
+TEST(Paths, ASettledFolderStillShowsEveryChangeToItsEntries) {
+  qxtest::TempHome home;
+  const fs::path folder = home.path() / "Proj";
+  platformtest::WriteBytes(folder / "Main.bas", "x");
+  const auto settle = [&] {
+    fs::last_write_time(folder, fs::last_write_time(folder) - std::chrono::seconds(10));
+  };
+  settle();
+  EXPECT_EQ(ToNative(folder.string() + "\\MAIN.BAS"), folder / "Main.bas");
+
+  platformtest::WriteBytes(folder / "Other.cls", "x");  // added
+  EXPECT_EQ(ToNative(folder.string() + "\\other.CLS"), folder / "Other.cls");
+  settle();
+  EXPECT_EQ(ToNative(folder.string() + "\\main.bas"), folder / "Main.bas");
+
+  fs::rename(folder / "Main.bas", folder / "MAIN.bas");  // renamed
+  EXPECT_EQ(ToNative(folder.string() + "\\main.bas"), folder / "MAIN.bas");
+  settle();
+
+  fs::remove(folder / "MAIN.bas");  // removed: kept as written
+  EXPECT_EQ(ToNative(folder.string() + "\\main.bas"), folder / "main.bas");
 }
 
 TEST(Paths, SeparatorsAndWindowsForm) {

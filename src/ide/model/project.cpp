@@ -57,6 +57,14 @@ std::string ResolvePath(std::string_view folder, std::string_view path) {
   return platform::ToNative(joined).string();
 }
 
+namespace {
+std::uint64_t servedCall = 0;  // 0: not serving a call
+}  // namespace
+
+void BeginServedCall() {
+  ++servedCall;
+}
+
 Component::Component(Project& project, std::size_t entry, std::string fileName)
     : project_(project), entry_(entry), fileName_(std::move(fileName)) {}
 
@@ -70,7 +78,9 @@ ComponentFile& Component::File() {
   if (file_ || loadError_) {
     // The IDE never answers from a stale file: one changed on disk since it was read (or since
     // reading it failed) is read again, unless the IDE holds changes of its own for it.
-    if (IsDirty() || platform::StampOf(fileName_) == loadedStamp_) {
+    const bool looked = servedCall != 0 && lookedInCall_ == servedCall;
+    if (looked || IsDirty() || platform::StampOf(fileName_) == loadedStamp_) {
+      lookedInCall_ = servedCall;
       if (file_) return *file_;
       throw *loadError_;
     }
@@ -78,6 +88,7 @@ ComponentFile& Component::File() {
     companion_.reset();
     loadError_.reset();
   }
+  lookedInCall_ = servedCall;
   try {
     loadedStamp_ = platform::StampOf(fileName_);
     std::string bytes = platform::ReadFile(fileName_);
@@ -331,10 +342,30 @@ const fs::path& Project::PageFolder() {
 }
 
 Component* Project::Find(std::string_view name) {
-  for (auto& component : components_) {
-    if (automation::SameVbName(component->Name(), name)) return component.get();
+  const std::string key = automation::VbNameKey(name);
+  const auto hint = nameHints_.find(key);
+  if (hint != nameHints_.end()) {
+    Component& component = *components_[hint->second];
+    if (automation::SameVbName(component.Name(), name)) return &component;
   }
-  return nullptr;
+  // Reads names from `from` on, remembering where each is first seen, up to the first match.
+  const auto readFrom = [&](std::size_t from) -> Component* {
+    for (namesRead_ = from; namesRead_ < components_.size();) {
+      Component& component = *components_[namesRead_];
+      const std::string current = component.Name();
+      nameHints_.emplace(automation::VbNameKey(current), namesRead_++);
+      if (automation::SameVbName(current, name)) return &component;
+    }
+    return nullptr;
+  };
+  // A name not seen yet is looked for where the last look-up stopped reading, so that looking
+  // up every component reads each name once; otherwise (a name that moved, or none found that
+  // way) every name is read again from the first.
+  if (hint == nameHints_.end()) {
+    if (Component* found = readFrom(namesRead_)) return found;
+  }
+  nameHints_.clear();
+  return readFrom(0);
 }
 
 Component& Project::Item(std::string_view name) {

@@ -5,11 +5,13 @@
 // itself alone.
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "automation/error.h"
@@ -30,6 +32,12 @@ class Project;
 // A path as a project or component file names it (Windows-style, relative or absolute),
 // resolved against a folder: the Linux path of the file.
 std::string ResolvePath(std::string_view folder, std::string_view path);
+
+// Looking whether a component's file changed on disk costs a call to the file system, and one
+// call that the IDE serves (a scan) uses a component's file thousands of times. The server
+// starts every call it serves from another process with BeginServedCall; within one, each file
+// is looked at once, on its first use. Outside served calls every use looks.
+void BeginServedCall();
 
 class Component {
  public:
@@ -109,6 +117,7 @@ class Component {
   std::optional<automation::Error> loadError_;
   std::optional<platform::FileStamp> loadedStamp_;  // of the file when it was last read
   uint64_t reads_ = 0;
+  std::uint64_t lookedInCall_ = 0;      // the served call in which the file was last looked at
   std::unique_ptr<DesignerPage> page_;  // last: it takes its changes in while the rest is alive
 };
 
@@ -162,6 +171,11 @@ class Project {
   std::optional<platform::FileStamp> stamp_;  // of the project file when read or saved
   std::filesystem::path pageFolder_;
   std::vector<std::unique_ptr<Component>> components_;
+  // Where Find saw each name (VbNameKey), so that a look-up does not read every name before
+  // it; a hint is used only after checking that the component still has that name. Find has
+  // read the names of the components before `namesRead_`.
+  std::unordered_map<std::string, std::size_t> nameHints_;
+  std::size_t namesRead_ = 0;
 };
 
 }  // namespace ide

@@ -17,6 +17,7 @@
 #include "automation/remote.h"
 #include "automation/remote_object.h"
 #include "host/host_utility.h"
+#include "ide/model/project.h"
 #include "ide/vbide/ide.h"
 #include "ide/vbide/vbe.h"
 #include "ide/vbide/vbproject.h"
@@ -161,6 +162,7 @@ int Serve(const ServeOptions& options) {
   Activity activity;
   automation::SetIncomingCallObserver([&activity](const automation::Object& callee) {
     activity.reached = true;
+    ide::BeginServedCall();
     const std::string& name = callee.Class().name;
     // Looking the IDE up and asking it how it is are no work for it.
     if (name == kControlClass || name == "Registrations") return;

@@ -14,10 +14,12 @@ enum class LineEnd : uint8_t { kNone, kCrLf, kLf, kCr };
 
 std::string_view LineEndBytes(LineEnd end);
 
+// A million-line project holds a million of these: the offsets are 32 bits (files are read up
+// to a limit far below 4 GB), which keeps the struct at 48 bytes.
 struct SourceLine {
-  std::string text;           // decoded, without its line end
-  std::size_t rawOffset = 0;  // the line's bytes in the file as read (when original)
-  std::size_t rawLength = 0;
+  std::string text;        // decoded, without its line end
+  uint32_t rawOffset = 0;  // the line's bytes in the file as read (when original)
+  uint32_t rawLength = 0;
   LineEnd end = LineEnd::kNone;  // the line end it had in the file (kNone for new lines)
   bool original = false;         // text still stands for exactly those bytes
 

@@ -97,8 +97,8 @@ SourceText SplitText(std::string_view bytes, const platform::CodePage& codePage)
   text.lines.reserve(spans.size());
   for (std::size_t i = 0; i < spans.size(); ++i) {
     SourceLine line;
-    line.rawOffset = spans[i].offset;
-    line.rawLength = spans[i].length;
+    line.rawOffset = static_cast<uint32_t>(spans[i].offset);
+    line.rawLength = static_cast<uint32_t>(spans[i].length);
     line.end = spans[i].end;
     line.original = true;
     if (same) {
