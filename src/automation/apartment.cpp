@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <random>
+#include <string_view>
 #include <utility>
 
 namespace automation {
@@ -16,6 +17,15 @@ Apartment::Apartment() : io_(kj::setupAsyncIo()) {
   std::random_device random;
   id_ = (static_cast<uint64_t>(random()) << 32) ^ random();
   if (id_ == 0) id_ = 1;
+}
+
+void QuietDisconnections::logMessage(kj::LogSeverity severity, const char* file, int line,
+                                     int contextDepth, kj::String&& text) {
+  const std::string_view message(text.cStr(), text.size());
+  const std::string_view first = message.substr(0, message.find('\n'));
+  if (severity == kj::LogSeverity::ERROR && first.find("disconnected: ") != std::string_view::npos)
+    return;
+  next.logMessage(severity, file, line, contextDepth, kj::mv(text));
 }
 
 void Apartment::Post(kj::Function<void()> job) {

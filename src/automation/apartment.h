@@ -16,6 +16,7 @@
 
 #include <kj/async-io.h>
 #include <kj/debug.h>
+#include <kj/exception.h>
 #include <kj/function.h>
 
 namespace automation {
@@ -64,6 +65,16 @@ class Apartment {
   uint64_t id_;
   std::deque<kj::Function<void()>> jobs_;
   kj::Own<kj::PromiseFulfiller<void>> wake_;
+};
+
+// A peer process that went away shows in our calls as 462. Cap'n Proto also logs the broken
+// connection on standard error when a write finds it closed; that line would read as a fault of
+// ours to a user, so while one of these lives it is dropped. Every other log line of kj goes on
+// as before. kj wants it on the stack: a program makes one at the top of main.
+class QuietDisconnections final : public kj::ExceptionCallback {
+ public:
+  void logMessage(kj::LogSeverity severity, const char* file, int line, int contextDepth,
+                  kj::String&& text) override;
 };
 
 // GCC 12 sees the flags that the callbacks set through kj's inlined promise nodes and wrongly

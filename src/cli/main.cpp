@@ -7,6 +7,7 @@
 #include <iostream>
 #include <map>
 
+#include "automation/apartment.h"
 #include "automation/error.h"
 #include "cli/commands.h"
 #include "cli/interruption.h"
@@ -100,6 +101,7 @@ void AddSearchOptions(CLI::App& verb, cli::SearchOptions& options, bool& json, c
 }  // namespace
 
 int main(int argc, char** argv) {
+  const automation::QuietDisconnections quiet;
   CLI::App app{"qx: search and replace in Visual Basic 6 projects, in code, forms and controls."};
   app.require_subcommand(1);
   bool trace = false;

@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "automation/apartment.h"
 #include "automation/error.h"
 #include "host/register.h"
 #include "ide/server/server.h"
@@ -16,6 +17,7 @@
 #include "special/qxvb60.h"
 
 int main(int argc, char** argv) {
+  const automation::QuietDisconnections quiet;
   CLI::App app{"qxvb6: the headless VB6 IDE over a project's files."};
   app.require_subcommand(0, 1);
   int codePage = 0;
