@@ -71,10 +71,11 @@ class ComponentObject : public automation::Object {
   // Tears down and releases what a class holds besides its procedures (its controls), on the
   // way back to mode 0, right after the procedures.
   virtual void ReleaseParts() {}
+  // The only code that changes the mode, the component and the parts. A class calls it where
+  // a member of its own passes through the modes (a DHTML page's HTML written between 0 and 2).
+  void SetMode(int32_t mode);
 
  private:
-  // The only code that changes the mode, the component and the parts.
-  void SetMode(int32_t mode);
   // Back to idle: procedures and parts torn down, the component saved if it changed, its
   // designer window closed, the component released. With `ignoreErrors`, each step's failure
   // is ignored and the next step runs.

@@ -25,6 +25,21 @@ class VBComponent {
   std::string Name() const { return d_.Get("Name").ToString(); }
   void SetName(const std::string& name) const { d_.Put("Name", name); }
   ObjectRef CodeModule() const { return d_.Get("CodeModule").ToObject(); }
+  // The designer's own object (Nothing for modules and classes).
+  ObjectRef Designer() const { return d_.Get("Designer").ToObject(); }
+
+ private:
+  automation::Dispatch d_;
+};
+
+// The DHTML page designer's object (VBComponent.Designer of a DHTML page), seen through the
+// designer's own interface: its third member is the full path of the file that holds the page's
+// HTML, empty when the designer names none.
+class DHTMLPageDesigner {
+ public:
+  explicit DHTMLPageDesigner(ObjectRef object) : d_(std::move(object), "IDHTMLPageDesigner") {}
+
+  std::string PageFile() const { return d_.Get("PageFile").ToString(); }
 
  private:
   automation::Dispatch d_;

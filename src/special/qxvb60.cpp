@@ -9,6 +9,7 @@
 #include "project/add_in_register.h"
 #include "project/dispatcher.h"
 #include "project/register.h"
+#include "special/dhtml_page.h"
 #include "special/user_connection.h"
 
 namespace special {
@@ -16,6 +17,7 @@ namespace {
 
 // This layer's component objects, for the dispatcher.
 void RegisterSpecialClasses() {
+  project::RegisterComponentClass("DHTMLPage", [] { return std::make_shared<DHTMLPage>(); });
   project::RegisterComponentClass("UserConnection",
                                   [] { return std::make_shared<UserConnection>(); });
 }

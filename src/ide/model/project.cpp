@@ -1,15 +1,22 @@
 #include "ide/model/project.h"
 
+#include <unistd.h>
+
+#include <atomic>
 #include <filesystem>
+#include <string>
+#include <system_error>
 #include <utility>
 
 #include "automation/casefold.h"
 #include "ide/form/companion.h"
 #include "ide/model/designer_id.h"
+#include "ide/model/designer_page.h"
 #include "ide/model/safe_save.h"
 #include "platform/codepage.h"
 #include "platform/codepage_detect.h"
 #include "platform/files.h"
+#include "platform/home.h"
 #include "platform/paths.h"
 
 namespace ide {
@@ -43,6 +50,12 @@ bool IsValidName(std::string_view name) {
 }
 
 }  // namespace
+
+std::string ResolvePath(std::string_view folder, std::string_view path) {
+  std::string joined = IsAbsoluteWindowsPath(path) ? std::string(path)
+                                                   : std::string(folder) + "/" + std::string(path);
+  return platform::ToNative(joined).string();
+}
 
 namespace {
 std::uint64_t servedCall = 0;  // 0: not serving a call
@@ -137,6 +150,19 @@ std::string Component::DesignerID() {
   return DesignerIdOf(File());
 }
 
+DesignerPage* Component::Page() {
+  if (!page_ && Kind() == FileKind::kDesigner) page_ = std::make_unique<DesignerPage>(*this);
+  return page_.get();
+}
+
+void Component::ClosePage() {
+  page_.reset();
+}
+
+void Component::TakePageChanges() {
+  if (page_) page_->TakeChanges();
+}
+
 form::CompanionStore* Component::Companion() {
   File();
   return companion_.get();
@@ -153,6 +179,7 @@ form::FormContext Component::Form() {
 }
 
 void Component::Save() {
+  TakePageChanges();
   ComponentFile& file = File();
   form::Description* description = file.Description();
   if (companion_ == nullptr || description == nullptr) {
@@ -214,6 +241,7 @@ void Component::SaveAs(std::string_view path) {
     Save();
     return;
   }
+  TakePageChanges();
   form::Description* description = file.Description();
   if (companion_ == nullptr || description == nullptr) {
     std::string bytes = file.Render();
@@ -282,15 +310,36 @@ std::unique_ptr<Project> Project::Open(std::string_view path, const platform::Co
   std::string folder = native.parent_path().string();
   const auto& entries = project->file_->Entries();
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    const std::string& relative = entries[i].path;
-    std::string joined = IsAbsoluteWindowsPath(relative) ? relative : folder + "/" + relative;
     project->components_.push_back(
-        std::make_unique<Component>(*project, i, platform::ToNative(joined).string()));
+        std::make_unique<Component>(*project, i, ResolvePath(folder, entries[i].path)));
   }
   return project;
 }
 
-Project::~Project() = default;
+Project::~Project() {
+  ClosePages();
+}
+
+void Project::ClosePages() {
+  for (auto& component : components_)
+    component->ClosePage();
+  if (!pageFolder_.empty()) {
+    std::error_code ignored;
+    fs::remove(pageFolder_, ignored);  // only when empty: a page not taken in stays
+    pageFolder_.clear();
+  }
+}
+
+const fs::path& Project::PageFolder() {
+  if (pageFolder_.empty()) {
+    static std::atomic<int> opened{0};
+    fs::path folder = platform::QxHome() / "pages" /
+                      (std::to_string(::getpid()) + "-" + std::to_string(++opened));
+    fs::create_directories(folder);
+    pageFolder_ = std::move(folder);
+  }
+  return pageFolder_;
+}
 
 Component* Project::Find(std::string_view name) {
   const std::string key = automation::VbNameKey(name);

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -25,7 +26,12 @@ class CodePage;
 
 namespace ide {
 
+class DesignerPage;
 class Project;
+
+// A path as a project or component file names it (Windows-style, relative or absolute),
+// resolved against a folder: the Linux path of the file.
+std::string ResolvePath(std::string_view folder, std::string_view path);
 
 // Looking whether a component's file changed on disk costs a call to the file system, and one
 // call that the IDE serves (a scan) uses a component's file thousands of times. The server
@@ -78,14 +84,24 @@ class Component {
   // code page, the companion. Raises the load error; a module or class has no description (5).
   form::FormContext Form();
 
+  // The file that holds a DHTML page designer's page (designer_page.h); null for the other
+  // components.
+  DesignerPage* Page();
+  // Takes into the .dsx a change made to the file of a DHTML page kept inside its designer
+  // (nothing for the other components).
+  void TakePageChanges();
+
+  // Lets the page file go (see ~DesignerPage).
+  void ClosePage();
+
   bool IsDirty() const {
     return file_ && (file_->IsDirty() || (companion_ && companion_->HasChanges()));
   }
-  // Writes the file (see SaveOver for what is refused) and, when one of its records changed,
-  // the companion, its references in the file renumbered. Both files are checked (read-only,
-  // changed on disk) before either is written; the companion is written first, then the file,
-  // and when writing the file fails the companion is put back as it was, so that the file on
-  // disk never references records that are not there.
+  // Writes the file (see SaveOver for what is refused), a DHTML page's changed page taken in
+  // first, and, when one of its records changed, the companion, its references in the file
+  // renumbered. Both files are checked (read-only, changed on disk) before either is written; the
+  // companion is written first, then the file, and when writing the file fails the companion is put
+  // back as it was, so that the file on disk never references records that are not there.
   void Save();
   // Writes the file under another name, which becomes the component's file. A file with a
   // companion gets one beside it under its new name ("Copy.frm" and "Copy.frx"), written first,
@@ -100,8 +116,9 @@ class Component {
   std::unique_ptr<form::CompanionStore> companion_;  // with file_, for kinds that have one
   std::optional<automation::Error> loadError_;
   std::optional<platform::FileStamp> loadedStamp_;  // of the file when it was last read
-  std::uint64_t lookedInCall_ = 0;  // the served call in which the file was last looked at
   uint64_t reads_ = 0;
+  std::uint64_t lookedInCall_ = 0;      // the served call in which the file was last looked at
+  std::unique_ptr<DesignerPage> page_;  // last: it takes its changes in while the rest is alive
 };
 
 class Project {
@@ -136,6 +153,14 @@ class Project {
   // Writes the project file when it needs writing; otherwise leaves it untouched.
   void Save();
 
+  // The folder of this process for the files that hold the pages of the project's DHTML pages
+  // kept inside their designers: under the qx home, made on first use, removed (when empty)
+  // with the project.
+  const std::filesystem::path& PageFolder();
+  // Lets every page file go, a change still in one taken in first, and removes the folder when
+  // nothing is left in it: the project leaves the IDE. A page asked for later is written anew.
+  void ClosePages();
+
  private:
   friend class Component;
   Project() = default;
@@ -144,6 +169,7 @@ class Project {
   const platform::CodePage* codePage_ = nullptr;
   std::unique_ptr<ProjectFile> file_;
   std::optional<platform::FileStamp> stamp_;  // of the project file when read or saved
+  std::filesystem::path pageFolder_;
   std::vector<std::unique_ptr<Component>> components_;
   // Where Find saw each name (VbNameKey), so that a look-up does not read every name before
   // it; a hint is used only after checking that the component still has that name. Find has

@@ -6,6 +6,7 @@
 #include "automation/error.h"
 #include "ide/model/project.h"
 #include "ide/vbide/code_module.h"
+#include "ide/vbide/designer_object.h"
 #include "ide/vbide/make.h"
 #include "ide/vbide/properties.h"
 #include "ide/vbide/vbcomponents.h"
@@ -97,9 +98,9 @@ automation::ObjectRef VBComponent::Designer() {
     case FileKind::kClass:
       return nullptr;
     case FileKind::kDesigner:
-      // The ActiveX designers (.dsr) have objects of their own, which come here; until then a
-      // designer answers Nothing, as a component without a designer does.
-      return nullptr;
+      // The ActiveX designers (.dsr) have objects of their own (designer_object.h).
+      if (!activeXDesigner_) activeXDesigner_ = MakeActiveXDesigner(*this, model_, *component_);
+      return activeXDesigner_;
     case FileKind::kForm:
     case FileKind::kUserControl:
     case FileKind::kPropertyPage:
@@ -216,6 +217,7 @@ void VBComponent::TearDown() {
   if (designerWindow_) designerWindow_->TearDown();
   code_.reset();
   designer_.reset();
+  activeXDesigner_.reset();
   designerWindow_.reset();
   properties_.reset();
   collection_.reset();

@@ -50,8 +50,9 @@ class VBComponent : public automation::Object {
   // VB's naming rules; 380 for an invalid name or one another component has.
   void SetName(const std::string& name);
   // The designer: for forms, MDI forms, user controls, property pages and user documents a
-  // VBForm over the form description (the same object each time); Nothing for modules and
-  // classes, which have none. Raises the file's load error.
+  // VBForm over the form description, for ActiveX designers (.dsr) their own object
+  // (designer_object.h), the same object each time; Nothing for modules and classes, which
+  // have none. Raises the file's load error.
   automation::ObjectRef Designer();
   std::shared_ptr<vbide::CodeModule> CodeModule();
   // vbext_ComponentType: 1, 2, 5, 6, 7, 8, 9 or 11.
@@ -85,6 +86,7 @@ class VBComponent : public automation::Object {
   ide::Component* component_;
   std::shared_ptr<vbide::CodeModule> code_;
   std::shared_ptr<VBForm> designer_;
+  automation::ObjectRef activeXDesigner_;  // of a .dsr
   std::shared_ptr<Window> designerWindow_;
   std::shared_ptr<vbide::Properties> properties_;
   bool markedDirty_ = false;  // IsDirty was set to True

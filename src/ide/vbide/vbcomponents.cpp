@@ -26,20 +26,29 @@ const automation::ClassInfo& VBComponents::Class() const {
 }
 
 std::shared_ptr<VBComponent> VBComponents::Item(const automation::Variant& index) {
+  std::shared_ptr<VBComponent> found;
   if (index.IsString()) {
     // The model compares names as VB does and raises 9 for a name it does not know.
     ide::Component& wanted = project_->Model().Item(index.ToString());
     for (const auto& component : items_) {
-      if (&component->Model() == &wanted) return component;
+      if (&component->Model() == &wanted) found = component;
     }
-    automation::Raise(automation::err::kSubscript,
-                      "no component named \"" + index.ToString() + "\"");
+    if (!found) {
+      automation::Raise(automation::err::kSubscript,
+                        "no component named \"" + index.ToString() + "\"");
+    }
+  } else {
+    const int32_t number = index.ToLong();
+    if (number < 1 || number > Count()) {
+      automation::Raise(automation::err::kSubscript,
+                        "no component number " + std::to_string(number));
+    }
+    found = items_[number - 1];
   }
-  const int32_t number = index.ToLong();
-  if (number < 1 || number > Count()) {
-    automation::Raise(automation::err::kSubscript, "no component number " + std::to_string(number));
-  }
-  return items_[number - 1];
+  // A DHTML page written through its designer's file while the component was let go is taken
+  // into its .dsx as it is fetched again.
+  found->Model().TakePageChanges();
+  return found;
 }
 
 std::shared_ptr<VBE> VBComponents::Vbe() const {

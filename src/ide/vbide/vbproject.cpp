@@ -54,6 +54,8 @@ void VBProject::CreateComponents() {
 
 void VBProject::TearDown() {
   if (components_) components_->TearDown();
+  // The project leaves the IDE: the files of its pages go (their changes taken in).
+  if (model_) model_->ClosePages();
   components_.reset();
   collection_.reset();
   vbe_.reset();
