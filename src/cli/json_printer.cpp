@@ -87,14 +87,20 @@ class JsonPrinter : public Printer {
       for (const SearchHit::Submatch& sub : hit.submatches)
         submatches.push_back(
             {{"match", {{"text", sub.text}}}, {"start", sub.start}, {"end", sub.end}});
-      json data = {{"path", path},
-                   {"lines", {{"text", hit.text + (hit.lineEnd.empty() ? "" : "\n")}}},
-                   {"line_number", hit.line == 0 ? json(nullptr) : json(hit.line)},
-                   {"absolute_offset", hit.offset},
-                   {"submatches", submatches},
-                   {"collection", hit.collection},
-                   {"component", hit.component},
-                   {"procedure", hit.procedure.empty() ? json(nullptr) : json(hit.procedure)}};
+      json data = {
+          {"path", path},
+          {"lines", {{"text", hit.text + (hit.lineEnd.empty() ? "" : "\n")}}},
+          {"line_number", hit.line == 0 ? json(nullptr) : json(hit.line)},
+          {"absolute_offset", hit.offset},
+          {"submatches", submatches},
+          {"collection", hit.collection},
+          {"component", hit.component},
+          {"procedure",
+           hit.procedure.empty() || !hit.property.empty() ? json(nullptr) : json(hit.procedure)}};
+      if (!hit.property.empty()) {
+        data["control"] = hit.control.empty() ? json(nullptr) : json(hit.control);
+        data["property"] = hit.property;
+      }
       printed += Write({{"type", "match"}, {"data", data}});
     }
     json stats = Stats(file.seconds, 1, file.hits.empty() ? 0 : 1, file.bytes, printed,

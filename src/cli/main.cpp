@@ -55,7 +55,8 @@ void AddSearchOptions(CLI::App& verb, cli::SearchOptions& options, bool& json, c
       "-S,--smart-case", [&options] { options.caseChoice = cli::CaseChoice::Smart; },
       "Ignore letter case unless a pattern has an upper-case letter");
   verb.add_flag("-w,--word-regexp", options.wordRegexp, "Match whole words only");
-  verb.add_option("--in", options.scope, "Where to look: code, names (default both)")
+  verb.add_option("--in", options.scope,
+                  "Where to look: code, names, properties, html (default all)")
       ->delimiter(',')
       ->allow_extra_args(false);
   verb.add_option("--kind", options.kinds, "Only these kinds of component (Forms, Modules, ...)")

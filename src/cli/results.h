@@ -41,7 +41,10 @@ struct Problem {
 struct SearchHit {
   std::string collection;  // "Modules"
   std::string component;   // "Module1"
-  std::string procedure;   // "<declarations>", "Foo", "Value.Get"; empty for the name
+  std::string procedure;   // "<declarations>", "Foo", "Value.Get"; empty for the name; for a
+                           // property, its place ("Option1(2).Caption")
+  std::string control;     // a property's control ("Option1(2)"), "" for the component's own
+  std::string property;    // a property's member ("Caption"), else ""
   size_t line = 0;         // 1-based in the file; 0 when the place was not found in the file
   std::string text;        // the line, UTF-8, without its line end
   std::string lineEnd;     // the line end in the file

@@ -1,6 +1,7 @@
 #include "cli/scan_results.h"
 
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "automation/casefold.h"
 #include "automation/error.h"
@@ -20,6 +21,10 @@ ScanPlace PlaceOf(const json& value) {
   ScanPlace place;
   place.kind = value.at("kind").get<std::string>();
   place.name = value.at("name").get<std::string>();
+  if (value.contains("control") && value["control"].is_string())
+    place.control = value["control"].get<std::string>();
+  if (value.contains("property") && value["property"].is_string())
+    place.property = value["property"].get<std::string>();
   place.text = value.value("text", std::string());
   for (const json& m : value.at("matches")) {
     place.matches.push_back({m.at("line").get<size_t>(), m.at("start").get<size_t>(),
@@ -76,6 +81,72 @@ bool FindNameLine(const std::vector<FileLine>& lines, size_t& line, size_t& colu
     return true;
   }
   return false;
+}
+
+std::string_view Trimmed(std::string_view text) {
+  const size_t first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+// "Begin VB.CommandButton cmdOK" -> "cmdOK"; "" for other lines.
+std::string_view BeginName(std::string_view line) {
+  line = Trimmed(line);
+  if (line.size() < 6 || !automation::EqualsAsciiNoCase(line.substr(0, 6), "Begin ")) return {};
+  const size_t space = line.find_last_of(" \t");
+  return line.substr(space + 1);
+}
+
+bool IsEnd(std::string_view line) {
+  return automation::EqualsAsciiNoCase(Trimmed(line), "End");
+}
+
+// The key of a "Key = value" line, or "".
+std::string_view KeyOf(std::string_view line) {
+  const size_t equals = line.find('=');
+  return equals == std::string_view::npos ? std::string_view() : Trimmed(line.substr(0, equals));
+}
+
+// The line of an object's property in the form description: the object's Begin line (the
+// first at depth 0 for the component; for a control, its name and, in a control array, its
+// "Index = n" line), then its own "Property = ..." line (not those of nested objects or property
+// groups). The Begin line when the property has no line; nullopt when the object is not found.
+std::optional<size_t> FindPropertyLine(const std::vector<FileLine>& lines,
+                                       const std::string& control, const std::string& property) {
+  std::string_view name = control;
+  std::string index;
+  if (const size_t open = name.find('('); open != std::string_view::npos) {
+    index = std::string(name.substr(open + 1, name.size() - open - 2));
+    name = name.substr(0, open);
+  }
+  for (size_t begin = 0; begin < lines.size(); ++begin) {
+    const std::string_view beginName = BeginName(lines[begin].text);
+    if (beginName.empty()) continue;
+    if (!control.empty() && !automation::EqualsAsciiNoCase(beginName, name)) continue;
+    std::optional<size_t> found;
+    bool indexMatches = index.empty();
+    int depth = 0;
+    for (size_t i = begin + 1; i < lines.size(); ++i) {
+      const std::string_view text = lines[i].text;
+      if (IsEnd(text) || automation::EqualsAsciiNoCase(Trimmed(text), "EndProperty")) {
+        if (depth-- == 0) break;
+        continue;
+      }
+      const std::string_view trimmed = Trimmed(text);
+      if (!BeginName(text).empty() ||
+          automation::EqualsAsciiNoCase(trimmed.substr(0, 13), "BeginProperty")) {
+        ++depth;
+        continue;
+      }
+      if (depth != 0) continue;
+      const std::string_view key = KeyOf(text);
+      if (!found && automation::EqualsAsciiNoCase(key, property)) found = i;
+      if (!index.empty() && automation::EqualsAsciiNoCase(key, "Index"))
+        indexMatches = Trimmed(text.substr(text.find('=') + 1)) == index;
+    }
+    if (indexMatches) return found ? *found : begin;
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -142,6 +213,19 @@ std::vector<std::vector<FilePlace>> MapToFile(const std::vector<FileLine>& lines
       for (const ScanMatch& m : place.matches) {
         located.push_back(found ? FilePlace{line + 1, column + m.start, column + m.end}
                                 : FilePlace{0, m.start, m.end});
+      }
+    } else if (!place.property.empty() && place.kind != "html") {
+      // The value's matches within the property's line when the value stands there as read;
+      // else (a list, a value in the companion, a default) at their bytes within the value.
+      const std::optional<size_t> line = FindPropertyLine(lines, place.control, place.property);
+      for (const ScanMatch& m : place.matches) {
+        size_t column = std::string::npos;
+        if (line && m.line == 1 && place.text.find_first_of("\r\n") == std::string::npos)
+          column = lines[*line].text.find(place.text, lines[*line].text.find('=') + 1);
+        located.push_back(!line ? FilePlace{0, m.start, m.end}
+                          : column == std::string::npos
+                              ? FilePlace{*line + 1, m.start, m.end}
+                              : FilePlace{*line + 1, column + m.start, column + m.end});
       }
     } else {
       const std::vector<std::string_view> text = TextLines(place.text);

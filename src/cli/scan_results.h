@@ -24,9 +24,11 @@ struct ScanMatch {
 };
 
 struct ScanPlace {
-  std::string kind;  // "procedure" or "name"
-  std::string name;  // "<declarations>", "Foo", "Value.Get"; for a name, the component's name
-  std::string text;  // as read, lines joined by CR LF
+  std::string kind;      // "procedure", "name", "property", "list", "controlName" or "html"
+  std::string name;      // "<declarations>", "Foo", "Value.Get"; for a name, the component's name
+  std::string control;   // a control's place: the control ("Option1(2)"), else ""
+  std::string property;  // a property's place: the member ("Caption", "List", "Name", "HTML")
+  std::string text;      // as read, lines joined by CR LF
   std::vector<ScanMatch> matches;
   std::optional<std::string> replacement;  // the whole new text
   bool written = false;
@@ -66,7 +68,10 @@ struct FilePlace {
 // Finds each place's text among the file's lines and gives every match of the place its line
 // in the file, in the order of the place's matches. Places come in file order; hidden member
 // "Attribute" lines between a procedure's lines are skipped. A name's matches lie in the file's
-// "Attribute VB_Name" line.
+// "Attribute VB_Name" line. A property's matches lie in the line that sets it in the object's
+// block of the form description ("Caption = ..."; for a value kept in the binary companion, the
+// line that refers to it); a property left at its default has no line of its own, and its
+// matches are given the object's Begin line.
 std::vector<std::vector<FilePlace>> MapToFile(const std::vector<FileLine>& lines,
                                               const std::vector<ScanPlace>& places);
 

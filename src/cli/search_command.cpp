@@ -334,6 +334,8 @@ class Run {
           fresh.collection = scan.collection;
           fresh.component = scan.component;
           fresh.procedure = procedure;
+          fresh.control = place.control;
+          fresh.property = place.property;
           fresh.line = at.line;
           if (at.line != 0) {
             fresh.text = lines[at.line - 1].text;

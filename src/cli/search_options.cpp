@@ -40,18 +40,20 @@ std::string_view CaseName(CaseChoice choice) {
 }  // namespace
 
 const std::vector<std::string>& ScopeNames() {
-  static const std::vector<std::string> names = {"code", "names"};
+  static const std::vector<std::string> names = {"code", "names", "properties", "html"};
   return names;
 }
 
 void ValidateSearchOptions(SearchOptions& options) {
-  if (options.scope.empty()) InvalidArgument("--in needs at least one of: code, names");
+  if (options.scope.empty())
+    InvalidArgument("--in needs at least one of: code, names, properties, html");
   for (const std::string& scope : options.scope) {
     bool known = false;
     for (const std::string& name : ScopeNames())
       known = known || name == scope;
     if (!known)
-      InvalidArgument("--in: unknown place \"" + scope + "\"; the places are code, names");
+      InvalidArgument("--in: unknown place \"" + scope +
+                      "\"; the places are code, names, properties, html");
   }
   for (std::string& kind : options.kinds) {
     bool known = false;

@@ -26,11 +26,11 @@ struct SearchOptions {
   std::vector<std::string> patterns;  // -e, or the first positional argument
   bool literal = false;               // -F
   CaseChoice caseChoice = CaseChoice::Sensitive;
-  bool wordRegexp = false;                             // -w
-  std::vector<std::string> scope = {"code", "names"};  // --in
-  std::vector<std::string> kinds;                      // --kind; empty: every kind
-  std::string componentGlob;                           // --component; empty: any
-  std::vector<std::string> paths;                      // none: the current folder
+  bool wordRegexp = false;                                                   // -w
+  std::vector<std::string> scope = {"code", "names", "properties", "html"};  // --in
+  std::vector<std::string> kinds;  // --kind; empty: every kind
+  std::string componentGlob;       // --component; empty: any
+  std::vector<std::string> paths;  // none: the current folder
   SearchStyle style = SearchStyle::Grouped;
   ColorChoice color = ColorChoice::Auto;
   bool json = false;

@@ -76,8 +76,8 @@ TEST(SearchOptions, BadKindsScopesPatternsAndReplacementsStopTheRun) {
   EXPECT_EQ(options.kinds[0], "Modules");
   EXPECT_EQ(cli::BuildRequest(options),
             R"j({"patterns":["(a)"],"literal":false,"case":"sensitive","wordRegexp":false,)j"
-            R"("replacement":"${1}x","write":true,"scope":["code","names"]})");
-  options.scope = {"code", "html"};
+            R"("replacement":"${1}x","write":true,"scope":["code","names","properties","html"]})");
+  options.scope = {"code", "htm"};
   EXPECT_THROW(cli::ValidateSearchOptions(options), automation::Error);
   options.componentGlob = "frm*";
   EXPECT_TRUE(cli::ComponentSelected(options, "FrmMain"));
@@ -156,6 +156,42 @@ TEST(ScanResults, AProcedureTextsFirstLineFoundAfterThePreviousPlace) {
   EXPECT_EQ(at[1][0].line, 3u);
   places[0].text = "Sub Z()";
   EXPECT_EQ(cli::MapToFile(lines, places)[0][0].line, 0u);
+}
+
+// A property's matches lie in the line that sets it in its object's block: the form's own
+// (not a nested control's or font group's), a control array member's by its Index, the Begin
+// line for a value left at its default.
+TEST(ScanResults, APropertysMatchesLieInItsLineOfTheDescription) {
+  const std::vector<cli::FileLine> lines = cli::SplitFileLines(
+      "VERSION 5.00\r\nBegin VB.Form frmMain \r\n   Caption = \"Stock\"\r\n"
+      "   BeginProperty Font \r\n      Name = \"Arial\"\r\n   EndProperty\r\n"
+      "   Begin VB.OptionButton Option1 \r\n      Caption = \"In stock\"\r\n"
+      "      Index = 1\r\n   End\r\n   Begin VB.OptionButton Option1 \r\n"
+      "      Caption = \"In stock\"\r\n      Index = 2\r\n   End\r\n"
+      "   Tag = \"stock\"\r\nEnd\r\n");
+  const std::vector<cli::ScanPlace> places = cli::ParseScanResults(R"js([{
+      "collection": "Forms", "component": "frmMain", "places": [
+        {"kind": "property", "name": "Caption", "control": null, "property": "Caption",
+         "text": "Stock", "matches": [{"line": 1, "start": 0, "end": 5, "text": "Stock"}]},
+        {"kind": "property", "name": "Tag", "control": null, "property": "Tag",
+         "text": "stock", "matches": [{"line": 1, "start": 0, "end": 5, "text": "stock"}]},
+        {"kind": "property", "name": "Option1(2).Caption", "control": "Option1(2)",
+         "property": "Caption", "text": "In stock",
+         "matches": [{"line": 1, "start": 3, "end": 8, "text": "stock"}]
+},
+        {"kind": "property", "name": "Option1(1).Tag", "control": "Option1(1)",
+         "property": "Tag", "text": "x", "matches": [{"line": 1, "start": 0, "end": 1, "text": "x"}]}
+      ]}])js")[0]
+                                                 .places;
+  EXPECT_EQ(places[2].control, "Option1(2)");
+  EXPECT_EQ(places[2].property, "Caption");
+  const auto at = cli::MapToFile(lines, places);
+  EXPECT_EQ(at[0][0].line, 3u);
+  EXPECT_EQ(at[0][0].start, 14u);
+  EXPECT_EQ(at[1][0].line, 15u);
+  EXPECT_EQ(at[2][0].line, 12u);
+  EXPECT_EQ(at[2][0].start, 20u);
+  EXPECT_EQ(at[3][0].line, 7u);
 }
 
 std::vector<cli::DiffLine> Lines(std::initializer_list<const char*> texts) {

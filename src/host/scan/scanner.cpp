@@ -39,12 +39,12 @@ class Walk {
   void Run(json& result) {
     places_ = json::array();
     problems_ = json::array();
-    const PlaceSink sink{[this](Place place) { Look(std::move(place)); },
-                         [this](const automation::Error& error, const std::string& where) {
-                           Problem(error, where);
-                         }};
+    const PlaceSink sink{
+        [this](Place place) { Look(std::move(place)); },
+        [this](const automation::Error& error, const std::string& where) { Problem(error, where); },
+        [this](std::string_view scope) { return request_.Wants(scope); }};
     for (const PlaceKind& kind : PlaceKinds()) {
-      if (!request_.Wants(kind.scope)) continue;
+      if (!kind.scope.empty() && !request_.Wants(kind.scope)) continue;
       try {
         kind.enumerate(component_, sink);
       } catch (const automation::Error& error) {
@@ -97,10 +97,16 @@ class Walk {
     }
     if (matches.empty()) return;
 
-    json entry{{"kind", place.kind},     {"name", place.name},
-               {"text", text},           {"matches", std::move(matches)},
-               {"replacement", nullptr}, {"written", false},
-               {"error", nullptr}};
+    json entry{{"kind", place.kind}, {"name", place.name}};
+    if (place.kind != "procedure" && place.kind != "name") {
+      entry["control"] = place.control.empty() ? json(nullptr) : json(place.control);
+      entry["property"] = place.property;
+    }
+    entry.update(json{{"text", text},
+                      {"matches", std::move(matches)},
+                      {"replacement", nullptr},
+                      {"written", false},
+                      {"error", nullptr}});
     if (replacement_) {
       std::string replaced;
       ReplaceAll(matcher_, text, *replacement_, replaced);
@@ -115,6 +121,15 @@ class Walk {
   // Switches the component to writing once, then writes each change; a refused switch is the
   // error of every change, a failed write the error of its own place.
   void WriteChanges() {
+    // A read-only place (a user connection's setting) is searched but never written.
+    std::erase_if(changes_, [this](const Change& change) {
+      if (change.place.writable) return false;
+      places_[change.entry]["error"] =
+          ErrorJson(automation::Error(automation::err::kReadOnlyProperty, "Scanner",
+                                      "The property " + change.place.property +
+                                          " is read-only: it is searched, not replaced."));
+      return true;
+    });
     if (changes_.empty()) return;
     try {
       Dispatch(component_, "IObject").Call("SetMode", kWritingMode);

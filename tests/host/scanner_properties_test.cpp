@@ -1,0 +1,252 @@
+// The Scanner over a designed component's properties and controls, through stand-ins that
+// declare their members as the driver's classes do: typed reads, gated reads refused with
+// "Undefined property.", a List, control names with their array index, a read-only setting.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "automation/error.h"
+#include "automation/object.h"
+#include "host/host_utility.h"
+#include "host/register.h"
+#include "host/scan/scan_buffer.h"
+#include "support/temp_home.h"
+
+namespace {
+
+using automation::Dispatch;
+using automation::ObjectRef;
+using json = nlohmann::json;
+
+constexpr int32_t kUndefinedProperty = -32749;
+constexpr const char* kInvalidName = "Invalid control name syntax.";
+
+// A control: Name (with its index), Caption, Tag, Text (a text box's only: other types refuse
+// it), List (list boxes only), Left (a number, never read for text).
+class StandInControl : public automation::Object {
+ public:
+  StandInControl(std::string name, bool isList) : name_(std::move(name)), isList_(isList) {}
+
+  const automation::ClassInfo& Class() const override {
+    static const automation::ClassInfo info = automation::ClassBuilder<StandInControl>("Control")
+                                                  .Get("Name", &StandInControl::Name)
+                                                  .Put("Name", &StandInControl::SetName)
+                                                  .Get("Caption", &StandInControl::Caption)
+                                                  .Put("Caption", &StandInControl::SetCaption)
+                                                  .Get("Left", &StandInControl::Left)
+                                                  .Get("List", &StandInControl::List)
+                                                  .Put("List", &StandInControl::SetList)
+                                                  .Get("Tag", &StandInControl::Tag)
+                                                  .Put("Tag", &StandInControl::SetTag)
+                                                  .Get("Text", &StandInControl::Text)
+                                                  .Build();
+    return info;
+  }
+
+  std::string Name() const { return name_; }
+  void SetName(std::string name) {
+    if (name.find(' ') != std::string::npos) automation::RaiseMessage(380, kInvalidName);
+    name_ = std::move(name);
+  }
+  std::string Caption() {
+    ++reads["Caption"];
+    if (isList_) automation::RaiseMessage(kUndefinedProperty, "Undefined property.");
+    return caption;
+  }
+  void SetCaption(std::string value) { caption = std::move(value); }
+  float Left() {
+    ++reads["Left"];
+    return 120;
+  }
+  std::string List() {
+    ++reads["List"];
+    if (!isList_) automation::RaiseMessage(kUndefinedProperty, "Undefined property.");
+    return list;
+  }
+  void SetList(std::string value) { list = std::move(value); }
+  std::string Tag() {
+    ++reads["Tag"];
+    return tag;
+  }
+  void SetTag(std::string value) { tag = std::move(value); }
+  std::string Text() { automation::RaiseMessage(kUndefinedProperty, "Undefined property."); }
+
+  std::string caption, list, tag;
+  std::map<std::string, int> reads;
+
+ private:
+  std::string name_;
+  bool isList_;
+};
+
+class StandInControls : public automation::Object {
+ public:
+  const automation::ClassInfo& Class() const override {
+    static const automation::ClassInfo info = automation::ClassBuilder<StandInControls>("Controls")
+                                                  .Get("Count", &StandInControls::Count)
+                                                  .Method("Item", &StandInControls::Item, {"Index"})
+                                                  .Build();
+    return info;
+  }
+  int32_t Count() const { return static_cast<int32_t>(items.size()); }
+  ObjectRef Item(const automation::Variant& index) { return items.at(index.ToLong()); }
+
+  std::vector<std::shared_ptr<StandInControl>> items;
+};
+
+class StandInProcedures : public automation::Object {
+ public:
+  const automation::ClassInfo& Class() const override {
+    static const automation::ClassInfo info =
+        automation::ClassBuilder<StandInProcedures>("Procedures")
+            .Get("Count", &StandInProcedures::Count)
+            .Build();
+    return info;
+  }
+  int32_t Count() const { return 0; }
+};
+
+// A form: Name, Caption, Tag, LinkTopic (read only here, as a user connection's settings are),
+// ScaleWidth, Controls and Procedures; SetMode on IObject.
+class StandInForm : public automation::Object {
+ public:
+  const automation::ClassInfo& Class() const override {
+    static const automation::ClassInfo info =
+        automation::ClassBuilder<StandInForm>("Form")
+            .Get("Name", &StandInForm::Name)
+            .Get("Caption", &StandInForm::Caption)
+            .Put("Caption", &StandInForm::SetCaption)
+            .Get("Controls", &StandInForm::Controls)
+            .Get("LinkTopic", &StandInForm::LinkTopic)
+            .Get("Procedures", &StandInForm::Procedures)
+            .Get("ScaleWidth", &StandInForm::ScaleWidth)
+            .Get("Tag", &StandInForm::Tag)
+            .Put("Tag", &StandInForm::SetTag)
+            .Implements("IObject")
+            .Method("SetMode", &StandInForm::SetMode, {"Mode"})
+            .Build();
+    return info;
+  }
+
+  std::string Name() const { return "frmMain"; }
+  std::string Caption() const { return caption; }
+  void SetCaption(std::string value) { caption = std::move(value); }
+  ObjectRef Controls() const { return controls; }
+  std::string LinkTopic() const { return linkTopic; }
+  ObjectRef Procedures() const { return std::make_shared<StandInProcedures>(); }
+  float ScaleWidth() const { return 4800; }
+  std::string Tag() const { return tag; }
+  void SetTag(std::string value) { tag = std::move(value); }
+  void SetMode(int32_t mode) { modes.push_back(mode); }
+
+  std::shared_ptr<StandInControl> Add(std::string name, bool isList = false) {
+    controls->items.push_back(std::make_shared<StandInControl>(std::move(name), isList));
+    return controls->items.back();
+  }
+
+  std::string caption = "Stock list", tag = "stock", linkTopic = "Stock";
+  std::shared_ptr<StandInControls> controls = std::make_shared<StandInControls>();
+  std::vector<int32_t> modes;
+};
+
+class ScannerPropertiesTest : public ::testing::Test {
+ protected:
+  ScannerPropertiesTest() {
+    host::RegisterClasses();
+    option = form->Add("Option1(2)");
+    option->caption = "In stock";
+    option->tag = "stock option";
+    list = form->Add("lstItems", true);
+    list->list = "Stock A\r\nStock B";
+    list->tag = "Stock";
+  }
+  ~ScannerPropertiesTest() override { utility->RevokeObject(cookie); }
+
+  json Scan(const json& request) {
+    buffer->SetRequest(request.dump());
+    buffer->Clear();
+    Dispatch(automation::CreateObject("qxlib41.Scanner"))
+        .Call("ScanObject", "Inventory", "Forms", "frmMain", true, ObjectRef(form), bufferName);
+    return json::parse(buffer->Results()).at(0);
+  }
+
+  static std::vector<std::string> Names(const json& result) {
+    std::vector<std::string> names;
+    for (const auto& place : result["places"])
+      names.push_back(place["kind"].get<std::string>() + " " + place["name"].get<std::string>());
+    return names;
+  }
+
+  qxtest::TempHome home;
+  std::shared_ptr<host::HostUtility> utility = host::HostUtility::Instance();
+  std::shared_ptr<host::scan::ScanBuffer> buffer = std::make_shared<host::scan::ScanBuffer>();
+  const std::string bufferName = "qx-scan-properties-1";
+  int32_t cookie = utility->RegisterObject(bufferName, buffer);
+  std::shared_ptr<StandInForm> form = std::make_shared<StandInForm>();
+  std::shared_ptr<StandInControl> option;
+  std::shared_ptr<StandInControl> list;
+};
+
+TEST_F(ScannerPropertiesTest, FindsStringPropertiesControlNamesAndListsInFileOrderReadingEachOnce) {
+  const json result = Scan({{"patterns", {"(?i)stock|Option"}}});
+  EXPECT_THAT(Names(result),
+              ::testing::ElementsAre("property Caption", "property LinkTopic", "property Tag",
+                                     "controlName Option1(2)", "property Option1(2).Caption",
+                                     "property Option1(2).Tag", "property lstItems.Tag",
+                                     "list lstItems.List"));
+  // The gated reads refused by the type are no problem; numbers are never read.
+  EXPECT_TRUE(result["problems"].empty()) << result["problems"];
+  EXPECT_EQ(option->reads["Caption"], 1);
+  EXPECT_EQ(option->reads["Tag"], 1);
+  EXPECT_EQ(option->reads.count("Left"), 0U);
+
+  const json& caption = result["places"][4];
+  EXPECT_EQ(caption["control"], "Option1(2)");
+  EXPECT_EQ(caption["property"], "Caption");
+  EXPECT_EQ(caption["matches"], json::parse(R"([{"line": 1, "start": 3, "end": 8,
+                                                "text": "stock"}])"));
+  EXPECT_EQ(result["places"][0]["control"], nullptr);
+  EXPECT_EQ(result["places"][7]["matches"].size(), 2U);
+  EXPECT_EQ(result["places"][7]["matches"][1]["line"], 2);
+}
+
+TEST_F(ScannerPropertiesTest, ScopesSeparatePropertiesFromNames) {
+  EXPECT_THAT(Names(Scan({{"patterns", {"Option"}}, {"scope", {"names"}}})),
+              ::testing::ElementsAre("controlName Option1(2)"));
+  EXPECT_THAT(Names(Scan({{"patterns", {"Option"}}, {"scope", {"code"}}})), ::testing::IsEmpty());
+  EXPECT_EQ(option->reads["Caption"], 0);
+  EXPECT_THAT(Names(Scan({{"patterns", {"In stock"}}, {"scope", {"properties"}}})),
+              ::testing::ElementsAre("property Option1(2).Caption"));
+}
+
+TEST_F(ScannerPropertiesTest, WritesThroughTheSameMembersAndRecordsEachRefusalForItsPlace) {
+  const json result =
+      Scan({{"patterns", {"Stock|Option"}}, {"replacement", "Store Choice"}, {"write", true}});
+  EXPECT_EQ(form->modes, std::vector<int32_t>{2});
+  EXPECT_EQ(form->caption, "Store Choice list");
+  EXPECT_EQ(list->list, "Store Choice A\r\nStore Choice B");
+  // A name with a space is refused by the control; the rest is written.
+  EXPECT_EQ(option->Name(), "Option1(2)");
+  for (const auto& place : result["places"]) {
+    const std::string name = place["name"];
+    if (name == "Option1(2)") {
+      EXPECT_EQ(place["written"], false);
+      EXPECT_EQ(place["error"]["description"], kInvalidName);
+    } else if (name == "LinkTopic") {
+      EXPECT_EQ(place["written"], false);
+      EXPECT_EQ(place["error"]["number"], 383);
+      EXPECT_EQ(form->linkTopic, "Stock");
+    } else {
+      EXPECT_EQ(place["written"], true) << name;
+      EXPECT_EQ(place["error"], nullptr) << name;
+    }
+  }
+}
+
+}  // namespace
