@@ -103,12 +103,14 @@ std::string Procedure::GetText() {
 void Procedure::SetText(const std::string& text) {
   Operation(kClass, "Text", [&] {
     const contracts::CodeModule code(module_);
-    const contracts::KeySet before = contracts::KeySet::New();
-    WalkProcedures(
-        code, [&](const std::string& name, int32_t kind) { before.Add(ProcedureKey(name, kind)); });
     int32_t start = 0;
     int32_t count = 0;
     Region(start, count);
+    // The procedures around the region: the one above it, its own, the one below it.
+    const contracts::KeySet before = contracts::KeySet::New();
+    WalkProceduresAround(
+        code, start - 1, start + count,
+        [&](const std::string& name, int32_t kind) { before.Add(ProcedureKey(name, kind)); });
     const std::string old = code.Lines(start, count);
     code.DeleteLines(start, count);
     const int32_t after = code.CountOfLines();
@@ -129,14 +131,16 @@ void Procedure::SetText(const std::string& text) {
     std::vector<Added> added;
     if (!failure) {
       try {
-        WalkProcedures(code, [&](const std::string& name, int32_t kind) {
-          const int32_t position = before.Find(ProcedureKey(name, kind));
-          if (position != 0) {
-            before.RemoveAt(position);
-          } else {
-            added.push_back({name, kind});
-          }
-        });
+        const int32_t inserted = code.CountOfLines() - after;
+        WalkProceduresAround(code, start - 1, start + inserted,
+                             [&](const std::string& name, int32_t kind) {
+                               const int32_t position = before.Find(ProcedureKey(name, kind));
+                               if (position != 0) {
+                                 before.RemoveAt(position);
+                               } else {
+                                 added.push_back({name, kind});
+                               }
+                             });
         const auto addedCount = static_cast<int32_t>(added.size());
         if (addedCount != before.Count() || addedCount > 2) {
           failure = automation::Error(kListChanged, "", kListChangedMessage);

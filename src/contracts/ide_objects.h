@@ -59,6 +59,10 @@ class CodeModule {
   int32_t ProcStartLine(const std::string& name, int32_t kind) const {
     return d_.GetAt("ProcStartLine", name, kind).ToLong();
   }
+  // The line of the procedure's heading (its first line when continued).
+  int32_t ProcBodyLine(const std::string& name, int32_t kind) const {
+    return d_.GetAt("ProcBodyLine", name, kind).ToLong();
+  }
   int32_t ProcCountLines(const std::string& name, int32_t kind) const {
     return d_.GetAt("ProcCountLines", name, kind).ToLong();
   }

@@ -135,4 +135,28 @@ TEST_F(ProceduresTest, AChangedListOfProceduresIsUndoneAndRefused) {
   EXPECT_EQ(IdeCode("Decl"), "\r\nOption Explicit\r\nPublic Total As Long");
 }
 
+// The check looks at the procedures around the one written; a change next to another procedure
+// or at the end of the module is still caught, and a good write leaves every other name alone.
+TEST_F(ProceduresTest, TheCheckCoversTheMiddleAndTheLastProcedure) {
+  const ObjectRef thing = Open("GetClassModule", "Thing");
+  const std::vector<std::string> names{"<declarations>", "Value.Get", "Value.Let", "Size.Get"};
+  const Dispatch letter = Item(thing, "Value.Let");
+  EXPECT_EQ(Caught([&] { letter.Put("Text", "    mValue = 2"); }).Number(), 5000);
+  const Dispatch size = Item(thing, "Size.Get");
+  EXPECT_EQ(Caught([&] {
+              size.Put(
+                  "Text",
+                  "Public Property Get Size() As Long\r\nEnd Property\r\nSub Extra()\r\nEnd Sub");
+            }).Number(),
+            5000);
+  EXPECT_EQ(Names(thing), names);
+
+  letter.Put("Text",
+             "Public Property Let Value(ByVal NewValue As Long)\r\n    mValue = 3\r\nEnd Property");
+  size.Put("Text", "Public Property Get Size() As Long\r\n    Size = 2\r\nEnd Property");
+  EXPECT_EQ(Names(thing), names);
+  EXPECT_NE(IdeCode("Thing").find("    mValue = 3\r\nEnd Property\r\n\r\nPublic Property Get Size"),
+            std::string::npos);
+}
+
 }  // namespace
