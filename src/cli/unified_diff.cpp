@@ -13,21 +13,30 @@ struct Edit {
   size_t b;  // index in after (Keep, Add)
 };
 
-// Myers' greedy shortest edit script, keeping each round's furthest points to walk back.
-std::vector<Edit> EditScript(const std::vector<DiffLine>& a, const std::vector<DiffLine>& b) {
-  const long n = static_cast<long>(a.size()), m = static_cast<long>(b.size());
-  const long max = n + m, offset = max + 1;
+// Rounds of Myers' search before the edit script is made line by line instead: the search costs
+// time in proportion to the lines times the rounds, and keeps each round to walk back, so a file
+// whose every line changed would take quadratic time and memory.
+constexpr long kMaxRounds = 2000;
+
+// Myers' greedy shortest edit script between a[aFrom, aTo) and b[bFrom, bTo), appended to
+// edits; false (nothing appended) when it needs more than kMaxRounds rounds. Each round keeps
+// only its own diagonals, -d to d.
+bool Myers(const std::vector<DiffLine>& a, long aFrom, long aTo, const std::vector<DiffLine>& b,
+           long bFrom, long bTo, std::vector<Edit>& edits) {
+  const long n = aTo - aFrom, m = bTo - bFrom;
+  const long max = std::min(n + m, kMaxRounds);
+  const long offset = max + 1;
   std::vector<long> v(2 * max + 3, 0);
-  std::vector<std::vector<long>> trace;
+  std::vector<std::vector<long>> trace;  // round d: v[k] for k = -d .. d
   long found = -1;
   for (long d = 0; d <= max && found < 0; ++d) {
-    trace.push_back(v);
+    trace.emplace_back(v.begin() + (offset - d), v.begin() + (offset + d + 1));
     for (long k = -d; k <= d; k += 2) {
       long x = (k == -d || (k != d && v[k - 1 + offset] < v[k + 1 + offset]))
                    ? v[k + 1 + offset]
                    : v[k - 1 + offset] + 1;
       long y = x - k;
-      while (x < n && y < m && a[x] == b[y]) {
+      while (x < n && y < m && a[aFrom + x] == b[bFrom + y]) {
         ++x;
         ++y;
       }
@@ -38,33 +47,75 @@ std::vector<Edit> EditScript(const std::vector<DiffLine>& a, const std::vector<D
       }
     }
   }
-  std::vector<Edit> edits;
+  if (found < 0) return false;
+  std::vector<Edit> script;
+  const auto push = [&](Op op, long x, long y) {
+    script.push_back({op, static_cast<size_t>(aFrom + x), static_cast<size_t>(bFrom + y)});
+  };
   long x = n, y = m;
   for (long d = found; d > 0; --d) {
-    const std::vector<long>& prev = trace[d];
+    const std::vector<long>& prev = trace[d];  // the values at the start of round d: round d-1's
+    const auto at = [&](long k) { return prev[k + d]; };
     const long k = x - y;
-    const bool down = k == -d || (k != d && prev[k - 1 + offset] < prev[k + 1 + offset]);
+    const bool down = k == -d || (k != d && at(k - 1) < at(k + 1));
     const long prevK = down ? k + 1 : k - 1;
-    const long prevX = prev[prevK + offset], prevY = prevX - prevK;
+    const long prevX = at(prevK), prevY = prevX - prevK;
     while (x > prevX && y > prevY) {
       --x;
       --y;
-      edits.push_back({Op::Keep, static_cast<size_t>(x), static_cast<size_t>(y)});
+      push(Op::Keep, x, y);
     }
     if (down) {
       --y;
-      edits.push_back({Op::Add, static_cast<size_t>(x), static_cast<size_t>(y)});
+      push(Op::Add, x, y);
     } else {
       --x;
-      edits.push_back({Op::Remove, static_cast<size_t>(x), static_cast<size_t>(y)});
+      push(Op::Remove, x, y);
     }
   }
   while (x > 0 && y > 0) {
     --x;
     --y;
-    edits.push_back({Op::Keep, static_cast<size_t>(x), static_cast<size_t>(y)});
+    push(Op::Keep, x, y);
   }
-  std::reverse(edits.begin(), edits.end());
+  edits.insert(edits.end(), script.rbegin(), script.rend());
+  return true;
+}
+
+// The edit script: the lines both versions begin and end with are kept; between them, the
+// shortest script when Myers' search finds it within its rounds, otherwise the lines paired in
+// order (equal ones kept, the others replaced), which is what a replace that changes many lines
+// one for one needs anyway.
+std::vector<Edit> EditScript(const std::vector<DiffLine>& a, const std::vector<DiffLine>& b) {
+  std::vector<Edit> edits;
+  size_t head = 0;
+  while (head < a.size() && head < b.size() && a[head] == b[head]) {
+    edits.push_back({Op::Keep, head, head});
+    ++head;
+  }
+  size_t tail = 0;
+  while (tail < a.size() - head && tail < b.size() - head &&
+         a[a.size() - 1 - tail] == b[b.size() - 1 - tail])
+    ++tail;
+  const size_t aTo = a.size() - tail, bTo = b.size() - tail;
+  if (!Myers(a, static_cast<long>(head), static_cast<long>(aTo), b, static_cast<long>(head),
+             static_cast<long>(bTo), edits)) {
+    size_t i = head, j = head;
+    for (; i < aTo && j < bTo; ++i, ++j) {
+      if (a[i] == b[j]) {
+        edits.push_back({Op::Keep, i, j});
+      } else {
+        edits.push_back({Op::Remove, i, j});
+        edits.push_back({Op::Add, i + 1, j});
+      }
+    }
+    for (; i < aTo; ++i)
+      edits.push_back({Op::Remove, i, j});
+    for (; j < bTo; ++j)
+      edits.push_back({Op::Add, i, j});
+  }
+  for (size_t t = 0; t < tail; ++t)
+    edits.push_back({Op::Keep, aTo + t, bTo + t});
   return edits;
 }
 

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -221,6 +222,28 @@ TEST(UnifiedDiff, HunksWithThreeLinesOfContextMergeWhenClose) {
   std::vector<cli::DiffLine> lf = Lines({"a"});
   lf[0].end = "\n";
   EXPECT_EQ(cli::UnifiedDiff("f", Lines({"a"}), lf), "--- f\n+++ f\n@@ -1 +1 @@\n-a\n+a\n");
+}
+
+// A file whose every line changed is paired line by line, not searched for a shortest script
+// (which would take time and memory quadratic in the file); lines added in the middle of a long
+// file still give the smallest hunk.
+TEST(UnifiedDiff, LongFilesStayLinearAndMinimal) {
+  std::vector<cli::DiffLine> before, after;
+  for (int i = 0; i < 5000; ++i) {
+    before.push_back({"line " + std::to_string(i), "\r\n"});
+    after.push_back({"LINE " + std::to_string(i), "\r\n"});
+  }
+  const std::string all = cli::UnifiedDiff("f", before, after);
+  EXPECT_TRUE(all.starts_with("--- f\n+++ f\n@@ -1,5000 +1,5000 @@\n-line 0\n+LINE 0\n"))
+      << all.substr(0, 80);
+  EXPECT_NE(all.find("\n-line 4999\n+LINE 4999\n"), std::string::npos);
+  EXPECT_EQ(std::count(all.begin(), all.end(), '\n'), 3 + 2 * 5000);
+
+  after = before;
+  after.insert(after.begin() + 2500, {{"new", "\r\n"}, {"lines", "\r\n"}});
+  EXPECT_EQ(cli::UnifiedDiff("f", before, after),
+            "--- f\n+++ f\n@@ -2498,6 +2498,8 @@\n line 2497\n line 2498\n line 2499\n+new\n"
+            "+lines\n line 2500\n line 2501\n line 2502\n");
 }
 
 cli::FileMatches Sample() {
