@@ -11,10 +11,13 @@
 // member `Attribute` line. Every third file ends without a final line break, and every fifth
 // class ends with a run of NUL bytes, as some real classes do.
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 namespace qxbench {
 
@@ -36,6 +39,14 @@ struct GeneratorOptions {
   // `rareWord` in its comment line, for searches that match in a known share of procedures.
   std::size_t rareEvery = 0;
   std::string rareWord = "Reconcile";
+  // Forms in each cycle of module, class and forms (with `forms`), and what each form holds:
+  // none or more data-entry controls (labels, text boxes with tool tips, check boxes with tags,
+  // combo boxes whose items are in the form's .frx, command buttons), and its own number of
+  // procedures (0: proceduresPerComponent). Without controls a form has one OK button. With
+  // `rareEvery`, every `rareEvery`-th control's tool tip holds `rareWord` too.
+  std::size_t formsPerCycle = 1;
+  std::size_t controlsPerForm = 0;
+  std::size_t proceduresPerForm = 0;
 };
 
 struct GeneratedProject {
@@ -43,6 +54,8 @@ struct GeneratedProject {
   std::size_t components = 0;
   std::size_t procedures = 0;
   std::size_t lines = 0;  // header and code lines of all component files
+  std::size_t forms = 0;
+  std::size_t controls = 0;  // on all forms
 };
 
 namespace generator_detail {
@@ -126,6 +139,97 @@ inline void Procedure(Writer& w, std::size_t component, std::size_t index, bool 
   }
 }
 
+// A .frx list record: the item count, the longest item's length (at least 3), each item with
+// its length.
+inline void AppendListRecord(std::string& frx, const std::vector<std::string>& items) {
+  auto u16 = [&](std::size_t value) {
+    frx += static_cast<char>(value & 0xFF);
+    frx += static_cast<char>((value >> 8) & 0xFF);
+  };
+  std::size_t width = 3;
+  for (const std::string& item : items)
+    width = std::max(width, item.size());
+  u16(items.size());
+  u16(width);
+  for (const std::string& item : items) {
+    u16(item.size());
+    frx += item;
+  }
+}
+
+// A form's controls in VB6's layout, one of five data-entry kinds by turns; combo box items go
+// into `frx`. `first` numbers the controls across the project, for the rare word.
+inline void Controls(Writer& w, std::string& frx, const std::string& form, std::size_t count,
+                     std::size_t first, std::size_t rareEvery, const std::string& rareWord) {
+  for (std::size_t c = 0; c < count; ++c) {
+    const std::string n = std::to_string(c);
+    const std::string top = std::to_string(120 + 360 * (c / 5));
+    const std::string left = std::to_string(120 + 1800 * (c % 5));
+    const bool rare = rareEvery != 0 && (first + c) % rareEvery == 0;
+    const std::string tip = rare ? "Press to " + rareWord + " field " + n : "Field " + n;
+    switch (c % 5) {
+      case 0:
+        w.Line("   Begin VB.Label lblField" + n + " ");
+        w.Line("      Caption         =   \"Field " + n + ":\"");
+        w.Line("      Height          =   255");
+        w.Line("      Left            =   " + left);
+        w.Line("      TabIndex        =   " + n);
+        w.Line("      ToolTipText     =   \"" + tip + "\"");
+        w.Line("      Top             =   " + top);
+        w.Line("      Width           =   1575");
+        break;
+      case 1:
+        w.Line("   Begin VB.TextBox txtField" + n + " ");
+        w.Line("      Height          =   285");
+        w.Line("      Left            =   " + left);
+        w.Line("      TabIndex        =   " + n);
+        w.Line("      Text            =   \"value " + n + "\"");
+        w.Line("      ToolTipText     =   \"" + tip + "\"");
+        w.Line("      Top             =   " + top);
+        w.Line("      Width           =   1575");
+        break;
+      case 2:
+        w.Line("   Begin VB.CheckBox chkOption" + n + " ");
+        w.Line("      Caption         =   \"Option " + n + "\"");
+        w.Line("      Height          =   255");
+        w.Line("      Left            =   " + left);
+        w.Line("      TabIndex        =   " + n);
+        w.Line("      Tag             =   \"option-" + n + "\"");
+        w.Line("      ToolTipText     =   \"" + tip + "\"");
+        w.Line("      Top             =   " + top);
+        w.Line("      Value           =   1  'Checked");
+        w.Line("      Width           =   1575");
+        break;
+      case 3: {
+        char offset[8];
+        std::snprintf(offset, sizeof offset, "%04zX", frx.size());
+        AppendListRecord(frx, {"Choice A" + n, "Choice B" + n, "Choice C" + n});
+        w.Line("   Begin VB.ComboBox cboChoice" + n + " ");
+        w.Line("      Height          =   315");
+        w.Line("      Left            =   " + left);
+        w.Line("      List            =   \"" + form + ".frx\":" + offset);
+        w.Line("      TabIndex        =   " + n);
+        w.Line("      Text            =   \"Choice A" + n + "\"");
+        w.Line("      ToolTipText     =   \"" + tip + "\"");
+        w.Line("      Top             =   " + top);
+        w.Line("      Width           =   1575");
+        break;
+      }
+      default:
+        w.Line("   Begin VB.CommandButton cmdAction" + n + " ");
+        w.Line("      Caption         =   \"&Action " + n + "\"");
+        w.Line("      Height          =   375");
+        w.Line("      Left            =   " + left);
+        w.Line("      TabIndex        =   " + n);
+        w.Line("      ToolTipText     =   \"" + tip + "\"");
+        w.Line("      Top             =   " + top);
+        w.Line("      Width           =   1575");
+        break;
+    }
+    w.Line("   End");
+  }
+}
+
 inline void WriteFile(const std::filesystem::path& path, const std::string& bytes) {
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
   out << bytes;
@@ -147,11 +251,14 @@ inline GeneratedProject GenerateProject(const std::filesystem::path& folder,
   std::size_t component = 0;
   while (result.lines < options.totalLines) {
     const std::string number = std::to_string(component);
-    const std::size_t kind = component % (options.forms ? 3 : 2);  // module, class, form
+    // Module, class, then the cycle's forms.
+    const std::size_t cycle = options.forms ? 2 + options.formsPerCycle : 2;
+    const std::size_t kind = std::min<std::size_t>(component % cycle, 2);
     LineEnds ends = options.ends == LineEnds::kCycle ? kCycle[component % 4] : options.ends;
     Writer w{{}, 0, generator_detail::Ends(ends)};
     std::string name;
     std::string file;
+    std::string frx;
     if (kind == 0) {
       name = std::string("mod").append(number);
       file = name + ".bas";
@@ -174,16 +281,30 @@ inline GeneratedProject GenerateProject(const std::filesystem::path& folder,
       w.Line("VERSION 5.00");
       w.Line("Begin VB.Form " + name + " ");
       w.Line("   Caption         =   \"Form " + number + "\"");
-      w.Line("   Begin VB.CommandButton cmdOK ");
-      w.Line("      Caption         =   \"OK\"");
-      w.Line("   End");
+      if (options.controlsPerForm == 0) {
+        w.Line("   Begin VB.CommandButton cmdOK ");
+        w.Line("      Caption         =   \"OK\"");
+        w.Line("   End");
+      } else {
+        w.Line("   ClientHeight    =   " +
+               std::to_string(480 + 360 * (options.controlsPerForm / 5)));
+        w.Line("   ClientWidth     =   9240");
+        w.Line("   LinkTopic       =   \"Form" + number + "\"");
+        generator_detail::Controls(w, frx, name, options.controlsPerForm, result.controls,
+                                   options.rareEvery, options.rareWord);
+        result.controls += options.controlsPerForm;
+      }
       w.Line("End");
+      ++result.forms;
       w.Line("Attribute VB_Name = \"" + name + "\"");
     }
     w.Line("Option Explicit");
     w.Line("Private Declare Function GetTickCount Lib \"kernel32\" () As Long");
     w.Line("Private mCount As Long");
-    for (std::size_t p = 0; p < options.proceduresPerComponent; ++p) {
+    const std::size_t procedures = kind == 2 && options.proceduresPerForm != 0
+                                       ? options.proceduresPerForm
+                                       : options.proceduresPerComponent;
+    for (std::size_t p = 0; p < procedures; ++p) {
       const bool rare = options.rareEvery != 0 && (result.procedures + p) % options.rareEvery == 0;
       generator_detail::Procedure(w, component, p, kind == 1, options.word,
                                   rare ? options.rareWord : std::string());
@@ -196,7 +317,8 @@ inline GeneratedProject GenerateProject(const std::filesystem::path& folder,
     if (kind == 1 && component % 5 == 1) w.text.append(4, '\0');
     generator_detail::WriteFile(folder / file, w.text);
     result.lines += w.lines;
-    result.procedures += options.proceduresPerComponent;
+    if (!frx.empty()) generator_detail::WriteFile(folder / (name + ".frx"), frx);
+    result.procedures += procedures;
     ++component;
   }
   vbp += "Startup=\"Sub Main\"\r\nName=\"Big\"\r\n";

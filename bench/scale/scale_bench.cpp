@@ -2,10 +2,14 @@
 // `qxvb6.exe` programs and `rg`, each run as a process, timed from start to exit, over the same
 // component files in the same run.
 //
-//   qx_bench_scale [--lines 1000000,3000000] [--repeat 5] [--work DIR]
+//   qx_bench_scale [--lines 1000000,3000000] [--repeat 5] [--work DIR] [--forms 1]
 //
 // For each size it generates a project of modules and classes (about 600 lines a component, as
-// real projects have), then measures, each `--repeat` times and reported as the median:
+// real projects have); with --forms 1, each module and class is followed by three data-entry
+// forms of 50 controls (captions, texts, tool tips, tags, combo box items in the .frx; the rare
+// word is in 1% of the tool tips too) and 20 procedures, so that 3,000,000 lines hold about
+// 2,000 forms, and every place is searched. Then it measures, each `--repeat` times and reported as
+// the median:
 //   rg        `rg -n --column WORD FOLDER`, the rare word that is in 1% of the procedures
 //   cold      `qx search WORD PROJECT` with no IDE running: the run starts one and ends it
 //   warm      the same search while an IDE started by `qx ide start` holds the project
@@ -122,21 +126,28 @@ long StatusKb(long pid, const std::string& field) {
   return -1;
 }
 
+// The bytes of the component files and their companions: what rg reads and the IDE loads.
 std::uintmax_t ComponentBytes(const fs::path& folder) {
   std::uintmax_t bytes = 0;
   for (const auto& entry : fs::directory_iterator(folder)) {
     const std::string ext = entry.path().extension().string();
-    if (ext == ".bas" || ext == ".cls") bytes += entry.file_size();
+    if (ext == ".bas" || ext == ".cls" || ext == ".frm" || ext == ".frx")
+      bytes += entry.file_size();
   }
   return bytes;
 }
 
-qxbench::GeneratedProject Generate(const fs::path& folder, std::size_t lines) {
+qxbench::GeneratedProject Generate(const fs::path& folder, std::size_t lines, bool forms) {
   fs::remove_all(folder);
   qxbench::GeneratorOptions options;
   options.totalLines = lines;
   options.proceduresPerComponent = 55;  // about 600 lines a component
-  options.forms = false;
+  options.forms = forms;
+  if (forms) {
+    options.formsPerCycle = 3;
+    options.controlsPerForm = 50;
+    options.proceduresPerForm = 20;
+  }
   options.rareEvery = 100;
   options.rareWord = kRareWord;
   options.word = kCommonWord;
@@ -147,6 +158,7 @@ struct Settings {
   std::vector<std::size_t> sizes{1000000, 3000000};
   int repeat = 5;
   bool replaceAll = false;
+  bool forms = false;
   fs::path work;
 };
 
@@ -168,9 +180,10 @@ int Main(const Settings& settings) {
   stopAll();
   for (std::size_t size : settings.sizes) {
     const fs::path folder = settings.work / ("p" + std::to_string(size));
-    const auto project = Generate(folder, size);
+    const auto project = Generate(folder, size, settings.forms);
     const std::uintmax_t bytes = ComponentBytes(folder);
-    std::cout << "== " << project.lines << " lines, " << project.components << " components, "
+    std::cout << "== " << project.lines << " lines, " << project.components << " components ("
+              << project.forms << " forms, " << project.controls << " controls), "
               << project.procedures << " procedures, " << bytes << " bytes; load " << LoadAverage()
               << std::endl;
     const fs::path out = settings.work / "out.txt";
@@ -223,15 +236,15 @@ int Main(const Settings& settings) {
       std::vector<double> replace;
       for (int i = 0; i < settings.repeat; ++i) {
         const fs::path copy = settings.work / ("r" + std::to_string(size));
-        const auto fresh = Generate(copy, size);
+        const auto fresh = Generate(copy, size, settings.forms);
         const RunResult r = Run(
             {qx, "replace", "--write", "--color", "never", kCommonWord, "walking", fresh.vbp}, out);
         if (r.status != 0) std::cout << "  qx replace exited with " << r.status << "\n";
         replace.push_back(r.seconds);
         if (i == 0) {
-          const RunResult check = Run(
-              {"grep", "-rlc", kCommonWord, "--include=*.bas", "--include=*.cls", copy.string()},
-              settings.work / "check.txt");
+          const RunResult check = Run({"grep", "-rlc", kCommonWord, "--include=*.bas",
+                                       "--include=*.cls", "--include=*.frm", copy.string()},
+                                      settings.work / "check.txt");
           if (check.status == 0) std::cout << "  (replace left matches behind)\n";
         }
         fs::remove_all(copy);
@@ -261,10 +274,12 @@ int main(int argc, char** argv) {
       settings.repeat = std::max(1, std::atoi(argv[i + 1]));
     } else if (option == "--work") {
       settings.work = argv[i + 1];
+    } else if (option == "--forms") {
+      settings.forms = std::string(argv[i + 1]) == "1";
     } else if (option == "--replace-all") {
       settings.replaceAll = std::string(argv[i + 1]) == "1";
     } else {
-      std::cerr << "usage: qx_bench_scale [--lines N,N] [--repeat N] [--work DIR]\n";
+      std::cerr << "usage: qx_bench_scale [--lines N,N] [--repeat N] [--work DIR] [--forms 0|1]\n";
       return 2;
     }
   }

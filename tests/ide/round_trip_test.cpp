@@ -25,7 +25,8 @@ using idetest::RenderThroughLines;
 using idetest::Snapshot;
 using qxbench::LineEnds;
 
-// A generated project in every line-end style resaves byte for byte. Then the driver's replace
+// A generated project in every line-end style, forms with their controls and companions
+// included, resaves byte for byte. Then the driver's replace
 // in every procedure of every component (read the text, change it, write it back), and SaveAs
 // into another folder: the files are exactly those of the same project generated with the other
 // word. Hidden member attributes come back after their headings, new lines take the file's line
@@ -43,6 +44,10 @@ TEST(RoundTrip, GeneratedProjectsResaveByteForByteAndRewrittenProceduresSaveAsEx
     options.totalLines = 600;
     options.proceduresPerComponent = 12;
     options.ends = ends;
+    // Two forms a cycle, with controls and combo box items in their .frx.
+    options.formsPerCycle = 2;
+    options.controlsPerForm = 10;
+    options.proceduresPerForm = 4;
     auto original = qxbench::GenerateProject(home.path() / "original", options);
     options.word = "summed";
     qxbench::GenerateProject(home.path() / "expected", options);
