@@ -258,6 +258,14 @@ class Run {
         }
       }
     }
+    // The IDE saves without waiting for the disk; the project's writes reach it here, at once.
+    if (options_.write && reached) {
+      try {
+        platform::FlushFileSystem(projectFile.string());
+      } catch (const automation::Error& e) {
+        Fail(e);
+      }
+    }
   }
 
   static const ComponentFile* FileOf(const std::vector<ComponentFile>& files,

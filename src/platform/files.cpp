@@ -55,6 +55,12 @@ std::function<int(WriteStep)>& FaultHook() {
   return hook;
 }
 
+// Whether WriteFileAtomic leaves flushing to FlushFileSystem.
+bool& DeferredFlush() {
+  static bool deferred = false;
+  return deferred;
+}
+
 // The errno that the test seam injects at a step, 0 for none.
 int Fault(WriteStep step) {
   const auto& hook = FaultHook();
@@ -321,6 +327,17 @@ void RemoveStaleTemporaries(std::string_view path) {
   RemoveStaleIn(target.parent_path(), target.filename().string());
 }
 
+void SetDeferredFlush(bool deferred) {
+  DeferredFlush() = deferred;
+}
+
+void FlushFileSystem(std::string_view path) {
+  const std::string shown(path);
+  const Descriptor fd(::open(ToNative(path).c_str(), O_RDONLY | O_CLOEXEC));
+  if (fd.get() < 0) RaiseOsError(errno, shown, err::kPathNotFound);
+  if (::syncfs(fd.get()) != 0) RaiseOsError(errno, shown, err::kPathNotFound);
+}
+
 void SetWriteFaultHook(std::function<int(WriteStep)> hook) {
   FaultHook() = std::move(hook);
 }
@@ -355,9 +372,11 @@ void WriteFileAtomic(std::string_view path, std::string_view bytes,
       }
     }
     WriteAll(fd.get(), bytes, shown);
-    if (const int injected = Fault(WriteStep::kFlush))
-      RaiseOsError(injected, shown, err::kPathNotFound);
-    if (::fsync(fd.get()) != 0) RaiseOsError(errno, shown, err::kPathNotFound);
+    if (!DeferredFlush()) {
+      if (const int injected = Fault(WriteStep::kFlush))
+        RaiseOsError(injected, shown, err::kPathNotFound);
+      if (::fsync(fd.get()) != 0) RaiseOsError(errno, shown, err::kPathNotFound);
+    }
     // The temporary file stays open (and locked) until it has replaced the target: closing it
     // would let another save's clean-up take it for a dead writer's. fsync has reported any
     // error that writing it could give.
@@ -369,7 +388,7 @@ void WriteFileAtomic(std::string_view path, std::string_view bytes,
       RaiseOsError(errno, shown, err::kPathNotFound);
     }
     // Make the rename itself durable; a failure here no longer affects the contents.
-    ::fsync(lock.get());
+    if (!DeferredFlush()) ::fsync(lock.get());
   } catch (...) {
     ::unlink(temporary.c_str());
     throw;

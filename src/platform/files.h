@@ -71,6 +71,17 @@ std::string ReadFile(std::string_view path, std::size_t limit = kReadLimit);
 void WriteFileAtomic(std::string_view path, std::string_view bytes,
                      const std::function<void()>& beforeReplace = {});
 
+// When WriteFileAtomic waits for the disk. Immediately (the default): the new contents, and then
+// the rename, are flushed to disk before it returns. Deferred: it writes and renames without
+// waiting, and whoever ends the batch of writes calls FlushFileSystem; a replace across
+// thousands of files would otherwise spend most of its time waiting for flushes, one pair per
+// file. Either way a reader, or a writer that dies half way, sees the old file or the new one.
+void SetDeferredFlush(bool deferred);
+
+// Flushes to disk everything written so far on the file system that holds `path` (a file or a
+// folder). Raises 57 when the disk reports an error.
+void FlushFileSystem(std::string_view path);
+
 // Removes what WriteFileAtomic removes before writing: temporary files of earlier saves of this
 // file that no live writer holds. For a save that finds nothing to write.
 void RemoveStaleTemporaries(std::string_view path);
@@ -79,7 +90,7 @@ void RemoveStaleTemporaries(std::string_view path);
 enum class WriteStep : uint8_t {
   kCreate,   // creating the temporary file
   kWrite,    // each write of its contents
-  kFlush,    // flushing it to disk
+  kFlush,    // flushing it to disk (skipped when flushes are deferred)
   kReplace,  // renaming it over the target
 };
 // Called at every step before it is taken; a nonzero result makes the step fail with that errno

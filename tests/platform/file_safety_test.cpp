@@ -10,6 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <string>
 #include <vector>
@@ -83,6 +84,31 @@ TEST(FileSafety, FailingStepsLeaveTheOldFileWhole) {
     EXPECT_EQ(platformtest::ReadBytes(file), old);
     EXPECT_EQ(Names(dir.path()), std::vector<std::string>{"Module1.bas"});
   }
+}
+
+// Deferred flushes: a save writes and replaces without waiting for the disk (no flush step is
+// taken), and the flush of the file system comes when asked for, naming a missing place.
+TEST(FileSafety, DeferredFlushesReplaceAtOnceAndFlushWhenAsked) {
+  qxtest::TempDir dir;
+  const fs::path file = dir.path() / "Module1.bas";
+  platformtest::WriteBytes(file, "old");
+  struct Deferred {
+    Deferred() { platform::SetDeferredFlush(true); }
+    ~Deferred() { platform::SetDeferredFlush(false); }
+  } deferred;
+  std::vector<WriteStep> steps;
+  FaultHook hook([&](WriteStep step) {
+    steps.push_back(step);
+    return 0;
+  });
+  platform::WriteFileAtomic(file.string(), "new");
+  EXPECT_EQ(platformtest::ReadBytes(file), "new");
+  EXPECT_EQ(std::count(steps.begin(), steps.end(), WriteStep::kFlush), 0);
+  EXPECT_EQ(Names(dir.path()), std::vector<std::string>{"Module1.bas"});
+  platform::FlushFileSystem(file.string());
+  platform::FlushFileSystem(dir.path().string());
+  EXPECT_EQ(ErrorOf([&] { platform::FlushFileSystem((dir.path() / "Gone" / "x.bas").string()); }),
+            76);
 }
 
 TEST(FileSafety, AKillAtAnyStepLeavesOldOrNewAndTheNextSaveClearsUp) {

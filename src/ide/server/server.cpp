@@ -22,6 +22,7 @@
 #include "ide/vbide/vbe.h"
 #include "ide/vbide/vbproject.h"
 #include "ide/vbide/vbprojects.h"
+#include "platform/files.h"
 #include "platform/home.h"
 
 namespace ide::server {
@@ -150,6 +151,9 @@ void RedirectOutputToLog() {
 
 int Serve(const ServeOptions& options) {
   Log("starting for " + options.projectFile);
+  // A replace saves every component it changes; qx flushes the disk once when the project is
+  // done, and the IDE once more when it ends, rather than once per file.
+  platform::SetDeferredFlush(true);
   std::unique_ptr<Ide> ide = Ide::Start(options.projectFile);
   size_t logged = 0;
   LogNewProblems(*ide, logged);
@@ -201,6 +205,11 @@ int Serve(const ServeOptions& options) {
   ide->End();
   LogNewProblems(*ide, logged);
   automation::SetIncomingCallObserver({});
+  try {
+    platform::FlushFileSystem(options.projectFile);
+  } catch (const automation::Error& e) {
+    Log("flushing the project's disk: " + e.Description());
+  }
   return 0;
 }
 
