@@ -321,7 +321,11 @@ size_t ObjectTable::Size() const {
 std::string ObjectTable::Key(const std::string& name) {
   const bool relative = !(name.size() >= 2 && name[1] == ':') &&
                         !(!name.empty() && (name[0] == '\\' || name[0] == '/'));
-  if (relative && !name.empty()) {
+  // A bare word (no extension, no folder: a scan buffer's "qx-scan-...") is a name, not a file:
+  // looking it up in the current folder, case-insensitively, would read the whole folder at
+  // every look-up, and a run looks its buffer up once per component.
+  const bool bareWord = name.find_first_of(".\\/") == std::string::npos;
+  if (relative && !bareWord && !name.empty()) {
     std::error_code ec;
     const fs::path native = platform::ToNative(name);
     if (fs::is_regular_file(native, ec)) {

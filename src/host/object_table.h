@@ -42,7 +42,7 @@ class ObjectTable {
   // The key a name is registered and looked up under: its normalized form. A relative name of
   // an existing file counts from the current folder, as a file's display name does: the IDE
   // reports the full path of the project it opened, while the host may know it by a relative
-  // one.
+  // one. A bare word, without extension or folder, is always a name.
   static std::string Key(const std::string& name);
 };
 
