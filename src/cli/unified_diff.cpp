@@ -16,7 +16,7 @@ struct Edit {
 // Rounds of Myers' search before the edit script is made line by line instead: the search costs
 // time in proportion to the lines times the rounds, and keeps each round to walk back, so a file
 // whose every line changed would take quadratic time and memory.
-constexpr long kMaxRounds = 2000;
+constexpr long kMaxRounds = 1000;
 
 // Myers' greedy shortest edit script between a[aFrom, aTo) and b[bFrom, bTo), appended to
 // edits; false (nothing appended) when it needs more than kMaxRounds rounds. Each round keeps
@@ -82,10 +82,10 @@ bool Myers(const std::vector<DiffLine>& a, long aFrom, long aTo, const std::vect
   return true;
 }
 
-// The edit script: the lines both versions begin and end with are kept; between them, the
-// shortest script when Myers' search finds it within its rounds, otherwise the lines paired in
-// order (equal ones kept, the others replaced), which is what a replace that changes many lines
-// one for one needs anyway.
+// The edit script: the lines both versions begin and end with are kept. Between them, when the
+// two have as many lines (what a replace within lines gives), the lines paired in order: equal
+// ones kept, the others replaced. Otherwise the shortest script when Myers' search finds it
+// within its rounds, or else the lines paired in order after all.
 std::vector<Edit> EditScript(const std::vector<DiffLine>& a, const std::vector<DiffLine>& b) {
   std::vector<Edit> edits;
   size_t head = 0;
@@ -98,8 +98,8 @@ std::vector<Edit> EditScript(const std::vector<DiffLine>& a, const std::vector<D
          a[a.size() - 1 - tail] == b[b.size() - 1 - tail])
     ++tail;
   const size_t aTo = a.size() - tail, bTo = b.size() - tail;
-  if (!Myers(a, static_cast<long>(head), static_cast<long>(aTo), b, static_cast<long>(head),
-             static_cast<long>(bTo), edits)) {
+  if (aTo == bTo || !Myers(a, static_cast<long>(head), static_cast<long>(aTo), b,
+                           static_cast<long>(head), static_cast<long>(bTo), edits)) {
     size_t i = head, j = head;
     for (; i < aTo && j < bTo; ++i, ++j) {
       if (a[i] == b[j]) {
