@@ -393,11 +393,14 @@ TEST(ObjectPropertiesOfOtherLibraries, StoredValuesAnswerAsWritten) {
   ide::form::FormContext context{file->Description(), &platform::GetCodePage(1252), nullptr};
   ObjectProperties view(context, *context.description->FindObject("lvwOrders"));
   EXPECT_EQ(view.Class(), nullptr);
-  // Name first, then what the file stores, in its order (the font and column groups included).
+  // Name first, then what the file stores, in its order (the font and column groups included),
+  // then the extender's properties that it does not store.
   EXPECT_EQ(view.NameAt(0), "Name");
   EXPECT_EQ(view.NameAt(1), "Height");
-  EXPECT_EQ(view.Count(), 19);
+  EXPECT_EQ(view.Count(), 28);
   EXPECT_EQ(view.NameAt(18), "ColumnHeader(2)");
+  EXPECT_EQ(view.NameAt(19), "CausesValidation");
+  EXPECT_EQ(view.NameAt(27), "WhatsThisHelpID");
   EXPECT_EQ(view.Get("Name"), Variant("lvwOrders"));
   EXPECT_EQ(view.Get("view"), Variant::Long(3));
   EXPECT_EQ(view.Get("FullRowSelect"), Variant::Long(-1));
@@ -414,6 +417,26 @@ TEST(ObjectPropertiesOfOtherLibraries, StoredValuesAnswerAsWritten) {
   EXPECT_NE(
       file->Render().find("      _ExtentY        =   4471\r\n      View            =   1\r\n"),
       std::string::npos);
+
+  // The extender's properties answer with VB6's types and defaults, and their lines come and go
+  // among the extender's, before the control's own.
+  EXPECT_EQ(view.Get("tag"), Variant(""));
+  EXPECT_EQ(view.Get("Visible"), Variant(true));
+  EXPECT_EQ(view.Get("TabIndex"), Variant::Integer(2));
+  EXPECT_EQ(view.Spelling("tooltiptext"), "ToolTipText");
+  const std::string before = file->Render();
+  view.Set("ToolTipText", Variant("Open orders"));
+  view.Set("Visible", Variant(false));
+  EXPECT_NE(file->Render().find("      TabIndex        =   2\r\n      ToolTipText     =   \"Open "
+                                "orders\"\r\n      Top             =   1440\r\n"
+                                "      Visible         =   0   'False\r\n"
+                                "      Width           =   6975\r\n      _ExtentX"),
+            std::string::npos);
+  EXPECT_EQ(view.Get("ToolTipText"), Variant("Open orders"));
+  EXPECT_EQ(ErrorOf([&] { view.Set("TabIndex", Variant(-1)); }), 380);
+  view.Set("ToolTipText", Variant(""));
+  view.Set("Visible", Variant(true));
+  EXPECT_EQ(file->Render(), before);
 
   // Menus are VB's own: a caption and an unquoted shortcut.
   ObjectProperties menu(context, *context.description->FindObject("mnuOrderNew"));

@@ -737,7 +737,32 @@ constexpr ClassInfo Control(std::string_view progId, std::string_view className,
       progId, {}, className, ClassKind::kControl, type, PropertyOrder::kAlphabetical, properties};
 }
 
+// What the form's extender object gives every control of another library, whatever the control
+// itself has: position, tab order, help, drag, Tag, ToolTipText, Visible. VB6 writes their
+// lines first in the control's block, in this order, before the control's own.
+constexpr PropertyInfo kExtenderProperties[] = {
+    Name(),
+    Bool("CausesValidation", true),
+    Picture("DragIcon"),
+    DragMode(),
+    Position("Height"),
+    Lng("HelpContextID", 0),
+    Index(),
+    Position("Left"),
+    TabIndex(),
+    Bool("TabStop", true),
+    Str("Tag"),
+    Str("ToolTipText"),
+    Position("Top"),
+    Bool("Visible", true),
+    Lng("WhatsThisHelpID", 0),
+    Position("Width"),
+};
+
 }  // namespace
+
+const ClassInfo kExtender{
+    {}, {}, {}, ClassKind::kControl, -1, PropertyOrder::kAlphabetical, kExtenderProperties};
 
 const ClassInfo kControls[21] = {
     Control("VB.CheckBox", "CheckBox", 0, kCheckBox),

@@ -68,6 +68,7 @@ extern const ClassInfo kUserControl;
 extern const ClassInfo kPropertyPage;
 extern const ClassInfo kUserDocument;
 extern const ClassInfo kControls[21];  // in ControlTypeConstants order
+extern const ClassInfo kExtender;      // see ExtenderClass()
 extern const ClassInfo kDhtmlPage;
 extern const ClassInfo kUserConnection;
 

@@ -289,6 +289,28 @@ std::optional<FontValues> OwnFont(const DescriptionNode& node) {
 ObjectProperties::ObjectProperties(FormContext context, DescriptionNode& node)
     : context_(context), node_(&node), class_(ClassOf(node)) {
   if (class_ == nullptr && node.Parent() == nullptr) class_ = context.rootClass;
+  // A control of another library sits in the form's extender (a designer's own objects, named
+  // by a class identifier, do not).
+  if (class_ == nullptr && node.Parent() != nullptr && !node.IsGroup() && !node.Type().empty() &&
+      node.Type().front() != '{') {
+    extender_ = &ExtenderClass();
+  }
+}
+
+const PropertyInfo* ObjectProperties::ExtenderInfo(std::string_view name) const {
+  if (extender_ == nullptr || Same(name, "Name") || Same(name, "Index")) return nullptr;
+  return extender_->Find(name);
+}
+
+std::vector<const PropertyInfo*> ObjectProperties::UnstoredExtender() const {
+  std::vector<const PropertyInfo*> out;
+  if (extender_ == nullptr) return out;
+  for (int32_t i = 0; i < extender_->Count(); ++i) {
+    const PropertyInfo* info = extender_->At(i);
+    if (ExtenderInfo(info->name) != nullptr && node_->FindProperty(info->name) == nullptr)
+      out.push_back(info);
+  }
+  return out;
 }
 
 int32_t ObjectProperties::Count() const {
@@ -297,7 +319,7 @@ int32_t ObjectProperties::Count() const {
   for (const auto& item : node_->Items()) {
     if (item.property || (item.node && item.node->IsGroup())) ++count;
   }
-  return count;
+  return count + static_cast<int32_t>(UnstoredExtender().size());
 }
 
 std::string ObjectProperties::NameAt(int32_t position) const {
@@ -312,6 +334,9 @@ std::string ObjectProperties::NameAt(int32_t position) const {
         if (!counts) continue;
         if (index++ == position) return item.property ? item.property->Name() : item.node->Name();
       }
+      for (const PropertyInfo* info : UnstoredExtender()) {
+        if (index++ == position) return std::string(info->name);
+      }
     }
   }
   automation::Raise(err::kSubscript);
@@ -325,7 +350,7 @@ bool ObjectProperties::Has(std::string_view name) const {
   if (class_ != nullptr) return class_->Find(name) != nullptr;
   // Every control has a name and an index (-1 outside arrays), whatever its file stores.
   return Same(name, "Name") || Same(name, "Index") || node_->FindProperty(name) != nullptr ||
-         node_->FindGroup(name) != nullptr;
+         node_->FindGroup(name) != nullptr || ExtenderInfo(name) != nullptr;
 }
 
 std::string ObjectProperties::Spelling(std::string_view name) const {
@@ -336,6 +361,8 @@ std::string ObjectProperties::Spelling(std::string_view name) const {
     return entry->Name();
   } else if (const DescriptionNode* group = node_->FindGroup(name)) {
     return group->Name();
+  } else if (const PropertyInfo* info = ExtenderInfo(name)) {
+    return std::string(info->name);
   }
   if (Same(name, "Index")) return "Index";
   return std::string(name);
@@ -413,6 +440,8 @@ Variant ObjectProperties::Get(std::string_view name) const {
   if (class_ == nullptr) {
     if (Same(name, "Name")) return Variant(node_->Name());
     if (Same(name, "Index")) return Variant::Integer(static_cast<int16_t>(node_->Index()));
+    // The extender's, typed as it types them, stored or not.
+    if (const PropertyInfo* info = ExtenderInfo(name)) return Read(*info);
     if (const PropertyEntry* entry = node_->FindProperty(name)) return ReadStored(*entry);
     if (node_->FindGroup(name) != nullptr) return Variant(automation::ObjectRef());
     NoSuchProperty(name);
@@ -516,6 +545,10 @@ void ObjectProperties::Set(std::string_view name, const Variant& value) {
       automation::Raise(err::kReadOnlyProperty,
                         std::string(name) + " is set through the control's own object");
     }
+    if (const PropertyInfo* info = ExtenderInfo(name)) {
+      SetKnown(*info, value);
+      return;
+    }
     PropertyEntry* entry = node_->FindProperty(name);
     if (entry == nullptr || entry->Reference()) NoSuchProperty(name);
     if (UnquoteString(entry->Value())) {
@@ -530,7 +563,10 @@ void ObjectProperties::Set(std::string_view name, const Variant& value) {
     }
     return;
   }
-  const PropertyInfo& info = Require(name);
+  SetKnown(Require(name), value);
+}
+
+void ObjectProperties::SetKnown(const PropertyInfo& info, const Variant& value) {
   if (Same(info.name, "Name") || (Same(info.name, "Index") && info.type == ValueType::kInteger)) {
     automation::Raise(err::kReadOnlyProperty,
                       std::string(info.name) + " is set through the control's own object");
@@ -551,7 +587,8 @@ void ObjectProperties::Set(std::string_view name, const Variant& value) {
     RemoveLine(info.name);
     return;
   }
-  const bool movesText = Same(info.name, "MultiLine") && class_->Find("Text") != nullptr;
+  const bool movesText =
+      class_ != nullptr && Same(info.name, "MultiLine") && class_->Find("Text") != nullptr;
   const Variant text = movesText ? Read(*class_->Find("Text")) : Variant();
   Store(info, coerced);
   // The box's Text is kept where its new MultiLine setting puts it.

@@ -130,7 +130,8 @@ class ObjectProperties {
 
   // The Properties collection: for a catalog class the properties it shows (window and hidden,
   // in its order); for another class Name, then the properties its file stores (lines and
-  // groups) in stored order, and Index by name also when its line is absent.
+  // groups) in stored order, and Index by name also when its line is absent; for a control of
+  // another library then also its extender's properties that its file does not store.
   int32_t Count() const;
   // The name at a zero-based position; raises 9 past the end.
   std::string NameAt(int32_t position) const;
@@ -187,10 +188,17 @@ class ObjectProperties {
   void ForgetRecord(std::string_view name);
   bool MultiLine() const;
   const PropertyInfo& Require(std::string_view name) const;
+  // An extender property of a control of another library (not Name or Index); null otherwise.
+  const PropertyInfo* ExtenderInfo(std::string_view name) const;
+  // The extender's properties of the collection that the file does not store, in order.
+  std::vector<const PropertyInfo*> UnstoredExtender() const;
+  // A write of a property the catalog or the extender describes: coerced, then stored.
+  void SetKnown(const PropertyInfo& info, const automation::Variant& value);
 
   FormContext context_;
   DescriptionNode* node_;
   const ClassInfo* class_;
+  const ClassInfo* extender_ = nullptr;  // for a control of another library
 };
 
 // The font a description node has in its own group, if it has one.

@@ -73,6 +73,10 @@ std::span<const PropertyInfo> FontProperties() {
   return kFont;
 }
 
+const ClassInfo& ExtenderClass() {
+  return data::kExtender;
+}
+
 std::span<const ClassInfo* const> AllClasses() {
   static const auto kAll = [] {
     std::array<const ClassInfo*, 28> all{};

@@ -17,7 +17,8 @@
 //    Properties collection.
 //
 // A class that is not in the catalog (controls of other libraries, other designers) has no
-// entry: its owner answers only the properties its file stores.
+// entry: its owner answers the properties its file stores, and a control of another library
+// also those of its extender (ExtenderClass).
 
 #include <cstdint>
 #include <span>
@@ -187,6 +188,10 @@ inline constexpr bool IsBold(int16_t weight) {
 // Strikethrough), then Bold, which the block does not write: it is the weight seen as a Boolean.
 // Size is written as a Single; the font object itself carries it as Currency.
 std::span<const PropertyInfo> FontProperties();
+
+// The properties the form's extender gives a control of another library (Tag, ToolTipText,
+// Visible, Left...), with VB6's defaults. Not a class of its own: FindClass never answers it.
+const ClassInfo& ExtenderClass();
 
 // The DHTML page designer's CLSID as its `.dsr` names it, and the DesignerIDs of the two
 // designers the catalog knows.
