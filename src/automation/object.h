@@ -52,6 +52,10 @@ struct Member {
   std::vector<VarType> paramTypes;
   std::vector<bool> paramByRef;
   std::function<Variant(class Object&, Args&)> invoke;
+  // The object has the member but does not use it (hidden in its type information, as a
+  // control's property that its type lacks): a call still answers as the object decides, and
+  // whoever lists the members to read them all skips it.
+  bool hidden = false;
 };
 
 // One interface: its name ("" for a class's default interface, else e.g. "ICollection") and its

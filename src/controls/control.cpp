@@ -1,5 +1,6 @@
 #include "controls/control.h"
 
+#include <array>
 #include <span>
 #include <string_view>
 
@@ -23,8 +24,12 @@ constexpr std::string_view kItemSeparator = "\r\n";
 
 }  // namespace
 
+// One member table per control type: every property of the interface, with those the type does
+// not have flagged hidden. Reading one still raises "Undefined property."; whoever reads every
+// property of a control (the scanner) skips them instead of being told so for each, which costs
+// an exception each time.
 const automation::ClassInfo& Control::Class() const {
-  static const automation::ClassInfo info = [] {
+  static const std::array<automation::ClassInfo, kCustomControl + 1> kByType = [] {
     automation::ClassBuilder<Control> builder{"Control"};
     builder.Method("Initialize", &Control::Initialize, {"ParentCollection", "VBControl"})
         .Method("TearDown", &Control::TearDown);
@@ -34,9 +39,19 @@ const automation::ClassInfo& Control::Class() const {
         [](Control& self, const ControlProperty& row, const Variant& value) {
           self.Write(row, value);
         });
-    return builder.Build();
+    const automation::ClassInfo every = builder.Build();
+    std::array<automation::ClassInfo, kCustomControl + 1> byType;
+    for (std::size_t type = 0; type < byType.size(); ++type) {
+      byType[type] = every;
+      for (automation::Member& member : byType[type].defaultInterface.members) {
+        const ControlProperty* row = FindControlProperty(member.name);
+        member.hidden = row != nullptr && row->reading != Reading::kZeroElsewhere &&
+                        !Contains(row->readOn, static_cast<ControlType>(type));
+      }
+    }
+    return byType;
   }();
-  return info;
+  return kByType[static_cast<std::size_t>(type_)];
 }
 
 void Control::Initialize(ObjectRef& parentCollection, ObjectRef& vbControl) {

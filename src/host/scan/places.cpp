@@ -46,9 +46,9 @@ const automation::Interface& MembersOf(const ObjectRef& object) {
 }
 
 // Whether a read member's declared type can hold text: a String, or a Variant (whose value
-// says, once read).
+// says, once read); a member the object flags hidden (a property its type lacks) holds none.
 bool CanHoldText(const automation::Member& member) {
-  return member.kind == MemberKind::Get && member.params.empty() &&
+  return member.kind == MemberKind::Get && member.params.empty() && !member.hidden &&
          (member.type == VarType::String || member.type == VarType::Variant);
 }
 
