@@ -105,8 +105,8 @@ class ScratchCopy {
 
 class Run {
  public:
-  Run(const SearchOptions& options, Printer& printer)
-      : options_(options), printer_(printer), request_(BuildRequest(options)) {}
+  Run(const SearchOptions& options, Printer& printer, RequestPlan plan)
+      : options_(options), printer_(printer), plan_(std::move(plan)) {}
 
   int Go() {
     const ProjectDiscovery discovery = FindProjects(options_.paths);
@@ -285,23 +285,39 @@ class Run {
     const automation::ObjectRef object =
         contracts::ICollection(contracts::IProject(project).GetCollection(collection))
             .GetObject(entry.name);
-    // One buffer, registered once, carries the request to every component of the run.
-    if (!registration_) {
-      buffer_.emplace().SetRequest(request_);
-      registration_.emplace(*buffer_);
-    }
-    buffer_->Clear();
-    contracts::IObject(object).Scan(projectFile.stem().string(), entry.name, entry.writable,
-                                    registration_->name());
-    const std::string results = buffer_->Results();
-    buffer_->Clear();
-    for (ComponentScan& scan : ParseScanResults(results)) {
+    const Look look = [&](const std::string& request) {
+      return Scan(object, projectFile, entry, request);
+    };
+    const std::optional<std::string> request = plan_(look);
+    if (!request) return;
+    for (ComponentScan& scan : Scan(object, projectFile, entry, *request)) {
       scanned.scan = std::move(scan);
       scanned.after = file != nullptr && options_.replacement ? platform::ReadFile(onDisk.string())
                                                               : scanned.before;
       scanned.seconds = Since(started);
       Show(scanned);
     }
+  }
+
+  // Hands the component to the scanner with the request and gives back what it found.
+  std::vector<ComponentScan> Scan(const automation::ObjectRef& object, const fs::path& projectFile,
+                                  const contracts::EnumerationEntry& entry,
+                                  const std::string& request) {
+    // One buffer, registered once, carries the requests to every component of the run.
+    if (!registration_) {
+      buffer_.emplace();
+      registration_.emplace(*buffer_);
+    }
+    if (request != request_) {
+      buffer_->SetRequest(request);
+      request_ = request;
+    }
+    buffer_->Clear();
+    contracts::IObject(object).Scan(projectFile.stem().string(), entry.name, entry.writable,
+                                    registration_->name());
+    const std::string results = buffer_->Results();
+    buffer_->Clear();
+    return ParseScanResults(results);
   }
 
   void Show(const ScannedFile& scanned) {
@@ -378,7 +394,8 @@ class Run {
 
   const SearchOptions& options_;
   Printer& printer_;
-  const std::string request_;
+  const RequestPlan plan_;
+  std::string request_;  // the request the buffer holds
   // The run's scan buffer, made on first use (the session registers its class) and let go
   // before the session ends.
   std::optional<ScanBufferView> buffer_;
@@ -394,6 +411,15 @@ class Run {
 
 }  // namespace
 
+int RunScans(const SearchOptions& options, const RequestPlan& plan, Printer& printer) {
+  try {
+    return Run(options, printer, plan).Go();
+  } catch (const automation::Error& e) {
+    printer.Error(e);
+    return kExitError;
+  }
+}
+
 int RunSearch(SearchOptions& options, Printer& printer) {
   try {
     ValidateSearchOptions(options);
@@ -401,12 +427,9 @@ int RunSearch(SearchOptions& options, Printer& printer) {
     printer.Error(e);
     return kExitError;
   }
-  try {
-    return Run(options, printer).Go();
-  } catch (const automation::Error& e) {
-    printer.Error(e);
-    return kExitError;
-  }
+  const std::string request = BuildRequest(options);
+  return RunScans(
+      options, [&request](const Look&) { return request; }, printer);
 }
 
 }  // namespace cli
