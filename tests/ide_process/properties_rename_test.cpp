@@ -4,6 +4,7 @@
 // page whose HTML is a file of its own.
 
 #include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <sstream>
@@ -72,9 +73,6 @@ class ScanFixture : public IdeProcesses {
 };
 
 TEST_F(ScanFixture, SearchFindsCaptionsToolTipsListItemsControlNamesAndHtml) {
-  // A DHTML page is known as one (with its HTML) from an IDE that has the project open; from
-  // the project file alone it is a designer.
-  ASSERT_EQ(Qx({"ide", "start", vbp_}).status, 0);
   const auto run = Qx({"search", "--json", "-i", "-e", "stock", "-e", "Pears", "-e", "optSize",
                        "-e", "Second line", "-e", "far too long", vbp_});
   ASSERT_EQ(run.status, 0) << run.err;
@@ -86,6 +84,7 @@ TEST_F(ScanFixture, SearchFindsCaptionsToolTipsListItemsControlNamesAndHtml) {
         "pgStock HTML", "pgStock DHTMLPage_Load", "pgStock "}) {
     EXPECT_TRUE(places.contains(expected)) << expected << "\n" << run.out;
   }
+  EXPECT_EQ(Qx({"ide", "list"}).out, "");
 }
 
 TEST_F(ScanFixture, ReplaceWritesByteMinimalChangesToTheFormAndItsCompanion) {
@@ -210,6 +209,42 @@ TEST_F(ScanFixture, RenameRenamesAControlArrayWithItsEventProceduresAndPreviewIs
     EXPECT_EQ(run.err, r.err);
     EXPECT_EQ(File("frmScan.frm"), before);
   }
+}
+
+TEST_F(ScanFixture, APreviewShowsTheCompanionsItChangesAndWriteChangesThemAlike) {
+  // As the project came from Windows: the companion in upper case, the page's HTML in a folder
+  // of its own.
+  fs::rename(folder_ / "frmScan.frx", folder_ / "FRMSCAN.FRX");
+  fs::create_directory(folder_ / "pages");
+  fs::rename(folder_ / "pgStock.htm", folder_ / "pages" / "Stock.htm");
+  const std::string dsr = File("pgStock.Dsr");
+  std::ofstream(folder_ / "pgStock.Dsr", std::ios::binary) << Replaced(
+      dsr, "SourceFile      =   \"pgStock.htm\"", "SourceFile      =   \"pages\\Stock.htm\"");
+  const std::string html = File("pages/Stock.htm");
+
+  const std::vector<std::string> replace{"replace",  "-e",       "far too", "-e",
+                                         "stock of", "much too", vbp_};
+  const auto shown = Qx(replace);
+  ASSERT_EQ(shown.status, 0) << shown.err;
+  const std::string frx = (folder_ / "FRMSCAN.FRX").string();
+  EXPECT_NE(shown.out.find("Binary files a/" + frx + " and b/" + frx + " differ\n"),
+            std::string::npos)
+      << shown.out;
+  EXPECT_NE(shown.out.find("+<P id=Greeting>The much too the day.</P>\n"), std::string::npos)
+      << shown.out;
+  EXPECT_EQ(File("FRMSCAN.FRX"), frx_) << "a preview writes nothing";
+  EXPECT_EQ(File("pages/Stock.htm"), html);
+
+  auto write = replace;
+  write.insert(write.begin() + 1, "--write");
+  const auto written = Qx(write);
+  ASSERT_EQ(written.status, 0) << written.err;
+  EXPECT_EQ(Diff(written.out), Diff(shown.out));
+  EXPECT_EQ(File("frmScan.frm"), frm_);
+  EXPECT_EQ(File("FRMSCAN.FRX"), Replaced(Replaced(frx_, std::string("\x86\x00\x00\x00", 4),
+                                                   std::string("\x87\x00\x00\x00", 4)),
+                                          "far too", "much too"));
+  EXPECT_EQ(File("pages/Stock.htm"), Replaced(html, "stock of", "much too"));
 }
 
 }  // namespace
