@@ -98,8 +98,8 @@ std::optional<std::string> RenameRequest(const ComponentScan& inventory,
     }
   }
 
-  // The name as a whole word (after "Me." too, never after another object's "."), or followed
-  // by "_" and one of its events.
+  // The name as a whole word (after "Me." or the component's own name and "." too, never after
+  // another object's "."), or followed by "_" and one of its events.
   std::string follows = "(?!\\w)";
   if (!events.empty()) {
     std::string alternatives;
@@ -107,7 +107,8 @@ std::optional<std::string> RenameRequest(const ComponentScan& inventory,
       alternatives += (alternatives.empty() ? "" : "|") + event;
     follows += "|_(?:" + alternatives + ")(?!\\w)";
   }
-  const std::string pattern = "(?:(?<![\\w.])|(?<=\\bMe\\.))" + spelled + "(?=" + follows + ")";
+  const std::string pattern = "(?:(?<![\\w.])|(?<=\\bMe\\.)|(?<=\\b" + inventory.component +
+                              "\\.))" + spelled + "(?=" + follows + ")";
   return nlohmann::ordered_json{
       {"patterns", {pattern}}, {"case", "insensitive"},      {"replacement", target.newName},
       {"write", true},         {"scope", {"names", "code"}}, {"codeOnly", true},

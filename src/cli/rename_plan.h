@@ -6,7 +6,8 @@
 //  - the control's name, on every element of a control array (Option1(2) -> Choice(2)), written
 //    through the control's Name as any name replacement is;
 //  - in the code, outside string literals and comments, the control's name as a whole word
-//    (Option1.Caption, Option1(3).Text, Set x = Option1, With Option1, Me.Option1) and as the
+//    (Option1.Caption, Option1(3).Text, Set x = Option1, With Option1, Me.Option1, and qualified
+//    by the component's own name, frmMain.Option1) and as the
 //    first part of its event procedures' names (Option1_Click, and calls to it), letter case not
 //    mattering, as VB compares names. An event procedure is a procedure of the component named
 //    CONTROL_EVENT, EVENT without an underscore: cmd_Ok_Click is cmd_Ok's, not cmd's.

@@ -112,7 +112,7 @@ TEST(RenamePlan, TheRequestRenamesNamesEventsAndReferencesOutsideLiteralsAndComm
       "Private Sub Option1_KeyPress(Index As Integer, KeyAscii As Integer)\r\n"
       "    option1(Index).Caption = \"Option1 pressed\" ' Option1\r\n"
       "    Set x = Option1: With Me.Option1(3): .Value = True: End With\r\n"
-      "    Call OPTION1_Click(0): Other.Option1.Value = Option10.Value\r\n"
+      "    Call OPTION1_Click(0): Other.Option1.Value = FrmMain.Option1(1).Value\r\n"
       "    Option1_Got_Focus: Option1_Load: Option1x = 1\r\n"
       "Rem Option1 here\r\n"
       "End Sub";
@@ -120,7 +120,7 @@ TEST(RenamePlan, TheRequestRenamesNamesEventsAndReferencesOutsideLiteralsAndComm
             "Private Sub Choice_KeyPress(Index As Integer, KeyAscii As Integer)\r\n"
             "    Choice(Index).Caption = \"Option1 pressed\" ' Option1\r\n"
             "    Set x = Choice: With Me.Choice(3): .Value = True: End With\r\n"
-            "    Call Choice_Click(0): Other.Option1.Value = Option10.Value\r\n"
+            "    Call Choice_Click(0): Other.Option1.Value = FrmMain.Choice(1).Value\r\n"
             "    Option1_Got_Focus: Option1_Load: Option1x = 1\r\n"
             "Rem Option1 here\r\n"
             "End Sub");
