@@ -2,7 +2,9 @@
 // through its component object, and what comes back is shown in the files' own lines.
 //
 // A replace without --write runs the very same write on a scratch copy of the project and shows
-// how the copy's files changed, so the preview is exactly what --write would do.
+// how the copy's files changed, so the preview is exactly what --write would do. Each component's
+// request comes from the run's plan: the options' request for search and replace, one decided
+// after a first look at the component for rename.
 
 #include <sys/wait.h>
 
