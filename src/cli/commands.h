@@ -1,9 +1,13 @@
 #pragma once
 // The verbs of qx. Each prints through the run's printer and returns the exit status.
 
+#include <functional>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "cli/printer.h"
+#include "cli/scan_results.h"
 #include "cli/search_options.h"
 
 namespace cli {
@@ -46,5 +50,29 @@ int RunIdeStop(const IdeOptions& options, Printer& printer);
 // qx search, and qx replace when the options carry a replacement: 0 when something matched (and,
 // for replace, everything was applied), 1 when nothing matched, 2 when anything failed.
 int RunSearch(SearchOptions& options, Printer& printer);
+
+// Scans the component it is given with a request and returns what the scanner found.
+using Look = std::function<std::vector<ComponentScan>(const std::string& request)>;
+// Decides, when a run reaches a component, the request to scan it with: it may first look at
+// the component with requests that write nothing. None leaves the component alone; an error
+// raised refuses it (and stops the run when it is the first component).
+using RequestPlan = std::function<std::optional<std::string>(const Look& look)>;
+
+// The run of qx search and replace (the projects of the paths, their chosen components, a
+// preview of a replace made on a scratch copy), each component scanned with the request that
+// the plan gives it. Exit statuses as RunSearch.
+int RunScans(const SearchOptions& options, const RequestPlan& plan, Printer& printer);
+
+struct RenameOptions {
+  std::string projectFile;
+  std::string control;  // COMPONENT.OLDNAME
+  std::string newName;
+  bool write = false;
+};
+
+// qx rename: the control (every element of a control array) takes the new name, its event
+// procedures and the references to it in its component's code follow. Shown as a diff made on
+// a scratch copy unless `write`. 0 renamed (or shown), 1 nothing to rename, 2 refused or failed.
+int RunRename(const RenameOptions& options, Printer& printer);
 
 }  // namespace cli

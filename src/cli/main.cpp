@@ -161,6 +161,22 @@ int main(int argc, char** argv) {
   AddSearchOptions(*replaceCommand, replace, json, kJsonHelp, &replacement);
   replaceCommand->add_flag("--write", replace.write, "Write the replacements into the projects");
 
+  cli::RenameOptions rename;
+  CLI::App* renameCommand = app.add_subcommand(
+      "rename",
+      "Show what renaming a control (every element of a control array) would change: its name, "
+      "its event procedures and the references to it in its component's code; with --write, "
+      "change it");
+  renameCommand->add_option("PROJECT", rename.projectFile, "The project file (.vbp)")->required();
+  renameCommand
+      ->add_option("CONTROL", rename.control,
+                   "COMPONENT.OLDNAME: the form-like component and the control's name, without "
+                   "an index")
+      ->required();
+  renameCommand->add_option("NEWNAME", rename.newName, "The control's new name")->required();
+  renameCommand->add_flag("--write", rename.write, "Write the rename into the project");
+  renameCommand->add_flag("--json", json, kJsonHelp);
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -170,9 +186,12 @@ int main(int argc, char** argv) {
   }
 
   cli::Terminals terminals{::isatty(STDOUT_FILENO) == 1, ::isatty(STDERR_FILENO) == 1};
-  const bool searching = searchCommand->parsed() || replaceCommand->parsed();
+  const bool searching =
+      searchCommand->parsed() || replaceCommand->parsed() || renameCommand->parsed();
   if (searching) {
-    const cli::ColorChoice color = searchCommand->parsed() ? search.color : replace.color;
+    const cli::ColorChoice color = searchCommand->parsed()    ? search.color
+                                   : replaceCommand->parsed() ? replace.color
+                                                              : cli::ColorChoice::Auto;
     terminals.color =
         color == cli::ColorChoice::Always || (color == cli::ColorChoice::Auto && terminals.out);
   }
@@ -199,6 +218,7 @@ int main(int argc, char** argv) {
     // Before the run starts any thread: Ctrl-C then ends the IDEs it started, not just qx.
     const cli::InterruptionWatch watch;
     if (searchCommand->parsed()) return cli::RunSearch(search, *printer);
+    if (renameCommand->parsed()) return cli::RunRename(rename, *printer);
     replace.replacement = replacement;
     return cli::RunSearch(replace, *printer);
   }

@@ -78,7 +78,62 @@ class Collector {
   std::set<std::string> seen_;
 };
 
+// The SourceFile setting of a designer's root object, as written ("" when there is none): a line
+// `SourceFile = "..."` before the first nested object or the end of the root.
+std::string SourceFileSetting(const fs::path& designer) {
+  const std::string text =
+      platform::CurrentCodePage().Decode(platform::ReadFile(designer.string()));
+  size_t begins = 0;
+  for (size_t start = 0; start < text.size();) {
+    size_t end = text.find_first_of("\r\n", start);
+    if (end == std::string::npos) end = text.size();
+    std::string_view line = std::string_view(text).substr(start, end - start);
+    start = end + 1;
+    line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+    const auto word = [&line](std::string_view keyword) {
+      return line.size() >= keyword.size() &&
+             automation::EqualsAsciiNoCase(line.substr(0, keyword.size()), keyword) &&
+             (line.size() == keyword.size() || line[keyword.size()] == ' ' ||
+              line[keyword.size()] == '=' || line[keyword.size()] == '\t');
+    };
+    if (word("Begin") && ++begins > 1) break;
+    if (word("End") && begins > 0) break;
+    if (begins == 0 || !word("SourceFile")) continue;
+    const size_t open = line.find('"');
+    const size_t close = line.rfind('"');
+    if (open == std::string_view::npos || close <= open) break;
+    return std::string(line.substr(open + 1, close - open - 1));
+  }
+  return {};
+}
+
 }  // namespace
+
+std::vector<CompanionFile> CompanionFiles(const fs::path& componentFile) {
+  std::vector<CompanionFile> out;
+  std::set<std::string> seen{FileKey(componentFile)};
+  const auto add = [&](const fs::path& file, bool absolute) {
+    if (fs::is_regular_file(file) && seen.insert(FileKey(file)).second)
+      out.push_back({file, absolute});
+  };
+  std::error_code ec;
+  std::vector<fs::path> beside;
+  for (fs::directory_iterator it(componentFile.parent_path(), ec), end; !ec && it != end;
+       it.increment(ec)) {
+    if (automation::EqualsNoCaseUnicode(it->path().stem().string(),
+                                        componentFile.stem().string())) {
+      beside.push_back(it->path());
+    }
+  }
+  std::sort(beside.begin(), beside.end());
+  for (const fs::path& file : beside)
+    add(file, false);
+  if (HasExtension(componentFile, ".dsr") && fs::is_regular_file(componentFile)) {
+    const std::string source = SourceFileSetting(componentFile);
+    if (!source.empty()) add(Resolve(componentFile.parent_path(), source), IsAbsolute(source));
+  }
+  return out;
+}
 
 std::string FileKey(const fs::path& file) {
   std::error_code ec;

@@ -32,6 +32,18 @@ struct ComponentFile {
 // be read.
 std::vector<ComponentFile> ReadComponentFiles(const std::filesystem::path& projectFile);
 
+// A file that goes with a component file.
+struct CompanionFile {
+  std::filesystem::path file;
+  bool absolute = false;  // named by an absolute path (a page's SourceFile)
+};
+
+// The files that go with a component file, each once: those beside it of the same name with
+// another extension, letter case not mattering as on Windows (FORM1.FRX goes with Form1.frm),
+// and the file that a DHTML page designer names as its SourceFile (relative to the designer's
+// folder, or absolute), which holds the page's HTML. Only files that exist.
+std::vector<CompanionFile> CompanionFiles(const std::filesystem::path& componentFile);
+
 // One spelling of a file for comparing: absolute, with "." and ".." resolved, and through
 // symbolic links when the file exists.
 std::string FileKey(const std::filesystem::path& file);

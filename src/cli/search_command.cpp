@@ -2,10 +2,13 @@
 // through its component object, and what comes back is shown in the files' own lines.
 //
 // A replace without --write runs the very same write on a scratch copy of the project and shows
-// how the copy's files changed, so the preview is exactly what --write would do.
+// how the copy's files changed, so the preview is exactly what --write would do. Each component's
+// request comes from the run's plan: the options' request for search and replace, one decided
+// after a first look at the component for rename.
 
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <map>
@@ -37,46 +40,60 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+constexpr std::string_view kDesigners = "Designers";
+
 double Since(Clock::time_point start) {
   return std::chrono::duration<double>(Clock::now() - start).count();
 }
+
+// A file's bytes before and after a write; none when it is not there.
+struct FileChange {
+  fs::path original;  // the file as the user knows it (outside any scratch copy)
+  std::optional<std::string> before;
+  std::optional<std::string> after;
+};
 
 // One component file scanned: its bytes before and after, and what the scanner found.
 struct ScannedFile {
   fs::path original;  // the file as the user knows it (outside any scratch copy)
   std::string before;
-  std::string after;  // after a write; equal to before otherwise
+  std::string after;                   // after a write; equal to before otherwise
+  std::vector<FileChange> companions;  // of a replace: each companion's bytes
   ComponentScan scan;
   double seconds = 0;
   platform::ProjectCodePage codePage;
 };
 
 // A scratch copy of a project: the project file and every component file with its companions
-// (Form1.frx beside Form1.frm), each under the folder at its own absolute path, so that the
-// project's relative paths lead into the copy.
+// (CompanionFiles: Form1.frx or FORM1.FRX beside Form1.frm, a page's HTML file), each under the
+// folder at its own absolute path, so that the project's relative paths lead into the copy.
 class ScratchCopy {
  public:
   ScratchCopy(const fs::path& project, const std::vector<ComponentFile>& files) {
     // A file named by an absolute path would be written in place, not in the copy.
+    const auto refuse = [&project](const fs::path& file) {
+      throw automation::Error(
+          5, "qx",
+          project.string() + ": " + file.string() +
+              " is named by an absolute path, so a preview cannot be made on a copy; "
+              "use --write to replace, or name the file relative to the project");
+    };
+    std::vector<fs::path> copied;
     for (const ComponentFile& file : files) {
-      if (file.absolute) {
-        throw automation::Error(
-            5, "qx",
-            project.string() + ": " + file.file.string() +
-                " is named by an absolute path, so a preview cannot be made on a copy; "
-                "use --write to replace, or name the file relative to the project");
+      if (file.absolute) refuse(file.file);
+      if (!fs::exists(file.file)) continue;
+      copied.push_back(file.file);
+      for (const CompanionFile& companion : CompanionFiles(file.file)) {
+        if (companion.absolute) refuse(companion.file);
+        copied.push_back(companion.file);
       }
     }
     root_ = fs::temp_directory_path() /
             ("qx-preview-" + std::to_string(::getpid()) + "-" + std::to_string(++serial_));
     fs::create_directories(root_);
     Copy(project);
-    for (const ComponentFile& file : files) {
-      if (!fs::exists(file.file)) continue;
-      for (const auto& entry : fs::directory_iterator(file.file.parent_path())) {
-        if (entry.is_regular_file() && entry.path().stem() == file.file.stem()) Copy(entry.path());
-      }
-    }
+    for (const fs::path& file : copied)
+      Copy(file);
     project_ = Inside(project);
   }
   ~ScratchCopy() {
@@ -89,6 +106,12 @@ class ScratchCopy {
   const fs::path& project() const { return project_; }
   fs::path Inside(const fs::path& file) const {
     return root_ / fs::absolute(file).lexically_normal().relative_path();
+  }
+  // The file of the project that a file of the copy stands for.
+  fs::path Outside(const fs::path& file) const {
+    const fs::path relative = file.lexically_normal().lexically_relative(root_);
+    if (relative.empty() || *relative.begin() == "..") return file;
+    return fs::path("/") / relative;
   }
 
  private:
@@ -105,8 +128,8 @@ class ScratchCopy {
 
 class Run {
  public:
-  Run(const SearchOptions& options, Printer& printer)
-      : options_(options), printer_(printer), request_(BuildRequest(options)) {}
+  Run(const SearchOptions& options, Printer& printer, RequestPlan plan)
+      : options_(options), printer_(printer), plan_(std::move(plan)) {}
 
   int Go() {
     const ProjectDiscovery discovery = FindProjects(options_.paths);
@@ -228,6 +251,13 @@ class Run {
       }
     } deactivate{project};
 
+    // The project file names DHTML pages and user connections as designers; only the IDE tells
+    // them apart. With a designer among the components the IDE is reached first, so that the
+    // listing is its own and a page is searched as a page, its HTML included.
+    if (std::any_of(files.begin(), files.end(),
+                    [](const ComponentFile& file) { return file.collection == kDesigners; })) {
+      automation::Dispatch(project).Get("Dispatcher");
+    }
     bool reached = false;
     const platform::ProjectCodePage codePage = session.CodePage();
     for (const CollectionEnumeration& collection : EnumerateCollections(project)) {
@@ -270,9 +300,13 @@ class Run {
 
   static const ComponentFile* FileOf(const std::vector<ComponentFile>& files,
                                      const std::string& collection, const std::string& name) {
+    // A designer's file serves the kinds the IDE makes of designers.
+    const bool designer = collection == "DHTMLPages" || collection == "UserConnections";
     for (const ComponentFile& file : files) {
-      if (file.collection == collection && automation::EqualsAsciiNoCase(file.name, name))
+      if ((file.collection == collection || (designer && file.collection == kDesigners)) &&
+          automation::EqualsAsciiNoCase(file.name, name)) {
         return &file;
+      }
     }
     return nullptr;
   }
@@ -293,23 +327,55 @@ class Run {
     const automation::ObjectRef object =
         contracts::ICollection(contracts::IProject(project).GetCollection(collection))
             .GetObject(entry.name);
-    // One buffer, registered once, carries the request to every component of the run.
+    const Look look = [&](const std::string& request) {
+      return Scan(object, projectFile, entry, request);
+    };
+    const std::optional<std::string> request = plan_(look);
+    if (!request) return;
+    // A replace may change the companions too (a long caption, a list item, a page's HTML),
+    // or make one (a caption that grows too long for its line).
+    const bool replacing = file != nullptr && options_.replacement;
+    std::map<fs::path, FileChange> companions;
+    const auto readCompanions = [&](std::optional<std::string> FileChange::*side) {
+      for (const CompanionFile& companion : CompanionFiles(onDisk)) {
+        FileChange& change = companions[companion.file];
+        change.original = copy ? copy->Outside(companion.file) : companion.file;
+        change.*side = platform::ReadFile(companion.file.string());
+      }
+    };
+    if (replacing) readCompanions(&FileChange::before);
+    for (ComponentScan& scan : Scan(object, projectFile, entry, *request)) {
+      scanned.scan = std::move(scan);
+      scanned.after = replacing ? platform::ReadFile(onDisk.string()) : scanned.before;
+      if (replacing) {
+        readCompanions(&FileChange::after);
+        for (auto& [path, change] : companions)
+          scanned.companions.push_back(std::move(change));
+      }
+      scanned.seconds = Since(started);
+      Show(scanned);
+    }
+  }
+
+  // Hands the component to the scanner with the request and gives back what it found.
+  std::vector<ComponentScan> Scan(const automation::ObjectRef& object, const fs::path& projectFile,
+                                  const contracts::EnumerationEntry& entry,
+                                  const std::string& request) {
+    // One buffer, registered once, carries the requests to every component of the run.
     if (!registration_) {
-      buffer_.emplace().SetRequest(request_);
+      buffer_.emplace();
       registration_.emplace(*buffer_);
+    }
+    if (request != request_) {
+      buffer_->SetRequest(request);
+      request_ = request;
     }
     buffer_->Clear();
     contracts::IObject(object).Scan(projectFile.stem().string(), entry.name, entry.writable,
                                     registration_->name());
     const std::string results = buffer_->Results();
     buffer_->Clear();
-    for (ComponentScan& scan : ParseScanResults(results)) {
-      scanned.scan = std::move(scan);
-      scanned.after = file != nullptr && options_.replacement ? platform::ReadFile(onDisk.string())
-                                                              : scanned.before;
-      scanned.seconds = Since(started);
-      Show(scanned);
-    }
+    return ParseScanResults(results);
   }
 
   void Show(const ScannedFile& scanned) {
@@ -372,21 +438,47 @@ class Run {
       printer_.SearchFile(matches, options_.style);
       return;
     }
-    if (scanned.after == scanned.before) return;
+    const bool companionChanged =
+        std::any_of(scanned.companions.begin(), scanned.companions.end(),
+                    [](const FileChange& change) { return change.before != change.after; });
+    if (scanned.after == scanned.before && !companionChanged) return;
     ++totals_.filesChanged;
     if (options_.style == SearchStyle::Quiet) return;
-    const auto diffLines = [](const std::string& bytes) {
-      std::vector<DiffLine> out;
-      for (FileLine& line : SplitFileLines(bytes))
-        out.push_back({std::move(line.text), std::move(line.end)});
-      return out;
+    if (scanned.after != scanned.before) {
+      printer_.Diff({path, UnifiedDiff(path, DiffLines(scanned.before), DiffLines(scanned.after))});
+    }
+    for (const FileChange& change : scanned.companions)
+      ShowCompanion(change);
+  }
+
+  static std::vector<DiffLine> DiffLines(const std::string& bytes) {
+    std::vector<DiffLine> out;
+    for (FileLine& line : SplitFileLines(bytes))
+      out.push_back({std::move(line.text), std::move(line.end)});
+    return out;
+  }
+
+  // A companion that changed: a text file (a page's HTML) as a unified diff, a binary one (a
+  // NUL among its first bytes, as diff decides) in diff's words.
+  void ShowCompanion(const FileChange& change) {
+    if (change.before == change.after) return;
+    const std::string path = ShowPath(change.original);
+    const auto binary = [](const std::optional<std::string>& bytes) {
+      return bytes && std::string_view(*bytes).substr(0, 8000).find('\0') != std::string::npos;
     };
-    printer_.Diff({path, UnifiedDiff(path, diffLines(scanned.before), diffLines(scanned.after))});
+    if (!binary(change.before) && !binary(change.after)) {
+      printer_.Diff({path, UnifiedDiff(path, DiffLines(change.before.value_or("")),
+                                       DiffLines(change.after.value_or("")))});
+      return;
+    }
+    printer_.Diff({path, "Binary files " + (change.before ? "a/" + path : "/dev/null") + " and " +
+                             (change.after ? "b/" + path : "/dev/null") + " differ\n"});
   }
 
   const SearchOptions& options_;
   Printer& printer_;
-  const std::string request_;
+  const RequestPlan plan_;
+  std::string request_;  // the request the buffer holds
   // The run's scan buffer, made on first use (the session registers its class) and let go
   // before the session ends.
   std::optional<ScanBufferView> buffer_;
@@ -402,6 +494,15 @@ class Run {
 
 }  // namespace
 
+int RunScans(const SearchOptions& options, const RequestPlan& plan, Printer& printer) {
+  try {
+    return Run(options, printer, plan).Go();
+  } catch (const automation::Error& e) {
+    printer.Error(e);
+    return kExitError;
+  }
+}
+
 int RunSearch(SearchOptions& options, Printer& printer) {
   try {
     ValidateSearchOptions(options);
@@ -409,12 +510,9 @@ int RunSearch(SearchOptions& options, Printer& printer) {
     printer.Error(e);
     return kExitError;
   }
-  try {
-    return Run(options, printer).Go();
-  } catch (const automation::Error& e) {
-    printer.Error(e);
-    return kExitError;
-  }
+  const std::string request = BuildRequest(options);
+  return RunScans(
+      options, [&request](const Look&) { return request; }, printer);
 }
 
 }  // namespace cli

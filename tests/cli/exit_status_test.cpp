@@ -39,10 +39,18 @@ TEST_F(QxProgram, UsageErrorsExitTwoWithTheirMessageAndHelpExitsZero) {
 
   using Case = std::pair<std::vector<std::string>, std::string>;
   for (const auto& [args, err] : std::vector<Case>{
-           {{}, "qx: a verb is required: one of list, check, ide, search, replace" + retry},
+           {{}, "qx: a verb is required: one of list, check, ide, search, replace, rename" + retry},
            {{"frobnicate", vbp},
-            "qx: unknown verb \"frobnicate\"; the verbs are list, check, ide, search, replace" +
+            "qx: unknown verb \"frobnicate\"; the verbs are list, check, ide, search, replace, "
+            "rename" +
                 retry},
+           {{"rename", vbp, "frmMain.Option1"}, "qx: NEWNAME is required" + retry},
+           // A name that cannot be a control's is refused before any IDE starts.
+           {{"rename", vbp, "frmMain.Option1", "1st"},
+            "qx: error -32767: " + vbp +
+                ": frmMain.Option1 -> 1st: Invalid control name syntax.\n"},
+           {{"rename", vbp, "Option1", "Choice"},
+            "qx: error 5: " + vbp + ": \"Option1\": name the control as COMPONENT.OLDNAME\n"},
            {{"list", "--bogus", vbp},
             "qx: The following argument was not expected: --bogus" + retry},
            {{"list"}, "qx: PROJECT is required" + retry},

@@ -58,6 +58,41 @@ TEST(SearchPaths, ProjectsGroupsAndFoldersGiveEachProjectOnceAndItsComponentFile
   EXPECT_EQ(files[2].file.filename(), "C Thing.cls");
 }
 
+TEST(SearchPaths, CompanionsAreTheFilesOfTheSameNameAndAPagesSourceFile) {
+  DriverEnv env;
+  const fs::path root = env.work();
+  fs::create_directories(root / "Pages");
+  for (const char* name : {"Form1.frm", "FORM1.FRX", "form1.log", "Form10.frx", "Form1.frm.bak"})
+    DriverEnv::Write((root / name).string(), "x");
+  const auto names = [](const std::vector<cli::CompanionFile>& files) {
+    std::vector<std::string> out;
+    for (const cli::CompanionFile& file : files)
+      out.push_back(file.file.filename().string() + (file.absolute ? " absolute" : ""));
+    return out;
+  };
+  EXPECT_EQ(names(cli::CompanionFiles(root / "Form1.frm")),
+            (std::vector<std::string>{"FORM1.FRX", "form1.log"}));
+
+  // A page's SourceFile, found as Windows finds it; a nested object's setting is not the page's.
+  DriverEnv::Write((root / "Pages" / "main.htm").string(), "<HTML>");
+  const std::string page =
+      "VERSION 5.00\r\nBegin {90290CCD-F27D-11D0-8031-00C04FB6C701} Page1 \r\n"
+      "   BeginProperty Font \r\n      Name = \"Arial\"\r\n   EndProperty\r\n"
+      "   SourceFile      =   \"pages\\Main.HTM\"\r\nEnd\r\nAttribute VB_Name = \"Page1\"\r\n";
+  DriverEnv::Write((root / "Page1.Dsr").string(), page);
+  EXPECT_EQ(names(cli::CompanionFiles(root / "Page1.Dsr")), std::vector<std::string>{"main.htm"});
+  DriverEnv::Write((root / "Page2.Dsr").string(),
+                   "VERSION 5.00\r\nBegin {90290CCD-F27D-11D0-8031-00C04FB6C701} Page2 \r\n"
+                   "   SourceFile      =   \"z:" +
+                       (root / "Pages" / "main.htm").string() + "\"\r\nEnd\r\n");
+  EXPECT_EQ(names(cli::CompanionFiles(root / "Page2.Dsr")),
+            std::vector<std::string>{"main.htm absolute"});
+  DriverEnv::Write((root / "Page3.Dsr").string(),
+                   "VERSION 5.00\r\nBegin {X} Page3 \r\n   Begin VB.Label l \r\n"
+                   "      SourceFile = \"pages\\main.htm\"\r\n   End\r\nEnd\r\n");
+  EXPECT_TRUE(cli::CompanionFiles(root / "Page3.Dsr").empty());
+}
+
 TEST(SearchOptions, BadKindsScopesPatternsAndReplacementsStopTheRun) {
   cli::SearchOptions options;
   options.patterns = {"a(b"};

@@ -105,6 +105,32 @@ TEST(MatcherTest, WholeWordTreatsIdentifierCharactersAsWord) {
   EXPECT_EQ(SpansOf({"Foo|Bar"}, word, "FooBar Bar"), (Spans{{7, 10}}));
 }
 
+TEST(MatcherTest, CodeOnlySkipsStringLiteralsAndComments) {
+  MatchOptions code;
+  code.codeOnly = true;
+  code.caseMode = CaseMode::kInsensitive;
+  // A doubled quote inside a literal, a comment after code, Rem as a statement and after ":",
+  // an unclosed literal running to the end of its line, and the next line matched again.
+  const std::string text =
+      "x = \"Foo \"\"Foo\"\" \" & foo ' Foo\r\n"
+      "Rem Foo\r\n"
+      "y = Foo: rem Foo\n"
+      "z = \"Foo\r"
+      "foo.Remove Foo";
+  Matcher matcher("foo", code);
+  std::vector<std::size_t> starts;
+  for (const auto& m : matcher.FindAll(text))
+    starts.push_back(m.start);
+  EXPECT_EQ(starts, (std::vector<std::size_t>{21, 45, 67, 78}));
+  // Replacing keeps the literals and comments as they were.
+  std::string replaced;
+  host::scan::ReplaceAll(matcher, "s = \"Foo's\" & Foo 'Foo", Replacement("Bar", matcher),
+                         replaced);
+  EXPECT_EQ(replaced, "s = \"Foo's\" & Bar 'Foo");
+  // The option adds no group of its own.
+  EXPECT_EQ(Matcher("(a)", code).GroupCount(), 1u);
+}
+
 TEST(MatcherTest, SeveralPatternsLeftmostFirst) {
   const std::string text = "Call DoItNow: DoIt";
   // The leftmost match wins whichever pattern it comes from.

@@ -249,4 +249,17 @@ TEST_F(ScannerPropertiesTest, WritesThroughTheSameMembersAndRecordsEachRefusalFo
   }
 }
 
+TEST_F(ScannerPropertiesTest, AControlNarrowsTheRequestToItsElementsAndLeavesTheFormOut) {
+  form->Add("option1(3)")->caption = "Stock three";
+  form->Add("Option10")->caption = "Stock ten";
+  EXPECT_THAT(Names(Scan({{"patterns", {"(?i)stock|Option"}}, {"control", "OPTION1"}})),
+              ::testing::ElementsAre("controlName Option1(2)", "property Option1(2).Caption",
+                                     "property Option1(2).Tag", "controlName option1(3)",
+                                     "property option1(3).Caption"));
+  EXPECT_THAT(
+      Names(Scan({{"patterns", {"Option"}}, {"scope", {"names"}}, {"control", "Option10"}})),
+      ::testing::ElementsAre("controlName Option10"));
+  EXPECT_THROW(Scan({{"patterns", {"x"}}, {"control", ""}}), automation::Error);
+}
+
 }  // namespace

@@ -13,6 +13,11 @@ namespace {
 constexpr uint32_t kCompileFlags =
     PCRE2_UTF | PCRE2_UCP | PCRE2_MATCH_INVALID_UTF | PCRE2_MULTILINE;
 
+// A VB string literal (to the end of the line when it is not closed; "" inside is two literals
+// that meet) or a comment: ' or the keyword Rem, to the end of the line.
+constexpr std::string_view kLiteralsAndComments =
+    R"((?:"[^"\r\n]*+"?|'.*|(?<![\w.])(?i:Rem)(?!\w).*))";
+
 // PCRE2's message for an error code.
 std::string ErrorText(int code) {
   PCRE2_UCHAR buffer[256];
@@ -153,6 +158,9 @@ Matcher::Matcher(const std::vector<std::string>& patterns, const MatchOptions& o
     combined.append("(?:").append(source).append(")");
   }
   if (options.wholeWord) combined = "(?<!\\w)(?:" + combined + ")(?!\\w)";
+  // PCRE2 tries the literals and comments first at each place; one that starts there is
+  // skipped as a whole, so the patterns are only tried outside them.
+  if (options.codeOnly) combined = std::string(kLiteralsAndComments) + "(*SKIP)(*FAIL)|" + combined;
   Compiled all = Compile(combined, flags);
   if (!all.code) {
     // Only what the patterns do to each other can fail here: a group name used twice.

@@ -48,6 +48,12 @@ struct MatchOptions {
   // characters of a VB identifier), so "Foo" finds `Foo` and `Foo.Bar` but not `FooBar`,
   // `Foo_Bar` or `Foo1`.
   bool wholeWord = false;
+  // The texts are VB code: a match never starts inside a string literal ("...", to the end of
+  // the line when unclosed) or a comment (from ' or Rem to the end of the line). Meant for
+  // procedure texts; a caption with an apostrophe would lose the rest of its line. A walk goes
+  // on from where the last match ended, so a pattern that takes in a quote can leave the next
+  // search inside a literal.
+  bool codeOnly = false;
 };
 
 // One match: the bytes [start, end) of the text. `groups` holds the start and end offset of

@@ -113,6 +113,7 @@ void EnumerateControls(const ObjectRef& component, const PlaceSink& sink) {
       ObjectRef control = controls.Call("Item", i).ToObject();
       std::string name = Dispatch(control).Get("Name").ToString();
       where = name;
+      if (!sink.wantsControl(name)) continue;
       if (names) {
         sink.place(Make("controlName", name, control, "Name", name, name));
       }
@@ -157,11 +158,11 @@ void EnumerateProcedures(const ObjectRef& component, const PlaceSink& sink) {
 // In the order of a form's file: the component's name and properties, its controls, then the
 // code.
 constexpr std::array kKinds = {
-    PlaceKind{"name", kScopeNames, &EnumerateName},
-    PlaceKind{"property", kScopeProperties, &EnumerateProperties},
-    PlaceKind{"control", "", &EnumerateControls},
-    PlaceKind{"html", kScopeHtml, &EnumerateHtml},
-    PlaceKind{"procedure", kScopeCode, &EnumerateProcedures},
+    PlaceKind{"name", kScopeNames, PlaceOwner::kComponent, &EnumerateName},
+    PlaceKind{"property", kScopeProperties, PlaceOwner::kComponent, &EnumerateProperties},
+    PlaceKind{"control", "", PlaceOwner::kControls, &EnumerateControls},
+    PlaceKind{"html", kScopeHtml, PlaceOwner::kComponent, &EnumerateHtml},
+    PlaceKind{"procedure", kScopeCode, PlaceOwner::kCode, &EnumerateProcedures},
 };
 
 }  // namespace

@@ -40,17 +40,24 @@ struct Place {
 // What enumerating a kind gives its caller: each place, in the order of the component's file,
 // and each problem met on the way (with the name of the place it concerns, when known); a
 // problem with one place does not end the enumeration. `wants` says whether a scope is searched,
-// so that a kind spanning several scopes reads nothing for a scope left out.
+// so that a kind spanning several scopes reads nothing for a scope left out; `wantsControl`
+// whether a control ("Option1(2)") is walked at all.
 struct PlaceSink {
   std::function<void(Place)> place;
   std::function<void(const automation::Error&, const std::string& where)> problem;
   std::function<bool(std::string_view scope)> wants;
+  std::function<bool(std::string_view control)> wantsControl;
 };
+
+// Whose places a kind enumerates: the component's own (its name, properties, HTML), its
+// controls' or its code's. A request narrowed to one control leaves the component's own out.
+enum class PlaceOwner { kComponent, kControls, kCode };
 
 struct PlaceKind {
   std::string_view kind;
   // The scope of the kind's places; "" when they belong to several (the enumeration asks).
   std::string_view scope;
+  PlaceOwner owner;
   // Enumerates the kind's places in the component; a failure that ends it (the object has no
   // such member, the collection cannot be read) is raised to the caller.
   void (*enumerate)(const automation::ObjectRef& component, const PlaceSink& sink);

@@ -4,6 +4,7 @@
 #include <array>
 #include <nlohmann/json.hpp>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
 
 namespace host::scan {
@@ -61,6 +62,12 @@ ScanRequest ScanRequest::Parse(std::string_view text) {
   out.options.literal = Flag(request, "literal");
   out.options.caseMode = ParseCase(request);
   out.options.wholeWord = Flag(request, "wordRegexp");
+  out.options.codeOnly = Flag(request, "codeOnly");
+  if (auto it = request.find("control"); it != request.end() && !it->is_null()) {
+    if (!it->is_string() || it->get_ref<const std::string&>().empty())
+      Bad("\"control\" must be a control's name or null");
+    out.control = it->get<std::string>();
+  }
   if (auto it = request.find("replacement"); it != request.end() && !it->is_null()) {
     if (!it->is_string()) Bad("\"replacement\" must be a string or null");
     out.replacement = it->get<std::string>();
@@ -79,6 +86,12 @@ ScanRequest ScanRequest::Parse(std::string_view text) {
 
 bool ScanRequest::Wants(std::string_view scope) const {
   return !scopes || std::find(scopes->begin(), scopes->end(), scope) != scopes->end();
+}
+
+bool ScanRequest::WantsControl(std::string_view name) const {
+  if (!control) return true;
+  // An element of a control array is named with its index: Option1(2).
+  return automation::SameVbName(name.substr(0, name.find('(')), *control);
 }
 
 }  // namespace host::scan

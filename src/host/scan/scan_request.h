@@ -3,12 +3,15 @@
 //
 //   {"patterns": ["..."], "literal": false, "case": "sensitive" | "insensitive" | "smart",
 //    "wordRegexp": false, "replacement": null | "text with $1 ${name} $$",
-//    "write": false, "scope": ["code", "names"]}
+//    "write": false, "scope": ["code", "names"], "codeOnly": false, "control": null | "Option1"}
 //
 // Only "patterns" is required. Left out, the options are off, the case is "sensitive", there is
 // no replacement, nothing is written and every scope is searched (an empty "scope" searches
-// none). A request that is not of this
-// form raises 5 saying what is wrong with it.
+// none). "codeOnly" matches outside string literals and comments only (MatchOptions::codeOnly).
+// "control" narrows the places of the names, properties and html scopes to one control, every
+// element of a control array of that name included: the component's own name, properties and
+// HTML are left out, its code is not. A request that is not of this form raises 5 saying what
+// is wrong with it.
 
 #include <optional>
 #include <string>
@@ -31,10 +34,13 @@ struct ScanRequest {
   std::optional<std::string> replacement;
   bool write = false;
   std::optional<std::vector<std::string>> scopes;  // none given: every scope
+  std::optional<std::string> control;              // none given: every control, and the component
 
   static ScanRequest Parse(std::string_view json);
 
   bool Wants(std::string_view scope) const;
+  // Whether the places of the control of this name ("Option1(2)") are walked.
+  bool WantsControl(std::string_view name) const;
 };
 
 }  // namespace host::scan

@@ -42,9 +42,11 @@ class Walk {
     const PlaceSink sink{
         [this](Place place) { Look(std::move(place)); },
         [this](const automation::Error& error, const std::string& where) { Problem(error, where); },
-        [this](std::string_view scope) { return request_.Wants(scope); }};
+        [this](std::string_view scope) { return request_.Wants(scope); },
+        [this](std::string_view control) { return request_.WantsControl(control); }};
     for (const PlaceKind& kind : PlaceKinds()) {
       if (!kind.scope.empty() && !request_.Wants(kind.scope)) continue;
+      if (kind.owner == PlaceOwner::kComponent && request_.control) continue;
       try {
         kind.enumerate(component_, sink);
       } catch (const automation::Error& error) {

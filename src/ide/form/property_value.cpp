@@ -46,17 +46,6 @@ Variant ColourText(const Variant& value) {
   return Variant(std::move(text));
 }
 
-bool IsVbName(std::string_view name) {
-  if (name.empty() || name.size() > 40) return false;
-  auto letter = [](unsigned char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
-  if (!letter(static_cast<unsigned char>(name.front()))) return false;
-  for (const char c : name) {
-    const auto u = static_cast<unsigned char>(c);
-    if (!letter(u) && !(u >= '0' && u <= '9') && u != '_') return false;
-  }
-  return true;
-}
-
 void CheckRange(const PropertyInfo& property, double value) {
   if (property.HasRange() && (value < property.minimum || value > property.maximum)) Refuse();
 }
@@ -219,6 +208,17 @@ StringStorage PlaceString(const PropertyInfo& property, std::string_view value, 
       return StringStorage::kInline;
   }
   return StringStorage::kInline;
+}
+
+bool IsVbName(std::string_view name) {
+  if (name.empty() || name.size() > 40) return false;
+  auto letter = [](unsigned char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
+  if (!letter(static_cast<unsigned char>(name.front()))) return false;
+  for (const char c : name) {
+    const auto u = static_cast<unsigned char>(c);
+    if (!letter(u) && !(u >= '0' && u <= '9') && u != '_') return false;
+  }
+  return true;
 }
 
 }  // namespace ide::form

@@ -27,6 +27,9 @@ namespace ide::form {
 // for a whole list raises 380. A read-only property raises 383 before any conversion.
 automation::Variant CoerceValue(const PropertyInfo& property, const automation::Variant& value);
 
+// VB's rule for a Name: an ASCII letter, then ASCII letters, digits and underscores, 40 at most.
+bool IsVbName(std::string_view name);
+
 // One item of a list property: List items are strings, ItemData items Longs.
 automation::Variant CoerceItem(const PropertyInfo& list, const automation::Variant& value);
 

@@ -1,0 +1,164 @@
+// qx rename: a run of qx replace over one component, whose request is made once the component
+// has been looked at (rename_plan.h), so that the preview, the write and their exit statuses are
+// those of qx replace.
+
+#include <nlohmann/json.hpp>
+#include <vector>
+
+#include "automation/casefold.h"
+#include "automation/error.h"
+#include "cli/commands.h"
+#include "cli/project_files.h"
+#include "cli/rename_plan.h"
+#include "foundation/vxhandler.h"
+#include "ide/form/property_value.h"
+
+namespace cli {
+namespace {
+
+using automation::SameVbName;
+
+[[noreturn]] void Refuse(const std::string& why) {
+  throw automation::Error(5, "qx", why);
+}
+
+// The name before an array element's index: Option1 of Option1(2).
+std::string BaseName(const std::string& control) {
+  return control.substr(0, control.find('('));
+}
+
+// The name of a procedure place before its kind: Value of Value.Get.
+std::string ProcedureName(const std::string& place) {
+  return place.substr(0, place.find('.'));
+}
+
+}  // namespace
+
+RenameTarget ParseRenameTarget(const std::string& control, const std::string& newName) {
+  const size_t dot = control.find('.');
+  if (dot == std::string::npos || dot == 0 || dot + 1 == control.size() ||
+      control.find('.', dot + 1) != std::string::npos) {
+    Refuse("\"" + control + "\": name the control as COMPONENT.OLDNAME");
+  }
+  if (!ide::form::IsVbName(newName)) {
+    throw automation::Error(foundation::kUserError, "qx",
+                            control + " -> " + newName + ": Invalid control name syntax.");
+  }
+  return {control.substr(0, dot), control.substr(dot + 1), newName};
+}
+
+std::string InventoryRequest() {
+  return nlohmann::ordered_json{{"patterns", {"\\A"}}, {"scope", {"names", "code"}}}.dump();
+}
+
+std::optional<std::string> RenameRequest(const ComponentScan& inventory,
+                                         const RenameTarget& target) {
+  const std::string what = inventory.component + "." + target.oldName + " -> " + target.newName;
+  const bool respelling = SameVbName(target.oldName, target.newName);
+  std::string spelled;  // the control's name as the component spells it
+  std::string taken;    // another control's name that is the new one
+  for (const ScanPlace& place : inventory.places) {
+    if (place.kind != "controlName") continue;
+    const std::string base = BaseName(place.name);
+    if (SameVbName(base, target.oldName)) {
+      spelled = base;
+    } else if (SameVbName(base, target.newName)) {
+      taken = base;
+    }
+  }
+  if (spelled.empty()) {
+    Refuse(what + ": " + inventory.component + " has no control named " + target.oldName);
+  }
+  if (!taken.empty()) {
+    Refuse(what + ": " + inventory.component + " already has a control named " + taken);
+  }
+  if (SameVbName(target.newName, inventory.component)) {
+    Refuse(what + ": " + target.newName + " is the name of the component itself");
+  }
+  if (spelled == target.newName) return std::nullopt;
+
+  // The control's event procedures, by the event's name, and what the rename would make of them.
+  const std::string prefix = spelled + "_";
+  std::vector<std::string> events;
+  for (const ScanPlace& place : inventory.places) {
+    if (place.kind != "procedure" || place.name.size() <= prefix.size() ||
+        !SameVbName(std::string_view(place.name).substr(0, prefix.size()), prefix)) {
+      continue;
+    }
+    const std::string event = place.name.substr(prefix.size());
+    if (event.find_first_of("_.") == std::string::npos) events.push_back(event);
+  }
+  for (const ScanPlace& place : inventory.places) {
+    if (place.kind != "procedure" || respelling) continue;
+    for (const std::string& event : events) {
+      if (SameVbName(ProcedureName(place.name), target.newName + "_" + event)) {
+        Refuse(what + ": " + inventory.component + " already has a procedure " +
+               ProcedureName(place.name));
+      }
+    }
+  }
+
+  // The name as a whole word (after "Me." or the component's own name and "." too, never after
+  // another object's "."), or followed by "_" and one of its events.
+  std::string follows = "(?!\\w)";
+  if (!events.empty()) {
+    std::string alternatives;
+    for (const std::string& event : events)
+      alternatives += (alternatives.empty() ? "" : "|") + event;
+    follows += "|_(?:" + alternatives + ")(?!\\w)";
+  }
+  const std::string pattern = "(?:(?<![\\w.])|(?<=\\bMe\\.)|(?<=\\b" + inventory.component +
+                              "\\.))" + spelled + "(?=" + follows + ")";
+  return nlohmann::ordered_json{
+      {"patterns", {pattern}}, {"case", "insensitive"},      {"replacement", target.newName},
+      {"write", true},         {"scope", {"names", "code"}}, {"codeOnly", true},
+      {"control", spelled}}
+      .dump();
+}
+
+int RunRename(const RenameOptions& options, Printer& printer) {
+  RenameTarget target;
+  try {
+    target = ParseRenameTarget(options.control, options.newName);
+  } catch (const automation::Error& e) {
+    printer.Error(automation::Error(e.Number(), e.Source(),
+                                    ShowPath(options.projectFile) + ": " + e.Description()));
+    return kExitError;
+  }
+  SearchOptions run;
+  run.paths = {options.projectFile};
+  run.componentGlob = target.component;
+  run.replacement = target.newName;
+  run.write = options.write;
+  bool reached = false;
+  const int status = RunScans(
+      run,
+      [&](const Look& look) -> std::optional<std::string> {
+        for (const ComponentScan& inventory : look(InventoryRequest())) {
+          if (!SameVbName(inventory.component, target.component)) continue;
+          reached = true;
+          try {
+            std::optional<std::string> request = RenameRequest(inventory, target);
+            if (!request) {
+              printer.Notice(inventory.component + "." + target.oldName + " is named " +
+                             target.newName + " already: nothing to rename");
+            }
+            return request;
+          } catch (const automation::Error& e) {
+            throw automation::Error(e.Number(), e.Source(),
+                                    ShowPath(options.projectFile) + ": " + e.Description());
+          }
+        }
+        return std::nullopt;
+      },
+      printer);
+  if (!reached && status != kExitError) {
+    printer.Error(automation::Error(
+        5, "qx",
+        ShowPath(options.projectFile) + ": the project has no component " + target.component));
+    return kExitError;
+  }
+  return status;
+}
+
+}  // namespace cli

@@ -1,0 +1,46 @@
+#pragma once
+// What qx rename asks of the scanner. A rename is two scans of one component: an inventory that
+// writes nothing (every control name and every procedure of the component), then, when the
+// inventory allows it, a replace narrowed to the control's places and the component's code:
+//
+//  - the control's name, on every element of a control array (Option1(2) -> Choice(2)), written
+//    through the control's Name as any name replacement is;
+//  - in the code, outside string literals and comments, the control's name as a whole word
+//    (Option1.Caption, Option1(3).Text, Set x = Option1, With Option1, Me.Option1, and qualified
+//    by the component's own name, frmMain.Option1) and as the
+//    first part of its event procedures' names (Option1_Click, and calls to it), letter case not
+//    mattering, as VB compares names. An event procedure is a procedure of the component named
+//    CONTROL_EVENT, EVENT without an underscore: cmd_Ok_Click is cmd_Ok's, not cmd's.
+
+#include <optional>
+#include <string>
+
+#include "cli/scan_results.h"
+
+namespace cli {
+
+struct RenameTarget {
+  std::string component;
+  std::string oldName;
+  std::string newName;
+};
+
+// "COMPONENT.OLDNAME" and NEWNAME as a target. Raises 5 when the first is not of that form, and
+// the driver's "Invalid control name syntax." when NEWNAME is not a control name (VB's naming
+// rule: a letter, then letters, digits and underscores, 40 at most; no index: a whole array is
+// renamed at once).
+RenameTarget ParseRenameTarget(const std::string& control, const std::string& newName);
+
+// The request of the inventory: every control name and procedure, each matched once (an empty
+// match at its start), nothing written.
+std::string InventoryRequest();
+
+// The request that renames the target, from the inventory of its component; none when the
+// control already has exactly that name. Raises 5 naming the reason when the rename must not
+// happen: the component has no control of the old name, already has a control of the new one,
+// or a procedure that the rename would make (Choice_Click beside Option1_Click), or is itself
+// named so.
+std::optional<std::string> RenameRequest(const ComponentScan& inventory,
+                                         const RenameTarget& target);
+
+}  // namespace cli

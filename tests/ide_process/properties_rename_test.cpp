@@ -1,0 +1,250 @@
+// Properties, control names, DHTML and qx rename end to end, through a real IDE process, on the
+// fixture ide/scan: a form with a caption, a tool tip, a list box whose items live in the .frx, a
+// text and a long caption kept there too, a control array with event procedures, and a DHTML
+// page whose HTML is a file of its own.
+
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include "ide_process/ide_processes.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using qxtest::IdeProcesses;
+using qxtest::ReadAll;
+
+// Every occurrence of `from` in the text replaced by `to`.
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+  for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+    text.replace(at, from.size(), to);
+  return text;
+}
+
+class ScanFixture : public IdeProcesses {
+ protected:
+  ScanFixture() {
+    Fresh();
+    frm_ = File("frmScan.frm");
+    frx_ = File("frmScan.frx");
+  }
+
+  // A fresh copy of the fixture in the project's folder.
+  void Fresh() {
+    fs::remove_all(folder_);
+    fs::copy(fs::path(QX_FIXTURES) / "ide" / "scan", folder_, fs::copy_options::recursive);
+  }
+
+  std::string File(const std::string& name) const { return ReadAll(folder_ / name); }
+
+  // What a replace or rename printed before its summary line.
+  static std::string Diff(const std::string& out) {
+    return out.substr(0, out.rfind('\n', out.size() - 2) + 1);
+  }
+
+  // The places of the JSON matches, as "component control.property" or "component procedure".
+  static std::set<std::string> Places(const std::string& out) {
+    std::set<std::string> places;
+    std::istringstream in(out);
+    for (std::string line; std::getline(in, line);) {
+      const nlohmann::json record = nlohmann::json::parse(line);
+      if (record["type"] != "match") continue;
+      const nlohmann::json& data = record["data"];
+      std::string place = data["component"].get<std::string>() + " ";
+      if (data.contains("property")) {
+        if (!data["control"].is_null()) place += data["control"].get<std::string>() + ".";
+        place += data["property"].get<std::string>();
+      } else if (!data["procedure"].is_null()) {
+        place += data["procedure"].get<std::string>();
+      }
+      places.insert(place);
+    }
+    return places;
+  }
+
+  const fs::path folder_ = work() / "Scan";
+  const std::string vbp_ = (folder_ / "Scan.vbp").string();
+  std::string frm_;
+  std::string frx_;
+};
+
+TEST_F(ScanFixture, SearchFindsCaptionsToolTipsListItemsControlNamesAndHtml) {
+  const auto run = Qx({"search", "--json", "-i", "-e", "stock", "-e", "Pears", "-e", "optSize",
+                       "-e", "Second line", "-e", "far too long", vbp_});
+  ASSERT_EQ(run.status, 0) << run.err;
+  const std::set<std::string> places = Places(run.out);
+  for (const char* expected :
+       {"frmScan Caption", "frmScan cmdOk.ToolTipText", "frmScan lstItems.List",
+        "frmScan txtNotes.Text", "frmScan lblLong.Caption", "frmScan optSize(0).Name",
+        "frmScan optSize(1).Name", "frmScan optSize_Click", "frmScan optSize_KeyPress",
+        "pgStock HTML", "pgStock DHTMLPage_Load", "pgStock "}) {
+    EXPECT_TRUE(places.contains(expected)) << expected << "\n" << run.out;
+  }
+  EXPECT_EQ(Qx({"ide", "list"}).out, "");
+}
+
+TEST_F(ScanFixture, ReplaceWritesByteMinimalChangesToTheFormAndItsCompanion) {
+  using Bytes = std::string;
+  const struct {
+    std::vector<std::string> args;
+    Bytes frm;
+    Bytes frx;
+  } cases[] = {
+      // A tool tip kept in the form: one line.
+      {{"--in", "properties", "stock list", "store list"},
+       Replaced(frm_, "Close the stock list", "Close the store list"),
+       frx_},
+      // A list item two bytes longer: its record grows, the records after it move, and the
+      // lines that point at them follow; the item data stays.
+      {{"--in", "properties", "Pears", "Quinces"},
+       Replaced(Replaced(frm_, "frx\":002A", "frx\":002C"), "frx\":0042", "frx\":0044"),
+       Replaced(Replaced(frx_, Bytes("\x03\x00\x06\x00\x06\x00", 6),
+                         Bytes("\x03\x00\x07\x00\x06\x00", 6)),
+                Bytes("\x05\x00Pears", 7), Bytes("\x07\x00Quinces", 9))},
+      // The long caption, the companion's last record: only its length and text change.
+      {{"--in", "properties", "far too long", "much too long"},
+       frm_,
+       Replaced(Replaced(frx_, Bytes("\x86\x00\x00\x00", 4), Bytes("\x87\x00\x00\x00", 4)),
+                "far too long", "much too long")},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.args[2]);
+    Fresh();
+    std::vector<std::string> preview{"replace"};
+    preview.insert(preview.end(), c.args.begin(), c.args.end());
+    preview.push_back(vbp_);
+    const auto shown = Qx(preview);
+    ASSERT_EQ(shown.status, 0) << shown.err;
+    EXPECT_EQ(File("frmScan.frm"), frm_) << "a preview writes nothing";
+    EXPECT_EQ(File("frmScan.frx"), frx_);
+
+    preview.insert(preview.begin() + 1, "--write");
+    const auto written = Qx(preview);
+    ASSERT_EQ(written.status, 0) << written.err;
+    EXPECT_EQ(Diff(written.out), Diff(shown.out));
+    EXPECT_EQ(File("frmScan.frm"), c.frm);
+    EXPECT_EQ(File("frmScan.frx"), c.frx);
+  }
+}
+
+TEST_F(ScanFixture, RefusedNamesAreReportedWithTheirMessageAndTheRestIsWritten) {
+  // One replacement for all: it empties a list item (a list box may hold an empty item: it is
+  // written in its place), cuts the index of each option button's name short (refused by the
+  // driver) and shortens the tool tip.
+  const auto run = Qx({"replace", "--write", "--in", "properties,names", "-e", "^Pears$", "-e",
+                       "\\)$", "-e", "stock ", "", vbp_});
+  EXPECT_EQ(run.status, 2);
+  for (const char* element : {"optSize(0)", "optSize(1)"}) {
+    EXPECT_NE(run.err.find(std::string("frmScan.") + element +
+                           ": error -32767: Invalid control name syntax.\n"),
+              std::string::npos)
+        << run.err;
+  }
+  EXPECT_NE(run.out.find("4 replacements in 1 file, 2 places refused; written"), std::string::npos)
+      << run.out;
+  EXPECT_EQ(File("frmScan.frm"),
+            Replaced(Replaced(Replaced(frm_, "Close the stock list", "Close the list"),
+                              "frx\":002A", "frx\":0025"),
+                     "frx\":0042", "frx\":003D"));
+  EXPECT_EQ(File("frmScan.frx"),
+            Replaced(frx_, std::string("\x05\x00Pears", 7), std::string("\x00\x00", 2)));
+
+  // A name that is no VB name: the IDE's refusal.
+  const auto invalid = Qx({"replace", "--write", "--in", "names", "lstItems", "1st", vbp_});
+  EXPECT_EQ(invalid.status, 2);
+  EXPECT_NE(invalid.err.find("frmScan.lstItems: error 380: Invalid property value\n"),
+            std::string::npos)
+      << invalid.err;
+}
+
+TEST_F(ScanFixture, RenameRenamesAControlArrayWithItsEventProceduresAndPreviewIsWrite) {
+  const auto shown = Qx({"rename", vbp_, "frmScan.OPTSIZE", "optChoice"});
+  ASSERT_EQ(shown.status, 0) << shown.err;
+  EXPECT_EQ(File("frmScan.frm"), frm_);
+  EXPECT_NE(shown.out.find("+Private Sub optChoice_KeyPress(Index As Integer, KeyAscii As "
+                           "Integer)\n"),
+            std::string::npos)
+      << shown.out;
+  EXPECT_NE(shown.out.find("6 replacements in 1 file; nothing written"), std::string::npos);
+
+  const auto written = Qx({"rename", "--write", vbp_, "frmScan.OPTSIZE", "optChoice"});
+  ASSERT_EQ(written.status, 0) << written.err;
+  EXPECT_EQ(Diff(written.out), Diff(shown.out));
+  // Every element, both event procedures and the references; the comment and the string keep
+  // the old name.
+  std::string expected = Replaced(frm_, "optSize", "optChoice");
+  expected = Replaced(expected, "' optChoice: Enter", "' optSize: Enter");
+  expected = Replaced(expected, "\"optChoice chosen\"", "\"optSize chosen\"");
+  EXPECT_EQ(File("frmScan.frm"), expected);
+  EXPECT_EQ(File("frmScan.frx"), frx_);
+  EXPECT_EQ(Qx({"ide", "list"}).out, "");
+
+  // Refused, changing nothing: a name taken by another control, no such control, a name that
+  // is no control name; and the name it has already is nothing to rename.
+  const std::string before = File("frmScan.frm");
+  const std::string place = vbp_ + ": frmScan.";
+  const struct {
+    std::string control, name;
+    int status;
+    std::string err;
+  } refusals[] = {
+      {"frmScan.optChoice", "LSTITEMS", 2,
+       "qx: error 5: " + place +
+           "optChoice -> LSTITEMS: frmScan already has a control named lstItems\n"},
+      {"frmScan.optSize", "optOther", 2,
+       "qx: error 5: " + place + "optSize -> optOther: frmScan has no control named optSize\n"},
+      {"frmScan.optChoice", "opt-Choice", 2,
+       "qx: error -32767: " + place + "optChoice -> opt-Choice: Invalid control name syntax.\n"},
+      {"frmScan.optChoice", "optChoice", 1,
+       "qx: frmScan.optChoice is named optChoice already: nothing to rename\n"},
+  };
+  for (const auto& r : refusals) {
+    SCOPED_TRACE(r.name);
+    const auto run = Qx({"rename", "--write", vbp_, r.control, r.name});
+    EXPECT_EQ(run.status, r.status);
+    EXPECT_EQ(run.err, r.err);
+    EXPECT_EQ(File("frmScan.frm"), before);
+  }
+}
+
+TEST_F(ScanFixture, APreviewShowsTheCompanionsItChangesAndWriteChangesThemAlike) {
+  // As the project came from Windows: the companion in upper case, the page's HTML in a folder
+  // of its own.
+  fs::rename(folder_ / "frmScan.frx", folder_ / "FRMSCAN.FRX");
+  fs::create_directory(folder_ / "pages");
+  fs::rename(folder_ / "pgStock.htm", folder_ / "pages" / "Stock.htm");
+  const std::string dsr = File("pgStock.Dsr");
+  std::ofstream(folder_ / "pgStock.Dsr", std::ios::binary) << Replaced(
+      dsr, "SourceFile      =   \"pgStock.htm\"", "SourceFile      =   \"pages\\Stock.htm\"");
+  const std::string html = File("pages/Stock.htm");
+
+  const std::vector<std::string> replace{"replace",  "-e",       "far too", "-e",
+                                         "stock of", "much too", vbp_};
+  const auto shown = Qx(replace);
+  ASSERT_EQ(shown.status, 0) << shown.err;
+  const std::string frx = (folder_ / "FRMSCAN.FRX").string();
+  EXPECT_NE(shown.out.find("Binary files a/" + frx + " and b/" + frx + " differ\n"),
+            std::string::npos)
+      << shown.out;
+  EXPECT_NE(shown.out.find("+<P id=Greeting>The much too the day.</P>\n"), std::string::npos)
+      << shown.out;
+  EXPECT_EQ(File("FRMSCAN.FRX"), frx_) << "a preview writes nothing";
+  EXPECT_EQ(File("pages/Stock.htm"), html);
+
+  auto write = replace;
+  write.insert(write.begin() + 1, "--write");
+  const auto written = Qx(write);
+  ASSERT_EQ(written.status, 0) << written.err;
+  EXPECT_EQ(Diff(written.out), Diff(shown.out));
+  EXPECT_EQ(File("frmScan.frm"), frm_);
+  EXPECT_EQ(File("FRMSCAN.FRX"), Replaced(Replaced(frx_, std::string("\x86\x00\x00\x00", 4),
+                                                   std::string("\x87\x00\x00\x00", 4)),
+                                          "far too", "much too"));
+  EXPECT_EQ(File("pages/Stock.htm"), Replaced(html, "stock of", "much too"));
+}
+
+}  // namespace
