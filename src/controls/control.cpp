@@ -3,7 +3,6 @@
 #include <array>
 #include <span>
 #include <string_view>
-#include <vector>
 
 #include "components/declared_types.h"
 #include "foundation/operation.h"
@@ -120,29 +119,15 @@ std::string Control::ReadList() const {
 }
 
 void Control::WriteList(const std::string& items) const {
-  std::vector<std::string> wanted;
-  for (size_t start = 0; !items.empty();) {
+  const Dispatch live(live_);
+  live.Call("Clear");
+  if (items.empty()) return;
+  for (size_t start = 0;;) {
     const size_t end = items.find(kItemSeparator, start);
-    wanted.push_back(items.substr(start, end - start));
+    automation::Args args{Variant(items.substr(start, end - start))};
+    live.CallArgs("AddItem", args);
     if (end == std::string::npos) break;
     start = end + kItemSeparator.size();
-  }
-  const Dispatch live(live_);
-  // As many items as before: each changed item is set in its place, so that its item data
-  // stays with it and the others are not touched.
-  if (live.Get("ListCount").ToLong() == static_cast<int32_t>(wanted.size())) {
-    for (size_t i = 0; i < wanted.size(); ++i) {
-      const Variant index = Variant::Long(static_cast<int32_t>(i));
-      if (live.GetAt("List", index).ToString() == wanted[i]) continue;
-      automation::Args args{index, Variant(wanted[i])};
-      automation::Invoke(live_, {}, "List", automation::MemberKind::Put, args);
-    }
-    return;
-  }
-  live.Call("Clear");
-  for (const std::string& item : wanted) {
-    automation::Args args{Variant(item)};
-    live.CallArgs("AddItem", args);
   }
 }
 

@@ -16,8 +16,7 @@ namespace controls {
 enum class Reading : uint8_t {
   kLive,           // the live control's property of the same name
   kName,           // GetControlName; a write renames and re-keys
-  kList,           // ListCount and List(i) joined by CR LF; a write of as many items sets
-                   // the changed ones (List(i)), of another count is Clear and AddItem
+  kList,           // ListCount and List(i) joined by CR LF; a write is Clear and AddItem
   kSelf,           // the live control object itself
   kZeroElsewhere,  // as kLive, but 0 on the other types
 };

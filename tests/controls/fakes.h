@@ -127,12 +127,6 @@ struct FakeControl {
                  [list](Fake&, Args&) { return Variant::Long(static_cast<int32_t>(list->size())); })
         .Member("List", MemberKind::Get, 1,
                 [list](Fake&, Args& args) { return Variant(list->at(args.at(0).ToLong())); })
-        .Member("List", MemberKind::Put, 2,
-                [list, puts = listPuts](Fake&, Args& args) {
-                  list->at(args.at(0).ToLong()) = args.at(1).ToString();
-                  puts->push_back(args.at(0).ToLong());
-                  return Variant();
-                })
         .Member("Clear", MemberKind::Method, 0,
                 [list](Fake&, Args&) {
                   list->clear();
@@ -153,7 +147,6 @@ struct FakeControl {
   Variant Ide(const std::string& property) const { return items.at(property)->values["Value"]; }
 
   std::map<std::string, std::shared_ptr<Fake>> items;
-  std::shared_ptr<std::vector<int32_t>> listPuts = std::make_shared<std::vector<int32_t>>();
   std::shared_ptr<std::vector<std::string>> listItems =
       std::make_shared<std::vector<std::string>>();
   std::shared_ptr<Fake> live;
