@@ -420,6 +420,16 @@ Variant ObjectProperties::Get(std::string_view name) const {
   return Read(Require(name));
 }
 
+std::optional<std::size_t> ObjectProperties::CompanionDataSize(std::string_view name) const {
+  const PropertyEntry* entry = node_->FindProperty(name);
+  if (entry == nullptr || !entry->Reference() || context_.companion == nullptr) {
+    return std::nullopt;
+  }
+  const PropertyInfo* info = class_ != nullptr ? class_->FindMember(name) : nullptr;
+  if (info != nullptr ? !info->IsObject() : entry->Reference()->isString) return std::nullopt;
+  return context_.companion->Read(*entry, RecordKindOf(*entry)).Content().size();
+}
+
 void ObjectProperties::RemoveLine(std::string_view name) {
   if (PropertyEntry* entry = node_->FindProperty(name)) {
     if (context_.companion != nullptr) context_.companion->Forget(*entry);

@@ -146,6 +146,11 @@ class ObjectProperties {
   // a list raises 380 (use the list members); of the font, a picture or another object it gives
   // Nothing (the font is Font()). An unknown name raises 438 naming it.
   automation::Variant Get(std::string_view name) const;
+  // The size of the data an object-valued property keeps in the companion: a picture's image,
+  // the record of another library's object (any of its lines that references the companion
+  // other than as a `$` string). Nullopt when the property keeps none there (no picture) or is
+  // not object-valued. Raises as reading the record does (53, 321).
+  std::optional<std::size_t> CompanionDataSize(std::string_view name) const;
   // Writes a property (coerce, then store). Name and Index are written with WriteName and
   // WriteIndex by whoever keeps control arrays consistent; through Set they raise 383.
   void Set(std::string_view name, const automation::Variant& value);

@@ -15,12 +15,24 @@ inline constexpr int kExitError = 2;
 
 struct DumpOptions {
   std::string projectFile;
-  std::string component;  // empty: every component
+  std::string component;    // empty: every component
+  bool properties = false;  // the properties instead of the code (RunDumpProperties)
 };
 
 // Prints the model: per component its line (name, type, designer, file, dirty), then its code
 // module's size and one line per procedure in module order.
 int RunDump(const DumpOptions& options, std::ostream& out, std::ostream& err);
+
+// Prints, for each form-like component and designer (or the one named, whatever its kind), one
+// JSON object a line: {"component", "type" (vbext_ComponentType), "properties", "controls": [{
+// "name" ("Text1(3)" for an array member), "progId", "properties"}]}, every property as the
+// Properties collection answers it: Booleans as booleans, numbers (colours, enumerations) as
+// numbers, strings as UTF-8, fonts as {"Name", "Size", "Bold", "Italic", "Underline",
+// "Strikethrough", "Weight", "Charset"}, lists as arrays (List of strings, ItemData of numbers),
+// a picture or another object kept in the companion as {"picture": bytes of its data}, no
+// picture and other objects as null. A component that cannot be loaded: its error on err, status
+// 1, the others still printed.
+int RunDumpProperties(const DumpOptions& options, std::ostream& out, std::ostream& err);
 
 struct ResaveOptions {
   std::string projectFile;

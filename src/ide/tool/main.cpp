@@ -33,6 +33,9 @@ int main(int argc, char** argv) {
       "dump", "Print the components, their code modules and procedures as the IDE sees them");
   dumpCommand->add_option("PROJECT", dump.projectFile, "The project file (.vbp)")->required();
   dumpCommand->add_option("COMPONENT", dump.component, "Only the component of this name");
+  dumpCommand->add_flag("--properties", dump.properties,
+                        "Print every property of the forms, designers and their controls, one "
+                        "JSON object a component");
 
   ide::tool::ResaveOptions resave;
   CLI::App* resaveCommand = app.add_subcommand(
