@@ -1,5 +1,5 @@
 // qxvb6.exe's property commands: dump --properties (every property of the forms, designers and
-// controls as JSON lines).
+// controls as JSON lines) and set (one property written and the component saved).
 
 #include <gtest/gtest.h>
 
@@ -17,6 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 using idetest::FixtureCopy;
 using idetest::ReadBytes;
+using idetest::Snapshot;
 using idetest::WriteBytes;
 using Json = nlohmann::ordered_json;  // keeps the order the properties come in
 
@@ -35,6 +36,14 @@ Outcome DumpProperties(const std::string& project, const std::string& component 
   for (std::string line; std::getline(lines, line);)
     outcome.lines.push_back(Json::parse(line));
   return outcome;
+}
+
+// The status and what went to standard error.
+std::pair<int, std::string> Set(const std::string& project, const std::string& target,
+                                const std::string& property, const std::string& value) {
+  std::ostringstream err;
+  const int status = ide::tool::RunSet({project, target, property, value}, err);
+  return {status, err.str()};
 }
 
 const Json& ControlOf(const Json& component, const std::string& name) {
@@ -135,6 +144,97 @@ TEST(DumpProperties, PicturesGiveTheirSizeAndABrokenComponentDoesNotStopTheRest)
   ASSERT_EQ(run.lines.size(), 1u);
   EXPECT_EQ(run.lines[0]["properties"]["Icon"], (Json{{"picture", image.size()}}));
   EXPECT_EQ(ControlOf(run.lines[0], "imgLogo")["properties"]["Picture"], nullptr);
+}
+
+class SetProperty : public ::testing::Test {
+ protected:
+  SetProperty() : copy_("props") {}
+  std::string Vbp() const { return copy_.Path("Props.vbp"); }
+  std::string Frm() const { return ReadBytes(copy_.Path("frmProps.frm")); }
+  std::string Frx() const { return ReadBytes(copy_.Path("frmProps.frx")); }
+  Json Dumped() const { return DumpProperties(Vbp(), "frmProps").lines.at(0); }
+
+  FixtureCopy copy_;
+};
+
+TEST_F(SetProperty, ASettingAndItsUndoGiveTheFilesBackByteForByte) {
+  const std::string frm = Frm();
+  const std::string frx = Frx();
+  ASSERT_EQ(Set(Vbp(), "frmProps.cmdOk", "Caption", "\"Close\"").first, ide::tool::kExitOk);
+  EXPECT_NE(Frm().find("      Caption         =   \"Close\"\r\n"), std::string::npos);
+  ASSERT_EQ(Set(Vbp(), "frmProps.cmdOk", "caption", "\"OK\"").first, ide::tool::kExitOk);
+  EXPECT_EQ(Frm(), frm);
+  EXPECT_EQ(Frx(), frx);
+
+  // Numbers, Booleans and the form's own properties the same way.
+  ASSERT_EQ(Set(Vbp(), "frmProps", "StartUpPosition", "2").first, ide::tool::kExitOk);
+  ASSERT_EQ(Set(Vbp(), "frmProps.cmdOk", "Default", "false").first, ide::tool::kExitOk);
+  EXPECT_EQ(Dumped()["properties"]["StartUpPosition"], 2);
+  EXPECT_EQ(ControlOf(Dumped(), "cmdOk")["properties"]["Default"], false);
+  EXPECT_NE(Frm().find("   StartUpPosition =   2  'CenterScreen\r\n"), std::string::npos);
+  ASSERT_EQ(Set(Vbp(), "frmProps", "StartUpPosition", "3").first, ide::tool::kExitOk);
+  ASSERT_EQ(Set(Vbp(), "frmProps.cmdOk", "Default", "true").first, ide::tool::kExitOk);
+  EXPECT_EQ(Frm(), frm);
+  EXPECT_EQ(Frx(), frx);
+}
+
+TEST_F(SetProperty, ALongOrMultiLineCaptionGoesToTheCompanion) {
+  const std::string frm = Frm();
+  const std::string frx = Frx();
+  const std::string caption(300, 'c');
+  ASSERT_EQ(Set(Vbp(), "frmProps.cmdOk", "Caption", Json(caption).dump()).first,
+            ide::tool::kExitOk);
+  EXPECT_NE(Frm().find("      Caption         =   $\"frmProps.frx\":"), std::string::npos);
+  EXPECT_EQ(Frx().size(), frx.size() + 4 + caption.size());
+  EXPECT_EQ(ControlOf(Dumped(), "cmdOk")["properties"]["Caption"], caption);
+  ASSERT_EQ(Set(Vbp(), "frmProps", "Caption", "\"Two\\r\\nlines\"").first, ide::tool::kExitOk);
+  EXPECT_EQ(Dumped()["properties"]["Caption"], "Two\r\nlines");
+  EXPECT_NE(Frm().find("   Caption         =   $\"frmProps.frx\":"), std::string::npos);
+
+  // Short again: the records go, and the files are as they were.
+  ASSERT_EQ(Set(Vbp(), "frmProps.cmdOk", "Caption", "\"OK\"").first, ide::tool::kExitOk);
+  ASSERT_EQ(Set(Vbp(), "frmProps", "Caption", "\"Properties\"").first, ide::tool::kExitOk);
+  EXPECT_EQ(Frm(), frm);
+  EXPECT_EQ(Frx(), frx);
+}
+
+TEST_F(SetProperty, ListsAndWhatOnlyTheLiveControlHas) {
+  ASSERT_EQ(Set(Vbp(), "frmProps.lstItems", "List", R"(["One", "Two"])").first, ide::tool::kExitOk);
+  const Json list = ControlOf(Dumped(), "lstItems")["properties"];
+  EXPECT_EQ(list["List"], (Json{"One", "Two"}));
+  EXPECT_EQ(list["ItemData"], Json::array());  // the old items' data went with them
+  EXPECT_EQ(Frm().find("ItemData"), std::string::npos);
+
+  ASSERT_EQ(Set(Vbp(), "frmProps.cmdOk", "FontItalic", "true").first, ide::tool::kExitOk);
+  EXPECT_EQ(ControlOf(Dumped(), "cmdOk")["properties"]["Font"]["Italic"], true);
+}
+
+TEST_F(SetProperty, RefusalsSayTheirErrorAndWriteNothing) {
+  const auto before = Snapshot(copy_.dir());
+  const struct {
+    const char* target;
+    const char* property;
+    const char* value;
+    const char* message;
+  } cases[] = {
+      {"frmNowhere", "Caption", "\"x\"", "qxvb6: error 9: "},
+      {"frmProps.cmdNowhere", "Caption", "\"x\"", "qxvb6: error 9: "},
+      {"frmProps", "Colour", "1", "qxvb6: error 9: "},
+      {"frmProps.cmdOk", "Colour", "1", "qxvb6: error 438: "},
+      {"frmProps", "StartUpPosition", "9", "qxvb6: error 380: "},
+      {"frmProps", "Caption", "\"unterminated", "qxvb6: error 5: "},
+      {"frmProps", "Caption", "null", "qxvb6: error 5: "},
+      {"frmProps", "Caption", R"(["a"])", "qxvb6: error 380: "},
+      {"frmProps.lstItems", "List", "[1, 2]", "qxvb6: error 5: "},
+      {"modMain.x", "Caption", "\"x\"", "qxvb6: error 9: "},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.target) + " " + c.property + " " + c.value);
+    const auto [status, err] = Set(Vbp(), c.target, c.property, c.value);
+    EXPECT_EQ(status, ide::tool::kExitError);
+    EXPECT_EQ(err.rfind(c.message, 0), 0u) << err;
+  }
+  EXPECT_EQ(Snapshot(copy_.dir()), before);
 }
 
 }  // namespace

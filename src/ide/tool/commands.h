@@ -34,6 +34,20 @@ int RunDump(const DumpOptions& options, std::ostream& out, std::ostream& err);
 // 1, the others still printed.
 int RunDumpProperties(const DumpOptions& options, std::ostream& out, std::ostream& err);
 
+struct SetOptions {
+  std::string projectFile;
+  std::string target;    // "COMPONENT" or "COMPONENT.CONTROL", CONTROL "Name(3)" in an array
+  std::string property;  // as the Properties window names it, or a live control's (FontBold)
+  std::string value;     // JSON: a string, a number, a boolean, or an array of strings (List)
+};
+
+// Writes one property through the component's or the control's Properties collection (the
+// live control for what only it has; List given as an array is replaced through Clear and
+// AddItem, which empties ItemData), then saves the component as the IDE saves it. Any error
+// (no such component, control or property, a value VB6 refuses, VALUE not JSON) is printed
+// with its VB error number, status 2, and nothing is written.
+int RunSet(const SetOptions& options, std::ostream& err);
+
 struct ResaveOptions {
   std::string projectFile;
 };
