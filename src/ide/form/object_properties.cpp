@@ -645,26 +645,42 @@ void ObjectProperties::SetListItem(std::string_view list, int32_t index, const V
   StoreList(info, items);
 }
 
+ObjectProperties::Items ObjectProperties::ReadItems() const {
+  Items items{ReadList(ListInfo(class_, "List")), std::nullopt};
+  const PropertyInfo* itemData = class_->FindMember("ItemData");
+  if (itemData != nullptr && node_->FindProperty("ItemData") != nullptr) {
+    items.data = ReadList(*itemData);
+    items.data->resize(items.list.size(), "0");
+  }
+  return items;
+}
+
+void ObjectProperties::StoreItems(const Items& items) {
+  StoreList(ListInfo(class_, "List"), items.list);
+  if (items.data) StoreList(*class_->FindMember("ItemData"), *items.data);
+}
+
 void ObjectProperties::AddItem(const Variant& item, int32_t index) {
   const PropertyInfo& list = ListInfo(class_, "List");
-  std::vector<std::string> items = ReadList(list);
-  if (index < -1 || index > static_cast<int32_t>(items.size())) {
+  Items items = ReadItems();
+  if (index < -1 || index > static_cast<int32_t>(items.list.size())) {
     automation::Raise(err::kInvalidCall, "AddItem index " + std::to_string(index));
   }
-  const std::size_t at = index < 0 ? items.size() : static_cast<std::size_t>(index);
-  std::vector<std::string> data;
-  const PropertyInfo* itemData = class_->FindMember("ItemData");
-  const bool hasData = itemData != nullptr && node_->FindProperty("ItemData") != nullptr;
-  if (hasData) {
-    data = ReadList(*itemData);
-    data.resize(items.size(), "0");
+  const std::ptrdiff_t at = index < 0 ? static_cast<std::ptrdiff_t>(items.list.size()) : index;
+  items.list.insert(items.list.begin() + at, CoerceItem(list, item).ToString());
+  if (items.data) items.data->insert(items.data->begin() + at, "0");
+  StoreItems(items);
+}
+
+void ObjectProperties::RemoveItem(int32_t index) {
+  Items items = ReadItems();
+  if (index < 0 || index >= static_cast<int32_t>(items.list.size())) {
+    automation::Raise(err::kInvalidCall, "RemoveItem index " + std::to_string(index) + " of " +
+                                             std::to_string(items.list.size()) + " items");
   }
-  items.insert(items.begin() + static_cast<std::ptrdiff_t>(at), CoerceItem(list, item).ToString());
-  StoreList(list, items);
-  if (hasData) {
-    data.insert(data.begin() + static_cast<std::ptrdiff_t>(at), "0");
-    StoreList(*itemData, data);
-  }
+  items.list.erase(items.list.begin() + index);
+  if (items.data) items.data->erase(items.data->begin() + index);
+  StoreItems(items);
 }
 
 void ObjectProperties::ClearList() {

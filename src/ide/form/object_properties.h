@@ -163,6 +163,9 @@ class ObjectProperties {
   void SetListItem(std::string_view list, int32_t index, const automation::Variant& value);
   // Adds an item at index (-1: at the end); ItemData grows with List (0 for the new item).
   void AddItem(const automation::Variant& item, int32_t index = -1);
+  // Removes item index (zero-based) and its ItemData entry; an index outside the list raises
+  // 5 "Invalid procedure call or argument", as a list box's RemoveItem does.
+  void RemoveItem(int32_t index);
   // Empties List and ItemData.
   void ClearList();
 
@@ -186,6 +189,14 @@ class ObjectProperties {
   void Store(const PropertyInfo& info, const automation::Variant& value);
   void StoreString(const PropertyInfo& info, const std::string& text);
   std::vector<std::string> ReadList(const PropertyInfo& info) const;
+  // List with ItemData in step (an entry for every item, 0 where the record has none), when the
+  // object stores ItemData; AddItem and RemoveItem edit both and store them.
+  struct Items {
+    std::vector<std::string> list;
+    std::optional<std::vector<std::string>> data;
+  };
+  Items ReadItems() const;
+  void StoreItems(const Items& items);
   void StoreList(const PropertyInfo& info, const std::vector<std::string>& items);
   void RemoveLine(std::string_view name);
   // The line's record, if an edit gave it one, is no longer its (the line is about to change).
