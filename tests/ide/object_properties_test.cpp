@@ -400,7 +400,7 @@ TEST(ObjectPropertiesOfOtherLibraries, StoredValuesAnswerAsWritten) {
   EXPECT_EQ(view.NameAt(18), "ColumnHeader(2)");
   EXPECT_EQ(view.Get("Name"), Variant("lvwOrders"));
   EXPECT_EQ(view.Get("view"), Variant::Long(3));
-  EXPECT_EQ(view.Get("FullRowSelect"), Variant::Long(-1));
+  EXPECT_EQ(view.Get("FullRowSelect"), Variant(true));  // its line says 'True
   EXPECT_EQ(view.Get("ForeColor"), Variant::Long(-2147483640));
   EXPECT_EQ(view.Get("Index"), Variant::Integer(-1));
   EXPECT_TRUE(view.Has("Index"));
@@ -423,6 +423,50 @@ TEST(ObjectPropertiesOfOtherLibraries, StoredValuesAnswerAsWritten) {
   EXPECT_EQ(
       ObjectProperties(context, *context.description->FindObject("mnuRecent", 0)).Get("Index"),
       Variant::Integer(0));
+}
+
+// Another library's lines are typed by their comments: 'True and 'False make a Boolean that
+// keeps VB6's form when written; an enumeration's description stays with its value.
+TEST(ObjectPropertiesOfOtherLibraries, CommentsKeepTheirFormWhenWritten) {
+  const std::string bytes =
+      "VERSION 5.00\r\n"
+      "Object = \"{831FDD16-0C5C-11D2-A9FC-0000F8754DA1}#2.0#0\"; \"MSCOMCTL.OCX\"\r\n"
+      "Begin VB.Form frmBars \r\n"
+      "   Begin MSComctlLib.Slider sldA \r\n"
+      "      Height          =   450\r\n"
+      "      _Version        =   393216\r\n"
+      "      Enabled         =   0   'False\r\n"
+      "      TickStyle       =   1  'sldTopLeft\r\n"
+      "      Max             =   20\r\n"
+      "   End\r\n"
+      "   Begin MSComctlLib.Slider sldB \r\n"
+      "      _Version        =   393216\r\n"
+      "      TickStyle       =   2  'sldBoth\r\n"
+      "   End\r\n"
+      "End\r\n";
+  auto file = ide::ComponentFile::Parse(bytes, ide::FileKind::kForm, platform::GetCodePage(1252),
+                                        "frmBars.frm");
+  ide::form::FormContext context{file->Description(), &platform::GetCodePage(1252), nullptr};
+  ObjectProperties slider(context, *context.description->FindObject("sldA"));
+  EXPECT_EQ(slider.Get("Enabled"), Variant(false));
+  EXPECT_EQ(slider.Get("TickStyle"), Variant::Long(1));
+  EXPECT_EQ(ErrorOf([&] { slider.Set("Enabled", Variant("maybe")); }), 13);
+  slider.Set("Enabled", Variant("True"));
+  EXPECT_EQ(slider.Get("Enabled"), Variant(true));
+  slider.Set("TickStyle", Variant(1));  // the same value: the line stays as written
+  slider.Set("Max", Variant(2.5));
+  EXPECT_NE(file->Render().find("      Enabled         =   -1  'True\r\n"
+                                "      TickStyle       =   1  'sldTopLeft\r\n"
+                                "      Max             =   2.5\r\n"),
+            std::string::npos);
+  // A value another slider of the form writes takes its description; one none writes, none.
+  slider.Set("TickStyle", Variant(2));
+  EXPECT_NE(file->Render().find("      TickStyle       =   2  'sldBoth\r\n"), std::string::npos);
+  slider.Set("TickStyle", Variant(3));
+  EXPECT_NE(file->Render().find("      TickStyle       =   3\r\n"), std::string::npos);
+  EXPECT_EQ(slider.Get("TickStyle"), Variant::Long(3));
+  slider.Set("Enabled", Variant(false));
+  EXPECT_NE(file->Render().find("      Enabled         =   0   'False\r\n"), std::string::npos);
 }
 
 }  // namespace

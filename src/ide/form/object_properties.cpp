@@ -73,6 +73,46 @@ Variant ParseTyped(const PropertyInfo& info, std::string_view text) {
   }
 }
 
+// A line VB6 wrote for a Boolean: -1 or 0 with its 'True or 'False comment. Another library's
+// control is known only by its lines, and this comment is how its file tells the type.
+bool IsBooleanLine(const PropertyEntry& entry) {
+  if (!entry.HasComment() || !(Same(entry.Comment(), "True") || Same(entry.Comment(), "False"))) {
+    return false;
+  }
+  const std::optional<double> number = ParseNumber(entry.Value());
+  return number && (*number == -1 || *number == 0);
+}
+
+// A number written to a stored line of another library's control, its comment kept in mind.
+void StoreStoredNumber(DescriptionNode& node, const Description* description,
+                       const PropertyEntry& entry, double number) {
+  const std::string name = entry.Name();
+  if (number != std::floor(number)) {
+    node.SetProperty(name, FormatSingle(static_cast<float>(number)));
+    return;
+  }
+  const auto whole = static_cast<int64_t>(number);
+  if (entry.HasComment()) {
+    // An enumeration's line: VB6 writes the member's description after the value, and only the
+    // control's type library knows the descriptions, which this IDE does not read. The line stays
+    // as written while its value does; a new value takes the description that another control of
+    // the class writes with it in this form, if one does, and otherwise goes without one (VB6
+    // reads the value alone: the comment is for people).
+    if (ParseNumber(entry.Value()) == number) return;
+    if (description != nullptr && whole >= INT32_MIN && whole <= INT32_MAX) {
+      for (const DescriptionNode* other : description->Controls()) {
+        if (!Same(other->Type(), node.Type())) continue;
+        const PropertyEntry* line = other->FindProperty(name);
+        if (line == nullptr || !line->HasComment() || ParseNumber(line->Value()) != number)
+          continue;
+        node.SetProperty(name, FormatEnumeration(static_cast<int32_t>(whole), line->Comment()));
+        return;
+      }
+    }
+  }
+  node.SetProperty(name, FormatNumber(whole));
+}
+
 const ClassInfo* ClassOf(const DescriptionNode& node) {
   if (node.IsGroup()) return nullptr;
   return FindClass(node.Type());
@@ -365,6 +405,7 @@ Variant ObjectProperties::ReadStored(const PropertyEntry& entry) const {
     return Variant(std::string(record.Content()));
   }
   if (auto text = UnquoteString(entry.Value())) return Variant(*text);
+  if (IsBooleanLine(entry)) return Variant(*ParseNumber(entry.Value()) != 0);
   if (auto number = ParseNumber(entry.Value())) {
     double whole = 0;
     if (std::modf(*number, &whole) == 0 && whole >= INT32_MIN && whole <= INT32_MAX) {
@@ -530,11 +571,10 @@ void ObjectProperties::Set(std::string_view name, const Variant& value) {
     if (entry == nullptr || entry->Reference()) NoSuchProperty(name);
     if (UnquoteString(entry->Value())) {
       node_->SetProperty(entry->Name(), FormatString(value.ToString()));
+    } else if (IsBooleanLine(*entry)) {
+      node_->SetProperty(entry->Name(), FormatBoolean(value.ToBool()));
     } else if (value.IsNumeric() || value.Type() == automation::VarType::Boolean) {
-      const double number = value.ToDouble();
-      node_->SetProperty(entry->Name(), number == std::floor(number)
-                                            ? FormatNumber(static_cast<int64_t>(number))
-                                            : FormatSingle(static_cast<float>(number)));
+      StoreStoredNumber(*node_, context_.description, *entry, value.ToDouble());
     } else {
       automation::Raise(err::kTypeMismatch);
     }
