@@ -396,8 +396,12 @@ TEST(ObjectPropertiesOfOtherLibraries, StoredValuesAnswerAsWritten) {
   // Name first, then what the file stores, in its order (the font and column groups included).
   EXPECT_EQ(view.NameAt(0), "Name");
   EXPECT_EQ(view.NameAt(1), "Height");
-  EXPECT_EQ(view.Count(), 19);
   EXPECT_EQ(view.NameAt(18), "ColumnHeader(2)");
+  // Then the extender's properties that the file does not store, in the extender's order.
+  EXPECT_EQ(view.Count(), 19 + 9);
+  EXPECT_EQ(view.NameAt(19), "CausesValidation");
+  EXPECT_EQ(view.NameAt(27), "WhatsThisHelpID");
+  EXPECT_EQ(ErrorOf([&] { view.NameAt(28); }), 9);
   EXPECT_EQ(view.Get("Name"), Variant("lvwOrders"));
   EXPECT_EQ(view.Get("view"), Variant::Long(3));
   EXPECT_EQ(view.Get("FullRowSelect"), Variant(true));  // its line says 'True
@@ -423,6 +427,49 @@ TEST(ObjectPropertiesOfOtherLibraries, StoredValuesAnswerAsWritten) {
   EXPECT_EQ(
       ObjectProperties(context, *context.description->FindObject("mnuRecent", 0)).Get("Index"),
       Variant::Integer(0));
+}
+
+// The extender's properties of another library's control: typed, defaulted, and written as VB's
+// own controls' are, among the extender lines before the control's own.
+TEST(ObjectPropertiesOfOtherLibraries, TheExtendersPropertiesAreTypedAndDefaulted) {
+  const std::string bytes = ReadBytes(std::string(QX_FIXTURES) + "/ide/orders/frmOrders.frm");
+  auto file = ide::ComponentFile::Parse(bytes, ide::FileKind::kForm, platform::GetCodePage(1252),
+                                        "frmOrders.frm");
+  ide::form::FormContext context{file->Description(), &platform::GetCodePage(1252), nullptr};
+  ObjectProperties view(context, *context.description->FindObject("lvwOrders"));
+  EXPECT_EQ(view.Get("Visible"), Variant(true));
+  EXPECT_EQ(view.Get("tag"), Variant(""));
+  EXPECT_EQ(view.Get("TabIndex"), Variant::Integer(2));
+  EXPECT_EQ(view.Get("Left"), Variant::Single(120));
+  EXPECT_EQ(view.Get("DragMode"), Variant::Long(0));
+  EXPECT_EQ(view.Get("DragIcon").ToObject(), nullptr);
+  EXPECT_TRUE(view.Has("WhatsThisHelpID"));
+  EXPECT_EQ(view.Spelling("tooltiptext"), "ToolTipText");
+  ASSERT_NE(view.Find("CausesValidation"), nullptr);
+  EXPECT_EQ(view.Find("CausesValidation")->type, ide::form::ValueType::kBoolean);
+
+  EXPECT_EQ(ErrorOf([&] { view.Set("DragMode", Variant(5)); }), 380);
+  EXPECT_EQ(ErrorOf([&] { view.Set("TabIndex", Variant(-1)); }), 380);
+  EXPECT_EQ(ErrorOf([&] { view.Set("Visible", Variant("seldom")); }), 13);
+  view.Set("Visible", Variant(false));
+  view.Set("Tag", Variant("orders"));
+  view.Set("Left", Variant(240));
+  EXPECT_NE(file->Render().find("      Height          =   2535\r\n"
+                                "      Left            =   240\r\n"
+                                "      TabIndex        =   2\r\n"
+                                "      Tag             =   \"orders\"\r\n"
+                                "      Top             =   1440\r\n"
+                                "      Visible         =   0   'False\r\n"
+                                "      Width           =   6975\r\n"
+                                "      _ExtentX        =   12303\r\n"),
+            std::string::npos);
+  EXPECT_EQ(view.Get("Visible"), Variant(false));
+  EXPECT_EQ(view.Count(), 28);  // two more lines stored, two fewer of the extender left
+  // Back at their defaults the lines go again: the file is as it was.
+  view.Set("Visible", Variant(true));
+  view.Set("Tag", Variant(""));
+  view.Set("Left", Variant(120));
+  EXPECT_EQ(file->Render(), bytes);
 }
 
 // Another library's lines are typed by their comments: 'True and 'False make a Boolean that

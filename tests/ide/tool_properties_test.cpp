@@ -102,6 +102,8 @@ TEST(DumpProperties, FormsAndControlsAnswerAsTheirPropertiesCollectionsDo) {
   const Json& bar = ControlOf(form, "barProgress");
   EXPECT_EQ(bar["progId"], "MSComctlLib.ProgressBar");
   EXPECT_EQ(bar["properties"]["Max"], 50);
+  EXPECT_EQ(bar["properties"]["Visible"], true);  // the extender's, not stored
+  EXPECT_EQ(bar["properties"]["DragIcon"], nullptr);
 
   // One component by name, also a module (which has no properties).
   EXPECT_EQ(DumpProperties(vbp, "FRMCONTROLS").lines, run.lines);

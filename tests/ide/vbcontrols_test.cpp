@@ -292,6 +292,33 @@ TEST_F(VbControls, RemoveItemTakesItsItemDataAlongAndRefusesOutsideTheList) {
   EXPECT_EQ(ErrorOf([&] { Live("filPick").Call("RemoveItem", Variant::Long(0)); }), 438);
 }
 
+TEST_F(VbControls, OtherLibrariesControlsHaveTheExtendersProperties) {
+  const Dispatch bar = Live("barProgress");
+  EXPECT_TRUE(bar.Get("Visible").ToBool());
+  EXPECT_EQ(bar.Get("TabIndex").ToLong(), 6);
+  EXPECT_EQ(bar.Get("ToolTipText").ToString(), "");
+  const std::string before = FormBytes();
+  bar.Put("ToolTipText", "Progress");
+  Property(Control("barProgress"), "Visible").Put("Value", false);
+  Save();
+  EXPECT_TRUE(Missing(before, FormBytes()).empty());
+  EXPECT_NE(FormBytes().find("      TabIndex        =   6\r\n"
+                             "      ToolTipText     =   \"Progress\"\r\n"
+                             "      Top             =   1560\r\n"
+                             "      Visible         =   0   'False\r\n"),
+            std::string::npos);
+  // The collection: Name, the stored lines in their order, then the extender's others.
+  const Dispatch properties(Control("barProgress").Get("Properties").ToObject());
+  EXPECT_EQ(properties.Get("Count").ToLong(), 13 + 7);
+  EXPECT_EQ(Dispatch(properties.Call("Item", 14).ToObject()).Get("Name").ToString(),
+            "CausesValidation");
+  EXPECT_EQ(Dispatch(properties.Call("Item", 13).ToObject()).Get("Name").ToString(), "Max");
+  bar.Put("ToolTipText", "");
+  bar.Put("Visible", true);
+  Save();
+  EXPECT_EQ(FormBytes(), before);
+}
+
 TEST_F(VbControls, ControlPropertiesListTheWindowsPropertiesWithNameFirst) {
   const Dispatch properties(Control("txtInner").Get("Properties").ToObject());
   EXPECT_GT(properties.Get("Count").ToLong(), 40);

@@ -731,6 +731,27 @@ constexpr PropertyInfo kTimer[] = {
     Position("Top"),
 };
 
+// What the container's extender gives every control of another library, whatever its library
+// (VB6's Extender object): the window shows these beside the control's own properties and the
+// form file stores them among the control's lines, left out at their defaults like VB's own.
+// Name and Index are the control's Begin line and array, answered as for every control.
+constexpr PropertyInfo kExtenderProperties[] = {
+    Bool("CausesValidation", true),
+    Picture("DragIcon"),
+    DragMode(),
+    Position("Height"),
+    Lng("HelpContextID", 0),
+    Position("Left"),
+    TabIndex(),
+    Bool("TabStop", true),
+    Str("Tag"),
+    Str("ToolTipText"),
+    Position("Top"),
+    Bool("Visible", true),
+    Lng("WhatsThisHelpID", 0),
+    Position("Width"),
+};
+
 constexpr ClassInfo Control(std::string_view progId, std::string_view className, int32_t type,
                             std::span<const PropertyInfo> properties) {
   return ClassInfo{
@@ -738,6 +759,9 @@ constexpr ClassInfo Control(std::string_view progId, std::string_view className,
 }
 
 }  // namespace
+
+const ClassInfo kExtender{
+    {}, {}, {}, ClassKind::kExtender, -1, PropertyOrder::kAlphabetical, kExtenderProperties};
 
 const ClassInfo kControls[21] = {
     Control("VB.CheckBox", "CheckBox", 0, kCheckBox),

@@ -118,6 +118,13 @@ const ClassInfo* ClassOf(const DescriptionNode& node) {
   return FindClass(node.Type());
 }
 
+// The extender around a control of another library (an object below the root whose class the
+// catalog does not know); null for every other object.
+const ClassInfo* ExtenderOf(const DescriptionNode& node) {
+  if (node.IsGroup() || node.Parent() == nullptr || ClassOf(node) != nullptr) return nullptr;
+  return &ExtenderClass();
+}
+
 bool SameFont(const FontValues& a, const FontValues& b) {
   return a.name == b.name && a.size == b.size && a.charset == b.charset && a.weight == b.weight &&
          a.underline == b.underline && a.italic == b.italic && a.strikethrough == b.strikethrough;
@@ -276,6 +283,7 @@ CompanionRecordKind RecordKindOf(const PropertyEntry& entry) {
   const bool isString = entry.Reference() && entry.Reference()->isString;
   const DescriptionNode* owner = entry.Owner();
   const ClassInfo* cls = owner != nullptr ? ClassOf(*owner) : nullptr;
+  if (cls == nullptr && owner != nullptr) cls = ExtenderOf(*owner);
   const PropertyInfo* info = cls != nullptr ? cls->FindMember(entry.Name()) : nullptr;
   if (info == nullptr) {
     return isString ? CompanionRecordKind::kLongString : CompanionRecordKind::kOpaque;
@@ -329,6 +337,11 @@ std::optional<FontValues> OwnFont(const DescriptionNode& node) {
 ObjectProperties::ObjectProperties(FormContext context, DescriptionNode& node)
     : context_(context), node_(&node), class_(ClassOf(node)) {
   if (class_ == nullptr && node.Parent() == nullptr) class_ = context.rootClass;
+  if (class_ == nullptr) extender_ = ExtenderOf(node);
+}
+
+const PropertyInfo* ObjectProperties::ExtenderInfo(std::string_view name) const {
+  return extender_ != nullptr ? extender_->Find(name) : nullptr;
 }
 
 int32_t ObjectProperties::Count() const {
@@ -336,6 +349,10 @@ int32_t ObjectProperties::Count() const {
   int32_t count = 1;  // the name, which its Begin line holds
   for (const auto& item : node_->Items()) {
     if (item.property || (item.node && item.node->IsGroup())) ++count;
+  }
+  if (extender_ != nullptr) {
+    for (const PropertyInfo& info : extender_->properties)
+      count += node_->FindProperty(info.name) == nullptr ? 1 : 0;
   }
   return count;
 }
@@ -352,20 +369,26 @@ std::string ObjectProperties::NameAt(int32_t position) const {
         if (!counts) continue;
         if (index++ == position) return item.property ? item.property->Name() : item.node->Name();
       }
+      // Then the extender's properties that the file leaves at their defaults.
+      for (const PropertyInfo& info :
+           extender_ != nullptr ? extender_->properties : std::span<const PropertyInfo>()) {
+        if (node_->FindProperty(info.name) != nullptr) continue;
+        if (index++ == position) return std::string(info.name);
+      }
     }
   }
   automation::Raise(err::kSubscript);
 }
 
 const PropertyInfo* ObjectProperties::Find(std::string_view name) const {
-  return class_ != nullptr ? class_->Find(name) : nullptr;
+  return class_ != nullptr ? class_->Find(name) : ExtenderInfo(name);
 }
 
 bool ObjectProperties::Has(std::string_view name) const {
   if (class_ != nullptr) return class_->Find(name) != nullptr;
   // Every control has a name and an index (-1 outside arrays), whatever its file stores.
   return Same(name, "Name") || Same(name, "Index") || node_->FindProperty(name) != nullptr ||
-         node_->FindGroup(name) != nullptr;
+         node_->FindGroup(name) != nullptr || ExtenderInfo(name) != nullptr;
 }
 
 std::string ObjectProperties::Spelling(std::string_view name) const {
@@ -376,13 +399,15 @@ std::string ObjectProperties::Spelling(std::string_view name) const {
     return entry->Name();
   } else if (const DescriptionNode* group = node_->FindGroup(name)) {
     return group->Name();
+  } else if (const PropertyInfo* info = ExtenderInfo(name)) {
+    return std::string(info->name);
   }
   if (Same(name, "Index")) return "Index";
   return std::string(name);
 }
 
 const PropertyInfo& ObjectProperties::Require(std::string_view name) const {
-  const PropertyInfo* info = class_ != nullptr ? class_->FindMember(name) : nullptr;
+  const PropertyInfo* info = class_ != nullptr ? class_->FindMember(name) : ExtenderInfo(name);
   if (info == nullptr) NoSuchProperty(name);
   return *info;
 }
@@ -454,6 +479,7 @@ Variant ObjectProperties::Get(std::string_view name) const {
   if (class_ == nullptr) {
     if (Same(name, "Name")) return Variant(node_->Name());
     if (Same(name, "Index")) return Variant::Integer(static_cast<int16_t>(node_->Index()));
+    if (const PropertyInfo* info = ExtenderInfo(name)) return Read(*info);
     if (const PropertyEntry* entry = node_->FindProperty(name)) return ReadStored(*entry);
     if (node_->FindGroup(name) != nullptr) return Variant(automation::ObjectRef());
     NoSuchProperty(name);
@@ -466,7 +492,7 @@ std::optional<std::size_t> ObjectProperties::CompanionDataSize(std::string_view 
   if (entry == nullptr || !entry->Reference() || context_.companion == nullptr) {
     return std::nullopt;
   }
-  const PropertyInfo* info = class_ != nullptr ? class_->FindMember(name) : nullptr;
+  const PropertyInfo* info = class_ != nullptr ? class_->FindMember(name) : ExtenderInfo(name);
   if (info != nullptr ? !info->IsObject() : entry->Reference()->isString) return std::nullopt;
   return context_.companion->Read(*entry, RecordKindOf(*entry)).Content().size();
 }
@@ -561,8 +587,9 @@ void ObjectProperties::Store(const PropertyInfo& info, const Variant& value) {
 }
 
 void ObjectProperties::Set(std::string_view name, const Variant& value) {
-  if (class_ == nullptr) {
-    // A control of another library: its stored line takes a value of the kind it holds.
+  if (class_ == nullptr && ExtenderInfo(name) == nullptr) {
+    // A control of another library: its stored line takes a value of the kind it holds. (The
+    // extender's properties are typed: they go the way of VB's own below.)
     if (Same(name, "Name") || Same(name, "Index")) {
       automation::Raise(err::kReadOnlyProperty,
                         std::string(name) + " is set through the control's own object");
@@ -601,7 +628,8 @@ void ObjectProperties::Set(std::string_view name, const Variant& value) {
     RemoveLine(info.name);
     return;
   }
-  const bool movesText = Same(info.name, "MultiLine") && class_->Find("Text") != nullptr;
+  const bool movesText =
+      class_ != nullptr && Same(info.name, "MultiLine") && class_->Find("Text") != nullptr;
   const Variant text = movesText ? Read(*class_->Find("Text")) : Variant();
   Store(info, coerced);
   // The box's Text is kept where its new MultiLine setting puts it.

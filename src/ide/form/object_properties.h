@@ -4,13 +4,18 @@
 //
 // An object is a DescriptionNode (the root of a component's description or a control below it)
 // with its class from the catalog (none for other libraries' controls and designers the catalog
-// does not know), the component's code page and its binary companion (CompanionStore).
+// does not know; other libraries' controls have the extender's properties, ExtenderClass), the
+// component's code page and its binary companion (CompanionStore).
 //
 // Reading answers as VB6 does: the stored value parsed by the property's catalog type; the
 // omission default when the line is absent; strings and lists that VB6 keeps in the companion
 // read from it (decoded with the code page). An object of a class the catalog does not know
 // answers the properties its file stores, as written: quoted strings as text, numbers as
-// numbers, other values as their text; companion references as the record's content.
+// numbers (Booleans where the line carries VB6's 'True or 'False comment, and writes to it keep
+// that form), other values as their text; companion references as the record's content. A
+// control of another library also answers the extender's properties (Tag, Visible, Left, ...)
+// as VB's own controls answer them: typed, defaulted when absent, and written (the line added,
+// rewritten or, at the default, removed) the same way.
 //
 // Writing coerces the value with the catalog (CoerceValue: 380, 383 read-only, 13, 6) and
 // stores it as VB6 does: the line formatted by property_line in VB6's place, the line removed
@@ -130,11 +135,13 @@ class ObjectProperties {
 
   // The Properties collection: for a catalog class the properties it shows (window and hidden,
   // in its order); for another class Name, then the properties its file stores (lines and
-  // groups) in stored order, and Index by name also when its line is absent.
+  // groups) in stored order, then (a control) the extender's properties its file does not
+  // store, in the extender's order; and Index by name also when its line is absent.
   int32_t Count() const;
   // The name at a zero-based position; raises 9 past the end.
   std::string NameAt(int32_t position) const;
-  // The catalog's entry of a property of the collection (null for unknown classes and names).
+  // The catalog's entry of a property of the collection (the extender's for another library's
+  // control; null for unknown classes and names).
   const PropertyInfo* Find(std::string_view name) const;
   // Whether the collection has the property (stored ones for unknown classes).
   bool Has(std::string_view name) const;
@@ -203,10 +210,12 @@ class ObjectProperties {
   void ForgetRecord(std::string_view name);
   bool MultiLine() const;
   const PropertyInfo& Require(std::string_view name) const;
+  const PropertyInfo* ExtenderInfo(std::string_view name) const;
 
   FormContext context_;
   DescriptionNode* node_;
   const ClassInfo* class_;
+  const ClassInfo* extender_ = nullptr;  // a control of another library: the extender
 };
 
 // The font a description node has in its own group, if it has one.

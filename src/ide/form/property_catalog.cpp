@@ -90,6 +90,10 @@ std::span<const ClassInfo* const> AllClasses() {
   return kAll;
 }
 
+const ClassInfo& ExtenderClass() {
+  return data::kExtender;
+}
+
 const ClassInfo* FindClass(std::string_view identifier) {
   for (const ClassInfo* c : AllClasses()) {
     if (automation::EqualsAsciiNoCase(c->progId, identifier) ||

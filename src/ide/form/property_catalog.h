@@ -17,7 +17,8 @@
 //    Properties collection.
 //
 // A class that is not in the catalog (controls of other libraries, other designers) has no
-// entry: its owner answers only the properties its file stores.
+// entry: its owner answers the properties its file stores, and a control of another library
+// also those the container's extender gives it (ExtenderClass).
 
 #include <cstdint>
 #include <span>
@@ -134,6 +135,7 @@ enum class ClassKind : uint8_t {
   kControl,    // one of the 21 intrinsic controls
   kDhtmlPage,  // the DHTML page designer
   kUserConnection,
+  kExtender,  // the container's extender around a control of another library
 };
 
 // The order of a class's properties in the window and the file.
@@ -201,6 +203,11 @@ const ClassInfo* FindClass(std::string_view identifier);
 // Every class of the catalog: the five form-like ones, the 21 controls in ControlTypeConstants
 // order, then the two designers.
 std::span<const ClassInfo* const> AllClasses();
+
+// The properties VB6's extender object gives every control of another library (Tag, Visible,
+// Left, TabIndex, ...), typed and defaulted as for VB's own controls, in the window's order.
+// Not a class of AllClasses: it wraps whatever class the control has.
+const ClassInfo& ExtenderClass();
 
 // The enumerations of the catalog by their type-library name; nullptr when unknown.
 const Enumeration* FindEnumeration(std::string_view name);

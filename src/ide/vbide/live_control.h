@@ -20,8 +20,9 @@
 // design time they list nothing, and they have no Clear, AddItem or RemoveItem.
 //
 // A control of another library answers the properties its file stores, by name (strings as
-// text, numbers as numbers, other values as written), and takes writes of them; any other
-// member fails with 438.
+// text, numbers as numbers, other values as written), and the extender's (Tag, Visible, Left,
+// ...; form/property_catalog.h ExtenderClass) typed as VB's own controls have them, and takes
+// writes of both; any other member fails with 438.
 
 #include <memory>
 #include <string_view>
