@@ -148,6 +148,27 @@ TEST(DumpProperties, PicturesGiveTheirSizeAndABrokenComponentDoesNotStopTheRest)
   EXPECT_EQ(ControlOf(run.lines[0], "imgLogo")["properties"]["Picture"], nullptr);
 }
 
+// A designer of its own kind (.dsr): its settings, and no controls.
+TEST(DumpProperties, DesignersGiveTheirSettings) {
+  qxtest::TempHome home;
+  fs::copy(fs::path(QX_FIXTURES) / "basic", home.path() / "basic", fs::copy_options::recursive);
+  const std::string vbp = (home.path() / "basic" / "Basic.vbp").string();
+  const Outcome run = DumpProperties(vbp, "DHTMLPage1");
+  ASSERT_EQ(run.status, ide::tool::kExitOk) << run.err;
+  ASSERT_EQ(run.lines.size(), 1u);
+  EXPECT_EQ(run.lines[0]["type"], 11);
+  EXPECT_EQ(run.lines[0]["properties"]["SourceFile"], "DHTMLPage1.htm");
+  EXPECT_EQ(run.lines[0]["properties"]["ShowBorder"], false);
+  EXPECT_EQ(run.lines[0]["controls"], Json::array());
+  // Setting one of them goes through the same collection.
+  std::ostringstream err;
+  ASSERT_EQ(ide::tool::RunSet({vbp, "DHTMLPage1", "ShowBorder", "true"}, err), ide::tool::kExitOk)
+      << err.str();
+  EXPECT_EQ(DumpProperties(vbp, "DHTMLPage1").lines.at(0)["properties"]["ShowBorder"], true);
+  EXPECT_EQ(ide::tool::RunSet({vbp, "DHTMLPage1.x", "Caption", "\"x\""}, err),
+            ide::tool::kExitError);
+}
+
 class SetProperty : public ::testing::Test {
  protected:
   SetProperty() : copy_("props") {}

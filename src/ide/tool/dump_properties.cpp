@@ -94,7 +94,7 @@ Json PropertyJson(vbide::Property& property, const form::ObjectProperties& objec
   if (const auto size = object.CompanionDataSize(name)) return Json{{"picture", *size}};
   const Variant value = property.Value();
   if (value.Type() == VarType::Object) {
-    const auto font = automation::As<vbide::Properties>(value.ToObject());
+    const auto font = std::dynamic_pointer_cast<vbide::Properties>(value.ToObject());
     if (font && font->GetKind() == vbide::Properties::Kind::kFont) return FontJson(*font);
     return nullptr;
   }
@@ -115,7 +115,7 @@ Json PropertiesJson(vbide::Properties& properties) {
 
 Json ControlsJson(const automation::ObjectRef& designer) {
   Json controls = Json::array();
-  const auto form = automation::As<vbide::VBForm>(designer);
+  const auto form = std::dynamic_pointer_cast<vbide::VBForm>(designer);
   if (!form) return controls;  // a designer of its own kind (.dsr) has no controls here
   const std::shared_ptr<vbide::VBControls> all = form->VBControls();
   const int32_t count = all->Count();

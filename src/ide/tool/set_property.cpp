@@ -100,7 +100,7 @@ void Write(vbide::VBComponent& component, const Target& target, const std::strin
   if (target.control.empty()) {
     properties = component.Properties();
   } else {
-    const auto form = automation::As<vbide::VBForm>(component.Designer());
+    const auto form = std::dynamic_pointer_cast<vbide::VBForm>(component.Designer());
     if (!form) {
       automation::Raise(err::kSubscript, component.Name() + " has no controls");
     }
