@@ -386,12 +386,27 @@ TEST_F(ObjectPropertiesTest, AMissingCompanionIsReportedWhenARecordIsRead) {
   EXPECT_EQ(ChangedLines(frm_, Frm()).size(), 2u);
 }
 
+// A form file parsed on its own (no companion), for the objects of other libraries on it.
+struct ParsedForm {
+  explicit ParsedForm(std::string text)
+      : bytes(std::move(text)),
+        file(ide::ComponentFile::Parse(bytes, ide::FileKind::kForm, platform::GetCodePage(1252),
+                                       "frmOther.frm")),
+        context{file->Description(), &platform::GetCodePage(1252), nullptr} {}
+  ObjectProperties Object(const char* name, int32_t index = -1) {
+    ide::form::DescriptionNode* node = context.description->FindObject(name, index);
+    EXPECT_NE(node, nullptr) << name;
+    return ObjectProperties(context, *node);
+  }
+
+  std::string bytes;
+  std::unique_ptr<ide::ComponentFile> file;
+  ide::form::FormContext context;
+};
+
 TEST(ObjectPropertiesOfOtherLibraries, StoredValuesAnswerAsWritten) {
-  const std::string bytes = ReadBytes(std::string(QX_FIXTURES) + "/ide/orders/frmOrders.frm");
-  auto file = ide::ComponentFile::Parse(bytes, ide::FileKind::kForm, platform::GetCodePage(1252),
-                                        "frmOrders.frm");
-  ide::form::FormContext context{file->Description(), &platform::GetCodePage(1252), nullptr};
-  ObjectProperties view(context, *context.description->FindObject("lvwOrders"));
+  ParsedForm form(ReadBytes(std::string(QX_FIXTURES) + "/ide/orders/frmOrders.frm"));
+  ObjectProperties view = form.Object("lvwOrders");
   EXPECT_EQ(view.Class(), nullptr);
   // Name first, then what the file stores, in its order (the font and column groups included).
   EXPECT_EQ(view.NameAt(0), "Name");
@@ -416,27 +431,22 @@ TEST(ObjectPropertiesOfOtherLibraries, StoredValuesAnswerAsWritten) {
   view.Set("View", Variant(1));
   EXPECT_EQ(view.Get("View"), Variant::Long(1));
   EXPECT_NE(
-      file->Render().find("      _ExtentY        =   4471\r\n      View            =   1\r\n"),
+      form.file->Render().find("      _ExtentY        =   4471\r\n      View            =   1\r\n"),
       std::string::npos);
 
   // Menus are VB's own: a caption and an unquoted shortcut.
-  ObjectProperties menu(context, *context.description->FindObject("mnuOrderNew"));
+  ObjectProperties menu = form.Object("mnuOrderNew");
   EXPECT_EQ(menu.Get("Caption"), Variant("&New"));
   EXPECT_EQ(menu.Get("Shortcut"), Variant("^N"));
   EXPECT_EQ(menu.Get("Checked"), Variant(false));
-  EXPECT_EQ(
-      ObjectProperties(context, *context.description->FindObject("mnuRecent", 0)).Get("Index"),
-      Variant::Integer(0));
+  EXPECT_EQ(form.Object("mnuRecent", 0).Get("Index"), Variant::Integer(0));
 }
 
 // The extender's properties of another library's control: typed, defaulted, and written as VB's
 // own controls' are, among the extender lines before the control's own.
 TEST(ObjectPropertiesOfOtherLibraries, TheExtendersPropertiesAreTypedAndDefaulted) {
-  const std::string bytes = ReadBytes(std::string(QX_FIXTURES) + "/ide/orders/frmOrders.frm");
-  auto file = ide::ComponentFile::Parse(bytes, ide::FileKind::kForm, platform::GetCodePage(1252),
-                                        "frmOrders.frm");
-  ide::form::FormContext context{file->Description(), &platform::GetCodePage(1252), nullptr};
-  ObjectProperties view(context, *context.description->FindObject("lvwOrders"));
+  ParsedForm form(ReadBytes(std::string(QX_FIXTURES) + "/ide/orders/frmOrders.frm"));
+  ObjectProperties view = form.Object("lvwOrders");
   EXPECT_EQ(view.Get("Visible"), Variant(true));
   EXPECT_EQ(view.Get("tag"), Variant(""));
   EXPECT_EQ(view.Get("TabIndex"), Variant::Integer(2));
@@ -454,14 +464,14 @@ TEST(ObjectPropertiesOfOtherLibraries, TheExtendersPropertiesAreTypedAndDefaulte
   view.Set("Visible", Variant(false));
   view.Set("Tag", Variant("orders"));
   view.Set("Left", Variant(240));
-  EXPECT_NE(file->Render().find("      Height          =   2535\r\n"
-                                "      Left            =   240\r\n"
-                                "      TabIndex        =   2\r\n"
-                                "      Tag             =   \"orders\"\r\n"
-                                "      Top             =   1440\r\n"
-                                "      Visible         =   0   'False\r\n"
-                                "      Width           =   6975\r\n"
-                                "      _ExtentX        =   12303\r\n"),
+  EXPECT_NE(form.file->Render().find("      Height          =   2535\r\n"
+                                     "      Left            =   240\r\n"
+                                     "      TabIndex        =   2\r\n"
+                                     "      Tag             =   \"orders\"\r\n"
+                                     "      Top             =   1440\r\n"
+                                     "      Visible         =   0   'False\r\n"
+                                     "      Width           =   6975\r\n"
+                                     "      _ExtentX        =   12303\r\n"),
             std::string::npos);
   EXPECT_EQ(view.Get("Visible"), Variant(false));
   EXPECT_EQ(view.Count(), 28);  // two more lines stored, two fewer of the extender left
@@ -469,7 +479,7 @@ TEST(ObjectPropertiesOfOtherLibraries, TheExtendersPropertiesAreTypedAndDefaulte
   view.Set("Visible", Variant(true));
   view.Set("Tag", Variant(""));
   view.Set("Left", Variant(120));
-  EXPECT_EQ(file->Render(), bytes);
+  EXPECT_EQ(form.file->Render(), form.bytes);
 }
 
 // Another library's lines are typed by their comments: 'True and 'False make a Boolean that
@@ -491,10 +501,8 @@ TEST(ObjectPropertiesOfOtherLibraries, CommentsKeepTheirFormWhenWritten) {
       "      TickStyle       =   2  'sldBoth\r\n"
       "   End\r\n"
       "End\r\n";
-  auto file = ide::ComponentFile::Parse(bytes, ide::FileKind::kForm, platform::GetCodePage(1252),
-                                        "frmBars.frm");
-  ide::form::FormContext context{file->Description(), &platform::GetCodePage(1252), nullptr};
-  ObjectProperties slider(context, *context.description->FindObject("sldA"));
+  ParsedForm form(bytes);
+  ObjectProperties slider = form.Object("sldA");
   EXPECT_EQ(slider.Get("Enabled"), Variant(false));
   EXPECT_EQ(slider.Get("TickStyle"), Variant::Long(1));
   EXPECT_EQ(ErrorOf([&] { slider.Set("Enabled", Variant("maybe")); }), 13);
@@ -502,18 +510,20 @@ TEST(ObjectPropertiesOfOtherLibraries, CommentsKeepTheirFormWhenWritten) {
   EXPECT_EQ(slider.Get("Enabled"), Variant(true));
   slider.Set("TickStyle", Variant(1));  // the same value: the line stays as written
   slider.Set("Max", Variant(2.5));
-  EXPECT_NE(file->Render().find("      Enabled         =   -1  'True\r\n"
-                                "      TickStyle       =   1  'sldTopLeft\r\n"
-                                "      Max             =   2.5\r\n"),
+  EXPECT_NE(form.file->Render().find("      Enabled         =   -1  'True\r\n"
+                                     "      TickStyle       =   1  'sldTopLeft\r\n"
+                                     "      Max             =   2.5\r\n"),
             std::string::npos);
   // A value another slider of the form writes takes its description; one none writes, none.
   slider.Set("TickStyle", Variant(2));
-  EXPECT_NE(file->Render().find("      TickStyle       =   2  'sldBoth\r\n"), std::string::npos);
+  EXPECT_NE(form.file->Render().find("      TickStyle       =   2  'sldBoth\r\n"),
+            std::string::npos);
   slider.Set("TickStyle", Variant(3));
-  EXPECT_NE(file->Render().find("      TickStyle       =   3\r\n"), std::string::npos);
+  EXPECT_NE(form.file->Render().find("      TickStyle       =   3\r\n"), std::string::npos);
   EXPECT_EQ(slider.Get("TickStyle"), Variant::Long(3));
   slider.Set("Enabled", Variant(false));
-  EXPECT_NE(file->Render().find("      Enabled         =   0   'False\r\n"), std::string::npos);
+  EXPECT_NE(form.file->Render().find("      Enabled         =   0   'False\r\n"),
+            std::string::npos);
 }
 
 }  // namespace
