@@ -386,24 +386,40 @@ TEST_F(ObjectPropertiesTest, AMissingCompanionIsReportedWhenARecordIsRead) {
   EXPECT_EQ(ChangedLines(frm_, Frm()).size(), 2u);
 }
 
+// A form file parsed on its own (no companion), for the objects of other libraries on it.
+struct ParsedForm {
+  explicit ParsedForm(std::string text)
+      : bytes(std::move(text)),
+        file(ide::ComponentFile::Parse(bytes, ide::FileKind::kForm, platform::GetCodePage(1252),
+                                       "frmOther.frm")),
+        context{file->Description(), &platform::GetCodePage(1252), nullptr} {}
+  ObjectProperties Object(const char* name, int32_t index = -1) {
+    ide::form::DescriptionNode* node = context.description->FindObject(name, index);
+    EXPECT_NE(node, nullptr) << name;
+    return ObjectProperties(context, *node);
+  }
+
+  std::string bytes;
+  std::unique_ptr<ide::ComponentFile> file;
+  ide::form::FormContext context;
+};
+
 TEST(ObjectPropertiesOfOtherLibraries, StoredValuesAnswerAsWritten) {
-  const std::string bytes = ReadBytes(std::string(QX_FIXTURES) + "/ide/orders/frmOrders.frm");
-  auto file = ide::ComponentFile::Parse(bytes, ide::FileKind::kForm, platform::GetCodePage(1252),
-                                        "frmOrders.frm");
-  ide::form::FormContext context{file->Description(), &platform::GetCodePage(1252), nullptr};
-  ObjectProperties view(context, *context.description->FindObject("lvwOrders"));
+  ParsedForm form(ReadBytes(std::string(QX_FIXTURES) + "/ide/orders/frmOrders.frm"));
+  ObjectProperties view = form.Object("lvwOrders");
   EXPECT_EQ(view.Class(), nullptr);
-  // Name first, then what the file stores, in its order (the font and column groups included),
-  // then the extender's properties that it does not store.
+  // Name first, then what the file stores, in its order (the font and column groups included).
   EXPECT_EQ(view.NameAt(0), "Name");
   EXPECT_EQ(view.NameAt(1), "Height");
-  EXPECT_EQ(view.Count(), 28);
   EXPECT_EQ(view.NameAt(18), "ColumnHeader(2)");
+  // Then the extender's properties that the file does not store, in the extender's order.
+  EXPECT_EQ(view.Count(), 19 + 9);
   EXPECT_EQ(view.NameAt(19), "CausesValidation");
   EXPECT_EQ(view.NameAt(27), "WhatsThisHelpID");
+  EXPECT_EQ(ErrorOf([&] { view.NameAt(28); }), 9);
   EXPECT_EQ(view.Get("Name"), Variant("lvwOrders"));
   EXPECT_EQ(view.Get("view"), Variant::Long(3));
-  EXPECT_EQ(view.Get("FullRowSelect"), Variant::Long(-1));
+  EXPECT_EQ(view.Get("FullRowSelect"), Variant(true));  // its line says 'True
   EXPECT_EQ(view.Get("ForeColor"), Variant::Long(-2147483640));
   EXPECT_EQ(view.Get("Index"), Variant::Integer(-1));
   EXPECT_TRUE(view.Has("Index"));
@@ -415,37 +431,99 @@ TEST(ObjectPropertiesOfOtherLibraries, StoredValuesAnswerAsWritten) {
   view.Set("View", Variant(1));
   EXPECT_EQ(view.Get("View"), Variant::Long(1));
   EXPECT_NE(
-      file->Render().find("      _ExtentY        =   4471\r\n      View            =   1\r\n"),
+      form.file->Render().find("      _ExtentY        =   4471\r\n      View            =   1\r\n"),
       std::string::npos);
 
-  // The extender's properties answer with VB6's types and defaults, and their lines come and go
-  // among the extender's, before the control's own.
-  EXPECT_EQ(view.Get("tag"), Variant(""));
-  EXPECT_EQ(view.Get("Visible"), Variant(true));
-  EXPECT_EQ(view.Get("TabIndex"), Variant::Integer(2));
-  EXPECT_EQ(view.Spelling("tooltiptext"), "ToolTipText");
-  const std::string before = file->Render();
-  view.Set("ToolTipText", Variant("Open orders"));
-  view.Set("Visible", Variant(false));
-  EXPECT_NE(file->Render().find("      TabIndex        =   2\r\n      ToolTipText     =   \"Open "
-                                "orders\"\r\n      Top             =   1440\r\n"
-                                "      Visible         =   0   'False\r\n"
-                                "      Width           =   6975\r\n      _ExtentX"),
-            std::string::npos);
-  EXPECT_EQ(view.Get("ToolTipText"), Variant("Open orders"));
-  EXPECT_EQ(ErrorOf([&] { view.Set("TabIndex", Variant(-1)); }), 380);
-  view.Set("ToolTipText", Variant(""));
-  view.Set("Visible", Variant(true));
-  EXPECT_EQ(file->Render(), before);
-
   // Menus are VB's own: a caption and an unquoted shortcut.
-  ObjectProperties menu(context, *context.description->FindObject("mnuOrderNew"));
+  ObjectProperties menu = form.Object("mnuOrderNew");
   EXPECT_EQ(menu.Get("Caption"), Variant("&New"));
   EXPECT_EQ(menu.Get("Shortcut"), Variant("^N"));
   EXPECT_EQ(menu.Get("Checked"), Variant(false));
-  EXPECT_EQ(
-      ObjectProperties(context, *context.description->FindObject("mnuRecent", 0)).Get("Index"),
-      Variant::Integer(0));
+  EXPECT_EQ(form.Object("mnuRecent", 0).Get("Index"), Variant::Integer(0));
+}
+
+// The extender's properties of another library's control: typed, defaulted, and written as VB's
+// own controls' are, among the extender lines before the control's own.
+TEST(ObjectPropertiesOfOtherLibraries, TheExtendersPropertiesAreTypedAndDefaulted) {
+  ParsedForm form(ReadBytes(std::string(QX_FIXTURES) + "/ide/orders/frmOrders.frm"));
+  ObjectProperties view = form.Object("lvwOrders");
+  EXPECT_EQ(view.Get("Visible"), Variant(true));
+  EXPECT_EQ(view.Get("tag"), Variant(""));
+  EXPECT_EQ(view.Get("TabIndex"), Variant::Integer(2));
+  EXPECT_EQ(view.Get("Left"), Variant::Single(120));
+  EXPECT_EQ(view.Get("DragMode"), Variant::Long(0));
+  EXPECT_EQ(view.Get("DragIcon").ToObject(), nullptr);
+  EXPECT_TRUE(view.Has("WhatsThisHelpID"));
+  EXPECT_EQ(view.Spelling("tooltiptext"), "ToolTipText");
+  ASSERT_NE(view.Find("CausesValidation"), nullptr);
+  EXPECT_EQ(view.Find("CausesValidation")->type, ide::form::ValueType::kBoolean);
+
+  EXPECT_EQ(ErrorOf([&] { view.Set("DragMode", Variant(5)); }), 380);
+  EXPECT_EQ(ErrorOf([&] { view.Set("TabIndex", Variant(-1)); }), 380);
+  EXPECT_EQ(ErrorOf([&] { view.Set("Visible", Variant("seldom")); }), 13);
+  view.Set("Visible", Variant(false));
+  view.Set("Tag", Variant("orders"));
+  view.Set("Left", Variant(240));
+  EXPECT_NE(form.file->Render().find("      Height          =   2535\r\n"
+                                     "      Left            =   240\r\n"
+                                     "      TabIndex        =   2\r\n"
+                                     "      Tag             =   \"orders\"\r\n"
+                                     "      Top             =   1440\r\n"
+                                     "      Visible         =   0   'False\r\n"
+                                     "      Width           =   6975\r\n"
+                                     "      _ExtentX        =   12303\r\n"),
+            std::string::npos);
+  EXPECT_EQ(view.Get("Visible"), Variant(false));
+  EXPECT_EQ(view.Count(), 28);  // two more lines stored, two fewer of the extender left
+  // Back at their defaults the lines go again: the file is as it was.
+  view.Set("Visible", Variant(true));
+  view.Set("Tag", Variant(""));
+  view.Set("Left", Variant(120));
+  EXPECT_EQ(form.file->Render(), form.bytes);
+}
+
+// Another library's lines are typed by their comments: 'True and 'False make a Boolean that
+// keeps VB6's form when written; an enumeration's description stays with its value.
+TEST(ObjectPropertiesOfOtherLibraries, CommentsKeepTheirFormWhenWritten) {
+  const std::string bytes =
+      "VERSION 5.00\r\n"
+      "Object = \"{831FDD16-0C5C-11D2-A9FC-0000F8754DA1}#2.0#0\"; \"MSCOMCTL.OCX\"\r\n"
+      "Begin VB.Form frmBars \r\n"
+      "   Begin MSComctlLib.Slider sldA \r\n"
+      "      Height          =   450\r\n"
+      "      _Version        =   393216\r\n"
+      "      Enabled         =   0   'False\r\n"
+      "      TickStyle       =   1  'sldTopLeft\r\n"
+      "      Max             =   20\r\n"
+      "   End\r\n"
+      "   Begin MSComctlLib.Slider sldB \r\n"
+      "      _Version        =   393216\r\n"
+      "      TickStyle       =   2  'sldBoth\r\n"
+      "   End\r\n"
+      "End\r\n";
+  ParsedForm form(bytes);
+  ObjectProperties slider = form.Object("sldA");
+  EXPECT_EQ(slider.Get("Enabled"), Variant(false));
+  EXPECT_EQ(slider.Get("TickStyle"), Variant::Long(1));
+  EXPECT_EQ(ErrorOf([&] { slider.Set("Enabled", Variant("maybe")); }), 13);
+  slider.Set("Enabled", Variant("True"));
+  EXPECT_EQ(slider.Get("Enabled"), Variant(true));
+  slider.Set("TickStyle", Variant(1));  // the same value: the line stays as written
+  slider.Set("Max", Variant(2.5));
+  EXPECT_NE(form.file->Render().find("      Enabled         =   -1  'True\r\n"
+                                     "      TickStyle       =   1  'sldTopLeft\r\n"
+                                     "      Max             =   2.5\r\n"),
+            std::string::npos);
+  // A value another slider of the form writes takes its description; one none writes, none.
+  slider.Set("TickStyle", Variant(2));
+  EXPECT_NE(form.file->Render().find("      TickStyle       =   2  'sldBoth\r\n"),
+            std::string::npos);
+  slider.Set("TickStyle", Variant(3));
+  EXPECT_NE(form.file->Render().find("      TickStyle       =   3\r\n"), std::string::npos);
+  EXPECT_EQ(slider.Get("TickStyle"), Variant::Long(3));
+  slider.Set("Enabled", Variant(false));
+  EXPECT_NE(form.file->Render().find("      Enabled         =   0   'False\r\n"),
+            std::string::npos);
 }
 
 }  // namespace

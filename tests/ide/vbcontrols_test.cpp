@@ -255,6 +255,70 @@ TEST_F(VbControls, ListItemsRoundTripThroughTheCompanion) {
   EXPECT_EQ(FormBytes().find("frmControls.frx"), std::string::npos);
 }
 
+TEST_F(VbControls, RemoveItemTakesItsItemDataAlongAndRefusesOutsideTheList) {
+  const Dispatch list = Live("lstItems");  // Apple 10, Banana 20, Cherry 30
+  for (int32_t outside : {3, -1}) {
+    EXPECT_EQ(ErrorOf([&] { list.Call("RemoveItem", Variant::Long(outside)); }), 5) << outside;
+  }
+  EXPECT_FALSE(form_.Get("IsDirty").ToBool());
+  list.Call("RemoveItem", Variant::Long(1));
+  ASSERT_EQ(list.Get("ListCount").ToLong(), 2);
+  EXPECT_EQ(list.GetAt("List", Variant::Long(1)).ToString(), "Cherry");
+  EXPECT_EQ(list.GetAt("ItemData", Variant::Long(1)).ToLong(), 30);
+  EXPECT_TRUE(form_.Get("IsDirty").ToBool());
+
+  // Items that take the list's record past 255 bytes, one of them removed again.
+  list.Call("AddItem", std::string(300, 'a'));
+  list.Call("AddItem", std::string(300, 'b'));
+  list.Call("RemoveItem", Variant::Long(2));
+  Save();
+  const ide::form::CompanionRecord itemData = ide::form::CompanionRecord::List({"10", "30", "0"});
+  const ide::form::CompanionRecord items =
+      ide::form::CompanionRecord::List({"Apple", "Cherry", std::string(300, 'b')});
+  ASSERT_GT(items.Bytes().size(), 255u);
+  EXPECT_EQ(ReadBytes(copy_->Path("frmControls.frx")), itemData.Bytes() + items.Bytes());
+
+  Start();
+  const Dispatch again = Live("lstItems");
+  ASSERT_EQ(again.Get("ListCount").ToLong(), 3);
+  EXPECT_EQ(again.GetAt("List", Variant::Long(2)).ToString(), std::string(300, 'b'));
+  EXPECT_EQ(again.GetAt("ItemData", Variant::Long(0)).ToLong(), 10);
+  // The last item gone, the list keeps no lines.
+  for (int i = 0; i < 3; ++i)
+    again.Call("RemoveItem", Variant::Long(0));
+  EXPECT_EQ(ErrorOf([&] { again.Call("RemoveItem", Variant::Long(0)); }), 5);
+  Save();
+  EXPECT_EQ(FormBytes().find("frmControls.frx"), std::string::npos);
+  EXPECT_EQ(ErrorOf([&] { Live("filPick").Call("RemoveItem", Variant::Long(0)); }), 438);
+}
+
+TEST_F(VbControls, OtherLibrariesControlsHaveTheExtendersProperties) {
+  const Dispatch bar = Live("barProgress");
+  EXPECT_TRUE(bar.Get("Visible").ToBool());
+  EXPECT_EQ(bar.Get("TabIndex").ToLong(), 6);
+  EXPECT_EQ(bar.Get("ToolTipText").ToString(), "");
+  const std::string before = FormBytes();
+  bar.Put("ToolTipText", "Progress");
+  Property(Control("barProgress"), "Visible").Put("Value", false);
+  Save();
+  EXPECT_TRUE(Missing(before, FormBytes()).empty());
+  EXPECT_NE(FormBytes().find("      TabIndex        =   6\r\n"
+                             "      ToolTipText     =   \"Progress\"\r\n"
+                             "      Top             =   1560\r\n"
+                             "      Visible         =   0   'False\r\n"),
+            std::string::npos);
+  // The collection: Name, the stored lines in their order, then the extender's others.
+  const Dispatch properties(Control("barProgress").Get("Properties").ToObject());
+  EXPECT_EQ(properties.Get("Count").ToLong(), 13 + 7);
+  EXPECT_EQ(Dispatch(properties.Call("Item", 14).ToObject()).Get("Name").ToString(),
+            "CausesValidation");
+  EXPECT_EQ(Dispatch(properties.Call("Item", 13).ToObject()).Get("Name").ToString(), "Max");
+  bar.Put("ToolTipText", "");
+  bar.Put("Visible", true);
+  Save();
+  EXPECT_EQ(FormBytes(), before);
+}
+
 TEST_F(VbControls, ControlPropertiesListTheWindowsPropertiesWithNameFirst) {
   const Dispatch properties(Control("txtInner").Get("Properties").ToObject());
   EXPECT_GT(properties.Get("Count").ToLong(), 40);

@@ -33,6 +33,14 @@ class ScanFixture : public IdeProcesses {
     frx_ = File("frmScan.frx");
   }
 
+  // The list box's item data (three Longs) is the companion's first record; writing the list
+  // clears it, and its line goes.
+  static constexpr std::size_t kItemDataBytes = 16;
+  static std::string WithoutItemData(std::string frm) {
+    frm = Replaced(frm, "      ItemData        =   \"frmScan.frx\":0000\r\n", "");
+    return Replaced(frm, "frx\":0010", "frx\":0000");
+  }
+
   // A fresh copy of the fixture in the project's folder.
   void Fresh() {
     fs::remove_all(folder_);
@@ -98,11 +106,13 @@ TEST_F(ScanFixture, ReplaceWritesByteMinimalChangesToTheFormAndItsCompanion) {
       {{"--in", "properties", "stock list", "store list"},
        Replaced(frm_, "Close the stock list", "Close the store list"),
        frx_},
-      // A list item two bytes longer: its record grows, the records after it move, and the
-      // lines that point at them follow; the item data stays.
+      // A list item two bytes longer: the list is written again (cleared and filled, which
+      // drops its item data), the records after it move, and the lines that point at them
+      // follow.
       {{"--in", "properties", "Pears", "Quinces"},
-       Replaced(Replaced(frm_, "frx\":002A", "frx\":002C"), "frx\":0042", "frx\":0044"),
-       Replaced(Replaced(frx_, Bytes("\x03\x00\x06\x00\x06\x00", 6),
+       Replaced(Replaced(WithoutItemData(frm_), "frx\":002A", "frx\":001C"), "frx\":0042",
+                "frx\":0034"),
+       Replaced(Replaced(frx_.substr(kItemDataBytes), Bytes("\x03\x00\x06\x00\x06\x00", 6),
                          Bytes("\x03\x00\x07\x00\x06\x00", 6)),
                 Bytes("\x05\x00Pears", 7), Bytes("\x07\x00Quinces", 9))},
       // The long caption, the companion's last record: only its length and text change.
@@ -146,12 +156,14 @@ TEST_F(ScanFixture, RefusedNamesAreReportedWithTheirMessageAndTheRestIsWritten) 
   }
   EXPECT_NE(run.out.find("4 replacements in 1 file, 2 places refused; written"), std::string::npos)
       << run.out;
-  EXPECT_EQ(File("frmScan.frm"),
-            Replaced(Replaced(Replaced(frm_, "Close the stock list", "Close the list"),
-                              "frx\":002A", "frx\":0025"),
-                     "frx\":0042", "frx\":003D"));
+  EXPECT_EQ(
+      File("frmScan.frm"),
+      Replaced(Replaced(Replaced(WithoutItemData(frm_), "Close the stock list", "Close the list"),
+                        "frx\":002A", "frx\":0015"),
+               "frx\":0042", "frx\":002D"));
   EXPECT_EQ(File("frmScan.frx"),
-            Replaced(frx_, std::string("\x05\x00Pears", 7), std::string("\x00\x00", 2)));
+            Replaced(frx_.substr(kItemDataBytes), std::string("\x05\x00Pears", 7),
+                     std::string("\x00\x00", 2)));
 
   // A name that is no VB name: the IDE's refusal.
   const auto invalid = Qx({"replace", "--write", "--in", "names", "lstItems", "1st", vbp_});

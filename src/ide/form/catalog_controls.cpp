@@ -731,23 +731,16 @@ constexpr PropertyInfo kTimer[] = {
     Position("Top"),
 };
 
-constexpr ClassInfo Control(std::string_view progId, std::string_view className, int32_t type,
-                            std::span<const PropertyInfo> properties) {
-  return ClassInfo{
-      progId, {}, className, ClassKind::kControl, type, PropertyOrder::kAlphabetical, properties};
-}
-
-// What the form's extender object gives every control of another library, whatever the control
-// itself has: position, tab order, help, drag, Tag, ToolTipText, Visible. VB6 writes their
-// lines first in the control's block, in this order, before the control's own.
+// What the container's extender gives every control of another library, whatever its library
+// (VB6's Extender object): the window shows these beside the control's own properties and the
+// form file stores them among the control's lines, left out at their defaults like VB's own.
+// Name and Index are the control's Begin line and array, answered as for every control.
 constexpr PropertyInfo kExtenderProperties[] = {
-    Name(),
     Bool("CausesValidation", true),
     Picture("DragIcon"),
     DragMode(),
     Position("Height"),
     Lng("HelpContextID", 0),
-    Index(),
     Position("Left"),
     TabIndex(),
     Bool("TabStop", true),
@@ -759,10 +752,16 @@ constexpr PropertyInfo kExtenderProperties[] = {
     Position("Width"),
 };
 
+constexpr ClassInfo Control(std::string_view progId, std::string_view className, int32_t type,
+                            std::span<const PropertyInfo> properties) {
+  return ClassInfo{
+      progId, {}, className, ClassKind::kControl, type, PropertyOrder::kAlphabetical, properties};
+}
+
 }  // namespace
 
 const ClassInfo kExtender{
-    {}, {}, {}, ClassKind::kControl, -1, PropertyOrder::kAlphabetical, kExtenderProperties};
+    {}, {}, {}, ClassKind::kExtender, -1, PropertyOrder::kAlphabetical, kExtenderProperties};
 
 const ClassInfo kControls[21] = {
     Control("VB.CheckBox", "CheckBox", 0, kCheckBox),

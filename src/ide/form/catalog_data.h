@@ -68,9 +68,9 @@ extern const ClassInfo kUserControl;
 extern const ClassInfo kPropertyPage;
 extern const ClassInfo kUserDocument;
 extern const ClassInfo kControls[21];  // in ControlTypeConstants order
-extern const ClassInfo kExtender;      // see ExtenderClass()
 extern const ClassInfo kDhtmlPage;
 extern const ClassInfo kUserConnection;
+extern const ClassInfo kExtender;  // not a class of its own: see ExtenderClass()
 
 // Defaults.
 constexpr DefaultValue Number(double value) {

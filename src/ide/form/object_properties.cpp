@@ -73,9 +73,56 @@ Variant ParseTyped(const PropertyInfo& info, std::string_view text) {
   }
 }
 
+// A line VB6 wrote for a Boolean: -1 or 0 with its 'True or 'False comment. Another library's
+// control is known only by its lines, and this comment is how its file tells the type.
+bool IsBooleanLine(const PropertyEntry& entry) {
+  if (!entry.HasComment() || !(Same(entry.Comment(), "True") || Same(entry.Comment(), "False"))) {
+    return false;
+  }
+  const std::optional<double> number = ParseNumber(entry.Value());
+  return number && (*number == -1 || *number == 0);
+}
+
+// A number written to a stored line of another library's control, its comment kept in mind.
+void StoreStoredNumber(DescriptionNode& node, const Description* description,
+                       const PropertyEntry& entry, double number) {
+  const std::string name = entry.Name();
+  if (number != std::floor(number)) {
+    node.SetProperty(name, FormatSingle(static_cast<float>(number)));
+    return;
+  }
+  const auto whole = static_cast<int64_t>(number);
+  if (entry.HasComment()) {
+    // An enumeration's line: VB6 writes the member's description after the value, and only the
+    // control's type library knows the descriptions, which this IDE does not read. The line stays
+    // as written while its value does; a new value takes the description that another control of
+    // the class writes with it in this form, if one does, and otherwise goes without one (VB6
+    // reads the value alone: the comment is for people).
+    if (ParseNumber(entry.Value()) == number) return;
+    if (description != nullptr && whole >= INT32_MIN && whole <= INT32_MAX) {
+      for (const DescriptionNode* other : description->Controls()) {
+        if (!Same(other->Type(), node.Type())) continue;
+        const PropertyEntry* line = other->FindProperty(name);
+        if (line == nullptr || !line->HasComment() || ParseNumber(line->Value()) != number)
+          continue;
+        node.SetProperty(name, FormatEnumeration(static_cast<int32_t>(whole), line->Comment()));
+        return;
+      }
+    }
+  }
+  node.SetProperty(name, FormatNumber(whole));
+}
+
 const ClassInfo* ClassOf(const DescriptionNode& node) {
   if (node.IsGroup()) return nullptr;
   return FindClass(node.Type());
+}
+
+// The extender around a control of another library (an object below the root whose class the
+// catalog does not know); null for every other object.
+const ClassInfo* ExtenderOf(const DescriptionNode& node) {
+  if (node.IsGroup() || node.Parent() == nullptr || ClassOf(node) != nullptr) return nullptr;
+  return &ExtenderClass();
 }
 
 bool SameFont(const FontValues& a, const FontValues& b) {
@@ -236,6 +283,7 @@ CompanionRecordKind RecordKindOf(const PropertyEntry& entry) {
   const bool isString = entry.Reference() && entry.Reference()->isString;
   const DescriptionNode* owner = entry.Owner();
   const ClassInfo* cls = owner != nullptr ? ClassOf(*owner) : nullptr;
+  if (cls == nullptr && owner != nullptr) cls = ExtenderOf(*owner);
   const PropertyInfo* info = cls != nullptr ? cls->FindMember(entry.Name()) : nullptr;
   if (info == nullptr) {
     return isString ? CompanionRecordKind::kLongString : CompanionRecordKind::kOpaque;
@@ -289,28 +337,11 @@ std::optional<FontValues> OwnFont(const DescriptionNode& node) {
 ObjectProperties::ObjectProperties(FormContext context, DescriptionNode& node)
     : context_(context), node_(&node), class_(ClassOf(node)) {
   if (class_ == nullptr && node.Parent() == nullptr) class_ = context.rootClass;
-  // A control of another library sits in the form's extender (a designer's own objects, named
-  // by a class identifier, do not).
-  if (class_ == nullptr && node.Parent() != nullptr && !node.IsGroup() && !node.Type().empty() &&
-      node.Type().front() != '{') {
-    extender_ = &ExtenderClass();
-  }
+  if (class_ == nullptr) extender_ = ExtenderOf(node);
 }
 
 const PropertyInfo* ObjectProperties::ExtenderInfo(std::string_view name) const {
-  if (extender_ == nullptr || Same(name, "Name") || Same(name, "Index")) return nullptr;
-  return extender_->Find(name);
-}
-
-std::vector<const PropertyInfo*> ObjectProperties::UnstoredExtender() const {
-  std::vector<const PropertyInfo*> out;
-  if (extender_ == nullptr) return out;
-  for (int32_t i = 0; i < extender_->Count(); ++i) {
-    const PropertyInfo* info = extender_->At(i);
-    if (ExtenderInfo(info->name) != nullptr && node_->FindProperty(info->name) == nullptr)
-      out.push_back(info);
-  }
-  return out;
+  return extender_ != nullptr ? extender_->Find(name) : nullptr;
 }
 
 int32_t ObjectProperties::Count() const {
@@ -319,7 +350,11 @@ int32_t ObjectProperties::Count() const {
   for (const auto& item : node_->Items()) {
     if (item.property || (item.node && item.node->IsGroup())) ++count;
   }
-  return count + static_cast<int32_t>(UnstoredExtender().size());
+  if (extender_ != nullptr) {
+    for (const PropertyInfo& info : extender_->properties)
+      count += node_->FindProperty(info.name) == nullptr ? 1 : 0;
+  }
+  return count;
 }
 
 std::string ObjectProperties::NameAt(int32_t position) const {
@@ -334,8 +369,11 @@ std::string ObjectProperties::NameAt(int32_t position) const {
         if (!counts) continue;
         if (index++ == position) return item.property ? item.property->Name() : item.node->Name();
       }
-      for (const PropertyInfo* info : UnstoredExtender()) {
-        if (index++ == position) return std::string(info->name);
+      // Then the extender's properties that the file leaves at their defaults.
+      for (const PropertyInfo& info :
+           extender_ != nullptr ? extender_->properties : std::span<const PropertyInfo>()) {
+        if (node_->FindProperty(info.name) != nullptr) continue;
+        if (index++ == position) return std::string(info.name);
       }
     }
   }
@@ -343,7 +381,7 @@ std::string ObjectProperties::NameAt(int32_t position) const {
 }
 
 const PropertyInfo* ObjectProperties::Find(std::string_view name) const {
-  return class_ != nullptr ? class_->Find(name) : nullptr;
+  return class_ != nullptr ? class_->Find(name) : ExtenderInfo(name);
 }
 
 bool ObjectProperties::Has(std::string_view name) const {
@@ -369,7 +407,7 @@ std::string ObjectProperties::Spelling(std::string_view name) const {
 }
 
 const PropertyInfo& ObjectProperties::Require(std::string_view name) const {
-  const PropertyInfo* info = class_ != nullptr ? class_->FindMember(name) : nullptr;
+  const PropertyInfo* info = class_ != nullptr ? class_->FindMember(name) : ExtenderInfo(name);
   if (info == nullptr) NoSuchProperty(name);
   return *info;
 }
@@ -392,6 +430,7 @@ Variant ObjectProperties::ReadStored(const PropertyEntry& entry) const {
     return Variant(std::string(record.Content()));
   }
   if (auto text = UnquoteString(entry.Value())) return Variant(*text);
+  if (IsBooleanLine(entry)) return Variant(*ParseNumber(entry.Value()) != 0);
   if (auto number = ParseNumber(entry.Value())) {
     double whole = 0;
     if (std::modf(*number, &whole) == 0 && whole >= INT32_MIN && whole <= INT32_MAX) {
@@ -440,13 +479,22 @@ Variant ObjectProperties::Get(std::string_view name) const {
   if (class_ == nullptr) {
     if (Same(name, "Name")) return Variant(node_->Name());
     if (Same(name, "Index")) return Variant::Integer(static_cast<int16_t>(node_->Index()));
-    // The extender's, typed as it types them, stored or not.
     if (const PropertyInfo* info = ExtenderInfo(name)) return Read(*info);
     if (const PropertyEntry* entry = node_->FindProperty(name)) return ReadStored(*entry);
     if (node_->FindGroup(name) != nullptr) return Variant(automation::ObjectRef());
     NoSuchProperty(name);
   }
   return Read(Require(name));
+}
+
+std::optional<std::size_t> ObjectProperties::CompanionDataSize(std::string_view name) const {
+  const PropertyEntry* entry = node_->FindProperty(name);
+  if (entry == nullptr || !entry->Reference() || context_.companion == nullptr) {
+    return std::nullopt;
+  }
+  const PropertyInfo* info = class_ != nullptr ? class_->FindMember(name) : ExtenderInfo(name);
+  if (info != nullptr ? !info->IsObject() : entry->Reference()->isString) return std::nullopt;
+  return context_.companion->Read(*entry, RecordKindOf(*entry)).Content().size();
 }
 
 void ObjectProperties::RemoveLine(std::string_view name) {
@@ -539,34 +587,27 @@ void ObjectProperties::Store(const PropertyInfo& info, const Variant& value) {
 }
 
 void ObjectProperties::Set(std::string_view name, const Variant& value) {
-  if (class_ == nullptr) {
-    // A control of another library: its stored line takes a value of the kind it holds.
+  if (class_ == nullptr && ExtenderInfo(name) == nullptr) {
+    // A control of another library: its stored line takes a value of the kind it holds. (The
+    // extender's properties are typed: they go the way of VB's own below.)
     if (Same(name, "Name") || Same(name, "Index")) {
       automation::Raise(err::kReadOnlyProperty,
                         std::string(name) + " is set through the control's own object");
-    }
-    if (const PropertyInfo* info = ExtenderInfo(name)) {
-      SetKnown(*info, value);
-      return;
     }
     PropertyEntry* entry = node_->FindProperty(name);
     if (entry == nullptr || entry->Reference()) NoSuchProperty(name);
     if (UnquoteString(entry->Value())) {
       node_->SetProperty(entry->Name(), FormatString(value.ToString()));
+    } else if (IsBooleanLine(*entry)) {
+      node_->SetProperty(entry->Name(), FormatBoolean(value.ToBool()));
     } else if (value.IsNumeric() || value.Type() == automation::VarType::Boolean) {
-      const double number = value.ToDouble();
-      node_->SetProperty(entry->Name(), number == std::floor(number)
-                                            ? FormatNumber(static_cast<int64_t>(number))
-                                            : FormatSingle(static_cast<float>(number)));
+      StoreStoredNumber(*node_, context_.description, *entry, value.ToDouble());
     } else {
       automation::Raise(err::kTypeMismatch);
     }
     return;
   }
-  SetKnown(Require(name), value);
-}
-
-void ObjectProperties::SetKnown(const PropertyInfo& info, const Variant& value) {
+  const PropertyInfo& info = Require(name);
   if (Same(info.name, "Name") || (Same(info.name, "Index") && info.type == ValueType::kInteger)) {
     automation::Raise(err::kReadOnlyProperty,
                       std::string(info.name) + " is set through the control's own object");
@@ -672,26 +713,42 @@ void ObjectProperties::SetListItem(std::string_view list, int32_t index, const V
   StoreList(info, items);
 }
 
+ObjectProperties::Items ObjectProperties::ReadItems() const {
+  Items items{ReadList(ListInfo(class_, "List")), std::nullopt};
+  const PropertyInfo* itemData = class_->FindMember("ItemData");
+  if (itemData != nullptr && node_->FindProperty("ItemData") != nullptr) {
+    items.data = ReadList(*itemData);
+    items.data->resize(items.list.size(), "0");
+  }
+  return items;
+}
+
+void ObjectProperties::StoreItems(const Items& items) {
+  StoreList(ListInfo(class_, "List"), items.list);
+  if (items.data) StoreList(*class_->FindMember("ItemData"), *items.data);
+}
+
 void ObjectProperties::AddItem(const Variant& item, int32_t index) {
   const PropertyInfo& list = ListInfo(class_, "List");
-  std::vector<std::string> items = ReadList(list);
-  if (index < -1 || index > static_cast<int32_t>(items.size())) {
+  Items items = ReadItems();
+  if (index < -1 || index > static_cast<int32_t>(items.list.size())) {
     automation::Raise(err::kInvalidCall, "AddItem index " + std::to_string(index));
   }
-  const std::size_t at = index < 0 ? items.size() : static_cast<std::size_t>(index);
-  std::vector<std::string> data;
-  const PropertyInfo* itemData = class_->FindMember("ItemData");
-  const bool hasData = itemData != nullptr && node_->FindProperty("ItemData") != nullptr;
-  if (hasData) {
-    data = ReadList(*itemData);
-    data.resize(items.size(), "0");
+  const std::ptrdiff_t at = index < 0 ? static_cast<std::ptrdiff_t>(items.list.size()) : index;
+  items.list.insert(items.list.begin() + at, CoerceItem(list, item).ToString());
+  if (items.data) items.data->insert(items.data->begin() + at, "0");
+  StoreItems(items);
+}
+
+void ObjectProperties::RemoveItem(int32_t index) {
+  Items items = ReadItems();
+  if (index < 0 || index >= static_cast<int32_t>(items.list.size())) {
+    automation::Raise(err::kInvalidCall, "RemoveItem index " + std::to_string(index) + " of " +
+                                             std::to_string(items.list.size()) + " items");
   }
-  items.insert(items.begin() + static_cast<std::ptrdiff_t>(at), CoerceItem(list, item).ToString());
-  StoreList(list, items);
-  if (hasData) {
-    data.insert(data.begin() + static_cast<std::ptrdiff_t>(at), "0");
-    StoreList(*itemData, data);
-  }
+  items.list.erase(items.list.begin() + index);
+  if (items.data) items.data->erase(items.data->begin() + index);
+  StoreItems(items);
 }
 
 void ObjectProperties::ClearList() {

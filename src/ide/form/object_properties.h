@@ -4,13 +4,18 @@
 //
 // An object is a DescriptionNode (the root of a component's description or a control below it)
 // with its class from the catalog (none for other libraries' controls and designers the catalog
-// does not know), the component's code page and its binary companion (CompanionStore).
+// does not know; other libraries' controls have the extender's properties, ExtenderClass), the
+// component's code page and its binary companion (CompanionStore).
 //
 // Reading answers as VB6 does: the stored value parsed by the property's catalog type; the
 // omission default when the line is absent; strings and lists that VB6 keeps in the companion
 // read from it (decoded with the code page). An object of a class the catalog does not know
 // answers the properties its file stores, as written: quoted strings as text, numbers as
-// numbers, other values as their text; companion references as the record's content.
+// numbers (Booleans where the line carries VB6's 'True or 'False comment, and writes to it keep
+// that form), other values as their text; companion references as the record's content. A
+// control of another library also answers the extender's properties (Tag, Visible, Left, ...)
+// as VB's own controls answer them: typed, defaulted when absent, and written (the line added,
+// rewritten or, at the default, removed) the same way.
 //
 // Writing coerces the value with the catalog (CoerceValue: 380, 383 read-only, 13, 6) and
 // stores it as VB6 does: the line formatted by property_line in VB6's place, the line removed
@@ -130,12 +135,13 @@ class ObjectProperties {
 
   // The Properties collection: for a catalog class the properties it shows (window and hidden,
   // in its order); for another class Name, then the properties its file stores (lines and
-  // groups) in stored order, and Index by name also when its line is absent; for a control of
-  // another library then also its extender's properties that its file does not store.
+  // groups) in stored order, then (a control) the extender's properties its file does not
+  // store, in the extender's order; and Index by name also when its line is absent.
   int32_t Count() const;
   // The name at a zero-based position; raises 9 past the end.
   std::string NameAt(int32_t position) const;
-  // The catalog's entry of a property of the collection (null for unknown classes and names).
+  // The catalog's entry of a property of the collection (the extender's for another library's
+  // control; null for unknown classes and names).
   const PropertyInfo* Find(std::string_view name) const;
   // Whether the collection has the property (stored ones for unknown classes).
   bool Has(std::string_view name) const;
@@ -147,6 +153,11 @@ class ObjectProperties {
   // a list raises 380 (use the list members); of the font, a picture or another object it gives
   // Nothing (the font is Font()). An unknown name raises 438 naming it.
   automation::Variant Get(std::string_view name) const;
+  // The size of the data an object-valued property keeps in the companion: a picture's image,
+  // the record of another library's object (any of its lines that references the companion
+  // other than as a `$` string). Nullopt when the property keeps none there (no picture) or is
+  // not object-valued. Raises as reading the record does (53, 321).
+  std::optional<std::size_t> CompanionDataSize(std::string_view name) const;
   // Writes a property (coerce, then store). Name and Index are written with WriteName and
   // WriteIndex by whoever keeps control arrays consistent; through Set they raise 383.
   void Set(std::string_view name, const automation::Variant& value);
@@ -159,6 +170,9 @@ class ObjectProperties {
   void SetListItem(std::string_view list, int32_t index, const automation::Variant& value);
   // Adds an item at index (-1: at the end); ItemData grows with List (0 for the new item).
   void AddItem(const automation::Variant& item, int32_t index = -1);
+  // Removes item index (zero-based) and its ItemData entry; an index outside the list raises
+  // 5 "Invalid procedure call or argument", as a list box's RemoveItem does.
+  void RemoveItem(int32_t index);
   // Empties List and ItemData.
   void ClearList();
 
@@ -182,23 +196,26 @@ class ObjectProperties {
   void Store(const PropertyInfo& info, const automation::Variant& value);
   void StoreString(const PropertyInfo& info, const std::string& text);
   std::vector<std::string> ReadList(const PropertyInfo& info) const;
+  // List with ItemData in step (an entry for every item, 0 where the record has none), when the
+  // object stores ItemData; AddItem and RemoveItem edit both and store them.
+  struct Items {
+    std::vector<std::string> list;
+    std::optional<std::vector<std::string>> data;
+  };
+  Items ReadItems() const;
+  void StoreItems(const Items& items);
   void StoreList(const PropertyInfo& info, const std::vector<std::string>& items);
   void RemoveLine(std::string_view name);
   // The line's record, if an edit gave it one, is no longer its (the line is about to change).
   void ForgetRecord(std::string_view name);
   bool MultiLine() const;
   const PropertyInfo& Require(std::string_view name) const;
-  // An extender property of a control of another library (not Name or Index); null otherwise.
   const PropertyInfo* ExtenderInfo(std::string_view name) const;
-  // The extender's properties of the collection that the file does not store, in order.
-  std::vector<const PropertyInfo*> UnstoredExtender() const;
-  // A write of a property the catalog or the extender describes: coerced, then stored.
-  void SetKnown(const PropertyInfo& info, const automation::Variant& value);
 
   FormContext context_;
   DescriptionNode* node_;
   const ClassInfo* class_;
-  const ClassInfo* extender_ = nullptr;  // for a control of another library
+  const ClassInfo* extender_ = nullptr;  // a control of another library: the extender
 };
 
 // The font a description node has in its own group, if it has one.

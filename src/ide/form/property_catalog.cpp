@@ -73,10 +73,6 @@ std::span<const PropertyInfo> FontProperties() {
   return kFont;
 }
 
-const ClassInfo& ExtenderClass() {
-  return data::kExtender;
-}
-
 std::span<const ClassInfo* const> AllClasses() {
   static const auto kAll = [] {
     std::array<const ClassInfo*, 28> all{};
@@ -92,6 +88,10 @@ std::span<const ClassInfo* const> AllClasses() {
     return all;
   }();
   return kAll;
+}
+
+const ClassInfo& ExtenderClass() {
+  return data::kExtender;
 }
 
 const ClassInfo* FindClass(std::string_view identifier) {

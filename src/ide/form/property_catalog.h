@@ -18,7 +18,7 @@
 //
 // A class that is not in the catalog (controls of other libraries, other designers) has no
 // entry: its owner answers the properties its file stores, and a control of another library
-// also those of its extender (ExtenderClass).
+// also those the container's extender gives it (ExtenderClass).
 
 #include <cstdint>
 #include <span>
@@ -135,6 +135,7 @@ enum class ClassKind : uint8_t {
   kControl,    // one of the 21 intrinsic controls
   kDhtmlPage,  // the DHTML page designer
   kUserConnection,
+  kExtender,  // the container's extender around a control of another library
 };
 
 // The order of a class's properties in the window and the file.
@@ -189,10 +190,6 @@ inline constexpr bool IsBold(int16_t weight) {
 // Size is written as a Single; the font object itself carries it as Currency.
 std::span<const PropertyInfo> FontProperties();
 
-// The properties the form's extender gives a control of another library (Tag, ToolTipText,
-// Visible, Left...), with VB6's defaults. Not a class of its own: FindClass never answers it.
-const ClassInfo& ExtenderClass();
-
 // The DHTML page designer's CLSID as its `.dsr` names it, and the DesignerIDs of the two
 // designers the catalog knows.
 inline constexpr std::string_view kDhtmlPageClassId = "{90290CCD-F27D-11D0-8031-00C04FB6C701}";
@@ -206,6 +203,11 @@ const ClassInfo* FindClass(std::string_view identifier);
 // Every class of the catalog: the five form-like ones, the 21 controls in ControlTypeConstants
 // order, then the two designers.
 std::span<const ClassInfo* const> AllClasses();
+
+// The properties VB6's extender object gives every control of another library (Tag, Visible,
+// Left, TabIndex, ...), typed and defaulted as for VB's own controls, in the window's order.
+// Not a class of AllClasses: it wraps whatever class the control has.
+const ClassInfo& ExtenderClass();
 
 // The enumerations of the catalog by their type-library name; nullptr when unknown.
 const Enumeration* FindEnumeration(std::string_view name);

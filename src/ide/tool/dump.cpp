@@ -49,6 +49,7 @@ bool DumpComponent(Component& component, std::ostream& out) {
 }  // namespace
 
 int RunDump(const DumpOptions& options, std::ostream& out, std::ostream& err) {
+  if (options.properties) return RunDumpProperties(options, out, err);
   try {
     auto project = Project::Open(options.projectFile);
     if (!options.component.empty()) {

@@ -1,8 +1,8 @@
 // qxvb6.exe: the headless VB6 IDE. It is the executable that the registry names as VB6's, so the
 // driver finds it where it looks for vb6.exe and starts it as VB6 is started, with the project
 // file as its one argument: then it runs as the IDE process (ide/server/server.h), with the
-// driver's IDE-side classes linked in for the add-in. Its own commands (dump, resave) show and
-// check what the IDE makes of a project's files.
+// driver's IDE-side classes linked in for the add-in. Its own commands (dump, set, resave) show,
+// change and check what the IDE makes of a project's files.
 
 #include <CLI/CLI.hpp>
 #include <iostream>
@@ -33,6 +33,23 @@ int main(int argc, char** argv) {
       "dump", "Print the components, their code modules and procedures as the IDE sees them");
   dumpCommand->add_option("PROJECT", dump.projectFile, "The project file (.vbp)")->required();
   dumpCommand->add_option("COMPONENT", dump.component, "Only the component of this name");
+  dumpCommand->add_flag("--properties", dump.properties,
+                        "Print every property of the forms, designers and their controls, one "
+                        "JSON object a component");
+
+  ide::tool::SetOptions set;
+  CLI::App* setCommand = app.add_subcommand(
+      "set", "Write one property of a form, designer or control and save the component");
+  setCommand->add_option("PROJECT", set.projectFile, "The project file (.vbp)")->required();
+  setCommand
+      ->add_option("TARGET", set.target,
+                   "COMPONENT or COMPONENT.CONTROL (Name(3) for a member of a control array)")
+      ->required();
+  setCommand->add_option("PROPERTY", set.property, "The property's name")->required();
+  setCommand
+      ->add_option("VALUE", set.value,
+                   "JSON: a string, a number, a boolean, or an array of strings for List")
+      ->required();
 
   ide::tool::ResaveOptions resave;
   CLI::App* resaveCommand = app.add_subcommand(
@@ -55,6 +72,7 @@ int main(int argc, char** argv) {
     return ide::tool::kExitError;
   }
   if (dumpCommand->parsed()) return ide::tool::RunDump(dump, std::cout, std::cerr);
+  if (setCommand->parsed()) return ide::tool::RunSet(set, std::cerr);
   if (resaveCommand->parsed()) return ide::tool::RunResave(resave, std::cout, std::cerr);
   if (projectFile.empty()) {
     std::cerr << "qxvb6: a project file or a command is required\nRun 'qxvb6.exe --help' for more "

@@ -22,4 +22,9 @@ void PrintError(std::ostream& err, const automation::Error& error) {
   err << "qxvb6: error " << error.Number() << ": " << OneLine(error.Description()) << "\n";
 }
 
+void PrintError(std::ostream& err, std::string_view subject, const automation::Error& error) {
+  err << "qxvb6: " << subject << ": error " << error.Number() << ": "
+      << OneLine(error.Description()) << "\n";
+}
+
 }  // namespace ide::tool

@@ -56,7 +56,7 @@ std::string IdeProblem::Text() const {
   return context + ": " + error.Description() + " (error " + std::to_string(error.Number()) + ")";
 }
 
-std::unique_ptr<Ide> Ide::Start(std::string_view projectPath) {
+std::unique_ptr<Ide> Ide::Start(std::string_view projectPath, AddInLoading addIns) {
   std::unique_ptr<Ide> ide(new Ide());
   ide->process_ = automation::Process::Create("vb6");
   automation::Process::Scope scope(ide->process_);
@@ -70,7 +70,7 @@ std::unique_ptr<Ide> Ide::Start(std::string_view projectPath) {
           list->push_back({"the " + std::string(event) + " handler of " + SinkName(sink), error});
         }
       });
-  ide->LoadAddIns();
+  if (addIns == AddInLoading::kLoad) ide->LoadAddIns();
   if (!projectPath.empty()) ide->project_ = ide->OpenProject(projectPath);
   ide->Notify("OnStartupComplete", {Variant()});
   return ide;

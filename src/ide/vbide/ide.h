@@ -26,6 +26,7 @@
 // or is unavailable", and the references among the IDE's objects are broken so that they are
 // freed once their last holder lets go. The destructor ends an IDE that is still running.
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -55,8 +56,12 @@ struct IdeProblem {
 class Ide {
  public:
   // Starts an IDE for the project file (an empty path starts it without a project). Raises only
-  // when the IDE itself cannot be set up; add-in and project failures become Problems().
-  static std::unique_ptr<Ide> Start(std::string_view projectPath);
+  // when the IDE itself cannot be set up; add-in and project failures become Problems(). The
+  // IDE's own commands (qxvb6.exe dump, set) start it without add-ins: they read and write the
+  // project through the extensibility objects and have no use for what vbaddin.ini names.
+  enum class AddInLoading : uint8_t { kLoad, kNone };
+  static std::unique_ptr<Ide> Start(std::string_view projectPath,
+                                    AddInLoading addIns = AddInLoading::kLoad);
   ~Ide();
   Ide(const Ide&) = delete;
   Ide& operator=(const Ide&) = delete;

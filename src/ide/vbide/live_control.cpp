@@ -155,6 +155,12 @@ automation::ClassInfo BuildClass(const form::ClassInfo& known) {
                   self.Control().NoteChanged();
                   return Variant();
                 });
+    builder.Raw("RemoveItem", MemberKind::Method, VarType::Empty, {Param("Index")},
+                [](LiveControl& self, Args& args) {
+                  self.Control().Model().RemoveItem(args[0].ToLong());
+                  self.Control().NoteChanged();
+                  return Variant();
+                });
   }
   return builder.Build();
 }

@@ -14,13 +14,15 @@
 // 383, as the file system controls' List does.
 //
 // List controls (ComboBox, ListBox) also have ListCount, List(i) read and write, ItemData(i)
-// read and write, Clear and AddItem(Item[, Index]); their items and item data live in the
-// companion. The file system controls (DirListBox, DriveListBox, FileListBox) have ListCount
-// and List(i) only: at design time they list nothing, and they have no Clear or AddItem.
+// read and write, Clear, AddItem(Item[, Index]) and RemoveItem(Index) (zero-based; 5 outside
+// the list); their items and item data (in step with them) live in the companion. The file
+// system controls (DirListBox, DriveListBox, FileListBox) have ListCount and List(i) only: at
+// design time they list nothing, and they have no Clear, AddItem or RemoveItem.
 //
 // A control of another library answers the properties its file stores, by name (strings as
-// text, numbers as numbers, other values as written), and takes writes of them; any other
-// member fails with 438.
+// text, numbers as numbers, other values as written), and the extender's (Tag, Visible, Left,
+// ...; form/property_catalog.h ExtenderClass) typed as VB's own controls have them, and takes
+// writes of both; any other member fails with 438.
 
 #include <memory>
 #include <string_view>

@@ -8,7 +8,8 @@
 // Item takes a name (as the Properties window shows it, any letter case) or a 1-based position,
 // as VBIDE's other collections count; anything else raises 9 "Subscript out of range". The
 // collection lists every property the window shows, defaults included, in the catalog's order
-// (properties the file stores for classes the catalog does not know).
+// (for classes the catalog does not know, the properties the file stores, then for a control
+// the extender's that it does not store).
 //
 // Property.Value is the default member: the value as VB6 answers it, written with VB6's
 // coercions and errors. For the font it is a Properties collection of the font's own properties
