@@ -17,6 +17,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace qxbench {
@@ -157,75 +158,58 @@ inline void AppendListRecord(std::string& frx, const std::vector<std::string>& i
   }
 }
 
-// A form's controls in VB6's layout, one of five data-entry kinds by turns; combo box items go
-// into `frx`. `first` numbers the controls across the project, for the rare word.
+// A form's controls in VB6's layout, one of five data-entry kinds by turns, each with its
+// properties in VB6's (alphabetical) order; combo box items go into `frx`. `first` numbers the
+// controls across the project, for the rare word.
 inline void Controls(Writer& w, std::string& frx, const std::string& form, std::size_t count,
                      std::size_t first, std::size_t rareEvery, const std::string& rareWord) {
   for (std::size_t c = 0; c < count; ++c) {
     const std::string n = std::to_string(c);
-    const std::string top = std::to_string(120 + 360 * (c / 5));
-    const std::string left = std::to_string(120 + 1800 * (c % 5));
     const bool rare = rareEvery != 0 && (first + c) % rareEvery == 0;
     const std::string tip = rare ? "Press to " + rareWord + " field " + n : "Field " + n;
+    std::vector<std::pair<std::string, std::string>> lines = {
+        {"Left", std::to_string(120 + 1800 * (c % 5))},
+        {"TabIndex", n},
+        {"ToolTipText", "\"" + tip + "\""},
+        {"Top", std::to_string(120 + 360 * (c / 5))},
+        {"Width", "1575"},
+    };
+    std::string begin;
     switch (c % 5) {
       case 0:
-        w.Line("   Begin VB.Label lblField" + n + " ");
-        w.Line("      Caption         =   \"Field " + n + ":\"");
-        w.Line("      Height          =   255");
-        w.Line("      Left            =   " + left);
-        w.Line("      TabIndex        =   " + n);
-        w.Line("      ToolTipText     =   \"" + tip + "\"");
-        w.Line("      Top             =   " + top);
-        w.Line("      Width           =   1575");
+        begin = "VB.Label lblField" + n;
+        lines.insert(lines.end(), {{"Caption", "\"Field " + n + ":\""}, {"Height", "255"}});
         break;
       case 1:
-        w.Line("   Begin VB.TextBox txtField" + n + " ");
-        w.Line("      Height          =   285");
-        w.Line("      Left            =   " + left);
-        w.Line("      TabIndex        =   " + n);
-        w.Line("      Text            =   \"value " + n + "\"");
-        w.Line("      ToolTipText     =   \"" + tip + "\"");
-        w.Line("      Top             =   " + top);
-        w.Line("      Width           =   1575");
+        begin = "VB.TextBox txtField" + n;
+        lines.insert(lines.end(), {{"Height", "285"}, {"Text", "\"value " + n + "\""}});
         break;
       case 2:
-        w.Line("   Begin VB.CheckBox chkOption" + n + " ");
-        w.Line("      Caption         =   \"Option " + n + "\"");
-        w.Line("      Height          =   255");
-        w.Line("      Left            =   " + left);
-        w.Line("      TabIndex        =   " + n);
-        w.Line("      Tag             =   \"option-" + n + "\"");
-        w.Line("      ToolTipText     =   \"" + tip + "\"");
-        w.Line("      Top             =   " + top);
-        w.Line("      Value           =   1  'Checked");
-        w.Line("      Width           =   1575");
+        begin = "VB.CheckBox chkOption" + n;
+        lines.insert(lines.end(), {{"Caption", "\"Option " + n + "\""},
+                                   {"Height", "255"},
+                                   {"Tag", "\"option-" + n + "\""},
+                                   {"Value", "1  'Checked"}});
         break;
       case 3: {
         char offset[8];
         std::snprintf(offset, sizeof offset, "%04zX", frx.size());
         AppendListRecord(frx, {"Choice A" + n, "Choice B" + n, "Choice C" + n});
-        w.Line("   Begin VB.ComboBox cboChoice" + n + " ");
-        w.Line("      Height          =   315");
-        w.Line("      Left            =   " + left);
-        w.Line("      List            =   \"" + form + ".frx\":" + offset);
-        w.Line("      TabIndex        =   " + n);
-        w.Line("      Text            =   \"Choice A" + n + "\"");
-        w.Line("      ToolTipText     =   \"" + tip + "\"");
-        w.Line("      Top             =   " + top);
-        w.Line("      Width           =   1575");
+        begin = "VB.ComboBox cboChoice" + n;
+        lines.insert(lines.end(), {{"Height", "315"},
+                                   {"List", "\"" + form + ".frx\":" + offset},
+                                   {"Text", "\"Choice A" + n + "\""}});
         break;
       }
       default:
-        w.Line("   Begin VB.CommandButton cmdAction" + n + " ");
-        w.Line("      Caption         =   \"&Action " + n + "\"");
-        w.Line("      Height          =   375");
-        w.Line("      Left            =   " + left);
-        w.Line("      TabIndex        =   " + n);
-        w.Line("      ToolTipText     =   \"" + tip + "\"");
-        w.Line("      Top             =   " + top);
-        w.Line("      Width           =   1575");
+        begin = "VB.CommandButton cmdAction" + n;
+        lines.insert(lines.end(), {{"Caption", "\"&Action " + n + "\""}, {"Height", "375"}});
         break;
     }
+    std::sort(lines.begin(), lines.end());  // no two names differ by letter case alone
+    w.Line("   Begin " + begin + " ");
+    for (const auto& [name, value] : lines)
+      w.Line("      " + name + std::string(16 - name.size(), ' ') + "=   " + value);
     w.Line("   End");
   }
 }
