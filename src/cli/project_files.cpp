@@ -111,6 +111,9 @@ std::string SourceFileSetting(const fs::path& designer) {
 
 std::vector<CompanionFile> CompanionFiles(const fs::path& componentFile) {
   std::vector<CompanionFile> out;
+  // Only what has a description has companions: a module or a class never does, and listing
+  // its folder for each of thousands of them would make a run quadratic.
+  if (HasExtension(componentFile, ".bas") || HasExtension(componentFile, ".cls")) return out;
   std::set<std::string> seen{FileKey(componentFile)};
   const auto add = [&](const fs::path& file, bool absolute) {
     if (fs::is_regular_file(file) && seen.insert(FileKey(file)).second)

@@ -41,7 +41,8 @@ struct CompanionFile {
 // The files that go with a component file, each once: those beside it of the same name with
 // another extension, letter case not mattering as on Windows (FORM1.FRX goes with Form1.frm),
 // and the file that a DHTML page designer names as its SourceFile (relative to the designer's
-// folder, or absolute), which holds the page's HTML. Only files that exist.
+// folder, or absolute), which holds the page's HTML. Only files that exist; none for a module
+// or a class, which have no description to refer to any.
 std::vector<CompanionFile> CompanionFiles(const std::filesystem::path& componentFile);
 
 // One spelling of a file for comparing: absolute, with "." and ".." resolved, and through
