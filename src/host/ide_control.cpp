@@ -1,5 +1,10 @@
 #include "host/ide_control.h"
 
+#include "automation/error.h"
+#include "automation/object.h"
+#include "host/object_table.h"
+#include "platform/windows.h"
+
 namespace host {
 namespace {
 
@@ -19,6 +24,17 @@ std::optional<long> ControlProcess(std::string_view registeredName) {
     return std::nullopt;
   }
   return std::stol(digits);
+}
+
+void RouteWindowsToIdes() {
+  platform::SetWindowRouter([](long process, int32_t hWnd, int32_t command) {
+    try {
+      const automation::ObjectRef control = ObjectTable::Get().Find(ControlName(process));
+      return control && automation::Dispatch(control).Call("ShowWindow", hWnd, command).ToBool();
+    } catch (const automation::Error&) {
+      return false;  // the process ended meanwhile: its handles are dead
+    }
+  });
 }
 
 }  // namespace host

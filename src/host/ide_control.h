@@ -6,7 +6,7 @@
 // Its members (class "IdeControl"): ProcessId (Long), Projects (the open projects' file names,
 // joined by tab characters), IdleSeconds (Long, since the last call into the IDE from another
 // process, calls to the control object not counted), Quit (ends the IDE once the current call
-// has returned).
+// has returned), ShowWindow(hWnd, nCmdShow) (Boolean: ShowWindow on a window of the IDE).
 
 #include <optional>
 #include <string>
@@ -20,5 +20,9 @@ inline constexpr const char* kControlClass = "IdeControl";
 // name that is one; nullopt for other names.
 std::string ControlName(long pid);
 std::optional<long> ControlProcess(std::string_view registeredName);
+
+// Lets ShowWindow in this process reach the windows of the home's IDE processes, through their
+// control objects, as Windows' ShowWindow reaches a window of any process.
+void RouteWindowsToIdes();
 
 }  // namespace host

@@ -25,6 +25,7 @@
 #include "ide/vbide/vbprojects.h"
 #include "platform/files.h"
 #include "platform/home.h"
+#include "platform/windows.h"
 
 namespace ide::server {
 namespace {
@@ -64,6 +65,7 @@ class IdeControl : public automation::Object {
                                                   .Get("Projects", &IdeControl::Projects)
                                                   .Get("IdleSeconds", &IdeControl::IdleSeconds)
                                                   .Method("Quit", &IdeControl::Quit)
+                                                  .Method("ShowWindow", &IdeControl::ShowWindow)
                                                   .Build();
     return info;
   }
@@ -82,6 +84,7 @@ class IdeControl : public automation::Object {
             .count());
   }
   void Quit() { activity_.quit = true; }
+  bool ShowWindow(int32_t hWnd, int32_t command) { return platform::ShowWindow(hWnd, command); }
 
  private:
   Ide& ide_;
