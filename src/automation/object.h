@@ -76,6 +76,7 @@ struct Interface {
 
 struct ClassInfo {
   std::string name;
+  std::string description;             // the class's help string in its type library, or ""
   Interface defaultInterface;          // the class's own members ("_Name" in type libraries)
   std::vector<Interface> implemented;  // implemented interfaces, e.g. "ICollection"
 

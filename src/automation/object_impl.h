@@ -164,6 +164,12 @@ class ClassBuilder {
  public:
   explicit ClassBuilder(std::string name) { info_.name = std::move(name); }
 
+  // The class's description, as its type library gives it.
+  ClassBuilder& Description(std::string text) {
+    info_.description = std::move(text);
+    return *this;
+  }
+
   // The members added after this call belong to the named implemented interface.
   ClassBuilder& Implements(std::string interfaceName) {
     info_.implemented.emplace_back().name = std::move(interfaceName);

@@ -9,6 +9,7 @@
 
 #include "automation/casefold.h"
 #include "automation/error.h"
+#include "automation/text.h"
 
 namespace automation {
 namespace {
@@ -20,13 +21,9 @@ namespace {
   Raise(err::kOverflow);
 }
 
+// Text converted to a number or a Boolean may have blanks and line ends around it.
 std::string_view Trim(std::string_view s) {
-  auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
-  while (!s.empty() && blank(s.front()))
-    s.remove_prefix(1);
-  while (!s.empty() && blank(s.back()))
-    s.remove_suffix(1);
-  return s;
+  return TrimBlanks(s, " \t\r\n");
 }
 
 // A number parsed from a string: either a bit pattern (&H, &O) or a decimal value.

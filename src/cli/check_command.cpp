@@ -2,6 +2,7 @@
 #include <string_view>
 
 #include "automation/casefold.h"
+#include "automation/text.h"
 #include "cli/commands.h"
 #include "cli/session.h"
 #include "platform/home.h"
@@ -10,12 +11,6 @@
 
 namespace cli {
 namespace {
-
-std::string_view Trim(std::string_view text) {
-  const size_t first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
 
 bool IsIdentifierChar(char c) {
   return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F') || c == '-';
@@ -37,7 +32,7 @@ std::optional<std::string> MissingLibrary(std::string_view message) {
   const std::string_view line = rest.substr(0, rest.find_first_of("\r\n"));
   const size_t equals = line.find('=');
   if (equals == std::string_view::npos) return std::nullopt;
-  const std::string_view key = Trim(line.substr(0, equals));
+  const std::string_view key = automation::TrimBlanks(line.substr(0, equals));
   if (!automation::EqualsAsciiNoCase(key, "object") &&
       !automation::EqualsAsciiNoCase(key, "reference")) {
     return std::nullopt;

@@ -7,9 +7,9 @@
 
 #include "automation/error.h"
 #include "host/host_utility.h"
+#include "host/ide_control.h"
 #include "host/object_table.h"
 #include "host/register.h"
-#include "ide/server/server.h"
 
 namespace cli {
 namespace {
@@ -49,7 +49,7 @@ std::vector<RunningIde> RunningIdes() {
   const auto utility = host::HostUtility::Instance();
   std::vector<RunningIde> ides;
   for (const std::string& name : host::ObjectTable::Get().Names()) {
-    if (!ide::server::ControlProcess(name)) continue;
+    if (!host::ControlProcess(name)) continue;
     try {
       automation::ObjectRef control = utility->GetRegisteredObject(name);
       if (!control) continue;

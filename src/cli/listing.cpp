@@ -3,7 +3,7 @@
 #include <map>
 
 #include "automation/casefold.h"
-#include "collections/collection_kinds.h"
+#include "contracts/component_kinds.h"
 #include "contracts/driver_interfaces.h"
 #include "contracts/enumeration.h"
 
@@ -11,8 +11,8 @@ namespace cli {
 namespace {
 
 std::string ProjectFileKey(const std::string& collectionName) {
-  for (const auto& kind : collections::CollectionKinds()) {
-    if (kind.className == collectionName) return std::string(kind.projectFileKey);
+  for (const auto& kind : contracts::kComponentKinds) {
+    if (kind.collection == collectionName) return std::string(kind.projectFileKey);
   }
   return collectionName;
 }

@@ -4,7 +4,7 @@
 #include <set>
 
 #include "automation/casefold.h"
-#include "collections/collection_kinds.h"
+#include "contracts/component_kinds.h"
 #include "platform/codepage.h"
 #include "platform/files.h"
 #include "platform/paths.h"
@@ -189,10 +189,10 @@ std::vector<ComponentFile> ReadComponentFiles(const fs::path& projectFile) {
   while (reader.Next()) {
     const platform::ProjectLine& line = reader.Line();
     if (!line.hasKey) continue;
-    for (const auto& kind : collections::CollectionKinds()) {
+    for (const auto& kind : contracts::kComponentKinds) {
       if (!automation::EqualsAsciiNoCase(line.key, kind.projectFileKey)) continue;
       const platform::ComponentValue value = platform::SplitComponentValue(line.value);
-      ComponentFile file{std::string(kind.className), std::string(value.name),
+      ComponentFile file{std::string(kind.collection), std::string(value.name),
                          Resolve(projectFile.parent_path(), value.file), IsAbsolute(value.file)};
       if (!value.hasName)
         file.name = platform::ComponentNameFromFile(file.file.string()).value_or(std::string());

@@ -7,11 +7,11 @@
 
 #include "automation/casefold.h"
 #include "automation/error.h"
+#include "automation/vb_name.h"
 #include "cli/commands.h"
 #include "cli/project_files.h"
 #include "cli/rename_plan.h"
 #include "foundation/vxhandler.h"
-#include "ide/form/property_value.h"
 
 namespace cli {
 namespace {
@@ -40,7 +40,7 @@ RenameTarget ParseRenameTarget(const std::string& control, const std::string& ne
       control.find('.', dot + 1) != std::string::npos) {
     Refuse("\"" + control + "\": name the control as COMPONENT.OLDNAME");
   }
-  if (!ide::form::IsVbName(newName)) {
+  if (!automation::IsVbName(newName)) {
     throw automation::Error(foundation::kUserError, "qx",
                             control + " -> " + newName + ": Invalid control name syntax.");
   }

@@ -5,6 +5,7 @@
 
 #include "automation/casefold.h"
 #include "automation/error.h"
+#include "automation/text.h"
 #include "platform/codepage.h"
 #include "platform/lines.h"
 
@@ -83,11 +84,7 @@ bool FindNameLine(const std::vector<FileLine>& lines, size_t& line, size_t& colu
   return false;
 }
 
-std::string_view Trimmed(std::string_view text) {
-  const size_t first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
+constexpr auto Trimmed = [](std::string_view text) { return automation::TrimBlanks(text); };
 
 // "Begin VB.CommandButton cmdOK" -> "cmdOK"; "" for other lines.
 std::string_view BeginName(std::string_view line) {

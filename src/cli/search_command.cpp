@@ -27,7 +27,7 @@
 #include "cli/scan_results.h"
 #include "cli/session.h"
 #include "cli/unified_diff.h"
-#include "collections/collection_kinds.h"
+#include "contracts/component_kinds.h"
 #include "contracts/driver_interfaces.h"
 #include "contracts/enumeration.h"
 #include "platform/files.h"
@@ -193,8 +193,8 @@ class Run {
   // Without --kind, the kinds whose components the driver cannot open yet are left out, and said
   // once; named with --kind, each of their components is an error of its own.
   static bool Openable(const std::string& collection) {
-    for (const auto& kind : collections::CollectionKinds()) {
-      if (kind.className == collection) return project::CanBuildComponents(kind.factory);
+    for (const auto& kind : contracts::kComponentKinds) {
+      if (kind.collection == collection) return project::CanBuildComponents(kind.factory);
     }
     return false;
   }

@@ -6,7 +6,7 @@
 
 #include "automation/casefold.h"
 #include "automation/error.h"
-#include "collections/collection_kinds.h"
+#include "contracts/component_kinds.h"
 #include "host/scan/matcher.h"
 #include "host/scan/replacement.h"
 
@@ -20,8 +20,8 @@ namespace {
 
 std::string KnownKinds() {
   std::string names;
-  for (const auto& kind : collections::CollectionKinds())
-    names += (names.empty() ? "" : ", ") + std::string(kind.className);
+  for (const auto& kind : contracts::kComponentKinds)
+    names += (names.empty() ? "" : ", ") + std::string(kind.collection);
   return names;
 }
 
@@ -57,9 +57,9 @@ void ValidateSearchOptions(SearchOptions& options) {
   }
   for (std::string& kind : options.kinds) {
     bool known = false;
-    for (const auto& k : collections::CollectionKinds()) {
-      if (automation::EqualsAsciiNoCase(kind, k.className)) {
-        kind = std::string(k.className);
+    for (const auto& k : contracts::kComponentKinds) {
+      if (automation::EqualsAsciiNoCase(kind, k.collection)) {
+        kind = std::string(k.collection);
         known = true;
       }
     }

@@ -138,15 +138,18 @@ class TextPrinter : public Printer {
     std::string_view rest = diff.diff;
     while (!rest.empty()) {
       const size_t end = rest.find('\n');
-      const std::string_view line = rest.substr(0, end);
+      std::string_view line = rest.substr(0, end);
       rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
+      // A CR LF line end is written as it is, so the diff of a CR LF file applies to it.
+      const bool crlf = line.ends_with('\r');
+      if (crlf) line.remove_suffix(1);
       const bool header = line.starts_with("--- ") || line.starts_with("+++ ");
       const char* color = header                   ? kBold
                           : line.starts_with("@@") ? kHunkColor
                           : line.starts_with("-")  ? kRemovedColor
                           : line.starts_with("+")  ? kAddedColor
                                                    : nullptr;
-      out_ << (color ? Paint(color, ForOut(line)) : ForOut(line)) << "\n";
+      out_ << (color ? Paint(color, ForOut(line)) : ForOut(line)) << (crlf ? "\r\n" : "\n");
     }
     out_.flush();
   }

@@ -1,7 +1,9 @@
 #pragma once
-// A unified diff of two versions of a file's lines, as diff -u and git print it: "--- path" and
-// "+++ path", then hunks "@@ -a,b +c,d @@" with three lines of context. Lines are compared with
-// their line ends, so a changed line end shows; the printed lines end with "\n".
+// A unified diff of two versions of a file's lines, as git prints it, by git's own algorithm
+// (libgit2's xdiff, with git's default indent heuristic): "--- a/path" and "+++ b/path", then
+// hunks "@@ -a,b +c,d @@" with three lines of context. Each line is printed with its own line
+// end, so a changed line end shows and the diff applies to the file as it is (git apply,
+// patch -p1); a last line without one is followed by "\ No newline at end of file".
 
 #include <string>
 #include <vector>
@@ -10,12 +12,12 @@ namespace cli {
 
 struct DiffLine {
   std::string text;  // without its line end
-  std::string end;   // compared, not printed
+  std::string end;   // "\r\n", "\n", "\r" or "" for a last line without one
   bool operator==(const DiffLine&) const = default;
 };
 
 // Empty when the two are equal.
 std::string UnifiedDiff(const std::string& path, const std::vector<DiffLine>& before,
-                        const std::vector<DiffLine>& after, size_t context = 3);
+                        const std::vector<DiffLine>& after);
 
 }  // namespace cli

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "automation/error.h"
+#include "foundation/globals.h"
 #include "foundation/operation.h"
 #include "platform/windows.h"
 
@@ -41,29 +42,29 @@ automation::ClassInfo BuildClassInfo(std::string_view name) {
 
 }  // namespace
 
-ComponentCollection::ComponentCollection(const CollectionKind& kind) : kind_(kind) {}
+ComponentCollection::ComponentCollection(const contracts::ComponentKind& kind) : kind_(kind) {}
 
 const automation::ClassInfo& ComponentCollection::Class() const {
   static const std::map<std::string_view, automation::ClassInfo> infos = [] {
     std::map<std::string_view, automation::ClassInfo> built;
-    for (const CollectionKind& kind : CollectionKinds()) {
-      built.emplace(kind.className, BuildClassInfo(kind.className));
+    for (const contracts::ComponentKind& kind : contracts::kComponentKinds) {
+      built.emplace(kind.collection, BuildClassInfo(kind.collection));
     }
     return built;
   }();
-  return infos.at(kind_.className);
+  return infos.at(kind_.collection);
 }
 
 void ComponentCollection::Initialize(std::shared_ptr<project::Project> parent) {
-  Operation(kind_.className, "Initialize", [&] { parent_ = std::move(parent); });
+  Operation(kind_.collection, "Initialize", [&] { parent_ = std::move(parent); });
 }
 
 void ComponentCollection::TearDown() {
-  Operation(kind_.className, "TearDown", [&] { parent_.reset(); });
+  Operation(kind_.collection, "TearDown", [&] { parent_.reset(); });
 }
 
 std::string ComponentCollection::ICollection_EnumObjects() {
-  return Operation(kind_.className, "ICollection_EnumObjects", [&] {
+  return Operation(kind_.collection, "ICollection_EnumObjects", [&] {
     if (!parent_) automation::Raise(automation::err::kObjectNotSet);
     if (parent_->IsActive()) {
       return Dispatch(parent_->Dispatcher()).Call(kind_.enumeration).ToString();
@@ -73,7 +74,7 @@ std::string ComponentCollection::ICollection_EnumObjects() {
 }
 
 ObjectRef ComponentCollection::ICollection_GetObject(const std::string& objectName) {
-  return Operation(kind_.className, "ICollection_GetObject", [&]() -> ObjectRef {
+  return Operation(kind_.collection, "ICollection_GetObject", [&]() -> ObjectRef {
     if (!parent_) automation::Raise(automation::err::kObjectNotSet);
     const ObjectRef dispatcher = parent_->Dispatcher();
     if (!dispatcher) return nullptr;
@@ -82,7 +83,7 @@ ObjectRef ComponentCollection::ICollection_GetObject(const std::string& objectNa
 }
 
 std::string ComponentCollection::ICollection_EnumObjectCommands(const std::string&) {
-  return Operation(kind_.className, "ICollection_EnumObjectCommands", [&] {
+  return Operation(kind_.collection, "ICollection_EnumObjectCommands", [&] {
     std::string result;
     for (const Command& command : kCommands) {
       if (!result.empty()) result += "\r\n";
@@ -95,7 +96,7 @@ std::string ComponentCollection::ICollection_EnumObjectCommands(const std::strin
 
 void ComponentCollection::ICollection_ExecuteObjectCommand(const std::string& objectName,
                                                            int32_t index) {
-  Operation(kind_.className, "ICollection_ExecuteObjectCommand", [&] {
+  Operation(kind_.collection, "ICollection_ExecuteObjectCommand", [&] {
     if (index != 0) foundation::RaiseInvalidCaseSelector(automation::Variant(index));
     if (!parent_) automation::Raise(automation::err::kObjectNotSet);
     const ObjectRef vbProject = Dispatch(parent_->Dispatcher()).Get("VBProject").ToObject();
@@ -110,11 +111,16 @@ void ComponentCollection::ICollection_ExecuteObjectCommand(const std::string& ob
 
 void RegisterCollectionClasses() {
   project::SetCollectionFactory([](std::string_view key) -> ObjectRef {
-    for (const CollectionKind& kind : CollectionKinds()) {
-      if (kind.className == key) return std::make_shared<ComponentCollection>(kind);
-    }
-    automation::Raise(automation::err::kCantCreateObject, std::string(key));
+    const contracts::ComponentKind* kind = contracts::FindCollectionKind(key);
+    if (kind == nullptr) automation::Raise(automation::err::kCantCreateObject, std::string(key));
+    return std::make_shared<ComponentCollection>(*kind);
   });
+  for (const contracts::ComponentKind& kind : contracts::kComponentKinds) {
+    if (!kind.creatable) continue;
+    foundation::RegisterCreatable(kind.collection, [&kind]() -> ObjectRef {
+      return std::make_shared<ComponentCollection>(kind);
+    });
+  }
 }
 
 }  // namespace collections

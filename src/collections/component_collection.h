@@ -8,14 +8,14 @@
 #include <string>
 
 #include "automation/object.h"
-#include "collections/collection_kinds.h"
+#include "contracts/component_kinds.h"
 #include "project/project.h"
 
 namespace collections {
 
 class ComponentCollection : public automation::Object {
  public:
-  explicit ComponentCollection(const CollectionKind& kind);
+  explicit ComponentCollection(const contracts::ComponentKind& kind);
   const automation::ClassInfo& Class() const override;
 
   void Initialize(std::shared_ptr<project::Project> parent);
@@ -29,11 +29,12 @@ class ComponentCollection : public automation::Object {
   void ICollection_ExecuteObjectCommand(const std::string& objectName, int32_t index);
 
  private:
-  const CollectionKind& kind_;
+  const contracts::ComponentKind& kind_;
   std::shared_ptr<project::Project> parent_;
 };
 
-// Lets projects make the nine collections (they are not creatable from outside).
+// Lets projects make the nine collections, and makes those of the kinds that are creatable from
+// outside (DHTMLPages, UserConnections) creatable by programmatic identifier.
 void RegisterCollectionClasses();
 
 }  // namespace collections

@@ -27,7 +27,7 @@ const automation::ClassInfo& CodeComponent::Class() const {
     }
     return built;
   }();
-  return infos.at(Kind().className);
+  return infos.at(Kind().component);
 }
 
 }  // namespace components

@@ -13,7 +13,7 @@ using automation::ObjectRef;
 using foundation::Operation;
 
 void ComponentObject::Initialize(ObjectRef& parent, ObjectRef& vbProject, const std::string& name) {
-  Operation(kind_.className, "Initialize", [&] {
+  Operation(kind_.component, "Initialize", [&] {
     parent_ = parent;
     vbProject_ = vbProject;
     name_ = name;
@@ -21,7 +21,7 @@ void ComponentObject::Initialize(ObjectRef& parent, ObjectRef& vbProject, const 
 }
 
 void ComponentObject::TearDown() {
-  Operation(kind_.className, "TearDown", [&] {
+  Operation(kind_.component, "TearDown", [&] {
     parent_.reset();
     vbProject_.reset();
   });
@@ -33,7 +33,7 @@ void ComponentObject::SetName(const std::string& name) {
 }
 
 ObjectRef ComponentObject::Procedures() {
-  return Operation(kind_.className, "Procedures", [&] {
+  return Operation(kind_.component, "Procedures", [&] {
     if (!procedures_) {
       ObjectRef code = contracts::VBComponent(component_).CodeModule();
       auto procedures = std::make_shared<components::Procedures>();
@@ -45,38 +45,37 @@ ObjectRef ComponentObject::Procedures() {
 }
 
 std::string ComponentObject::IObject_Name() {
-  return Operation(kind_.className, "IObject_Name", [&] { return name_; });
+  return Operation(kind_.component, "IObject_Name", [&] { return name_; });
 }
 
 std::string ComponentObject::IObject_ShortName() {
-  return Operation(kind_.className, "IObject_ShortName", [&] { return name_; });
+  return Operation(kind_.component, "IObject_ShortName", [&] { return name_; });
 }
 
 void ComponentObject::IObject_SetMode(int32_t mode) {
-  Operation(kind_.className, "IObject_SetMode", [&] { SetMode(mode); });
+  Operation(kind_.component, "IObject_SetMode", [&] { SetMode(mode); });
 }
 
 void ComponentObject::IObject_Scan(const std::string& projectName, const std::string& objectName,
                                    bool objectIsUpdatable, const std::string& scanBufferName) {
   foundation::OperationWithUndo(
-      kind_.className, "IObject_Scan",
+      kind_.component, "IObject_Scan",
       [&] {
         SetMode(1);
-        contracts::Scanner::New().ScanObject(projectName, std::string(kind_.collectionName),
-                                             objectName, objectIsUpdatable, shared_from_this(),
-                                             scanBufferName);
+        contracts::Scanner::New().ScanObject(projectName, std::string(kind_.collection), objectName,
+                                             objectIsUpdatable, shared_from_this(), scanBufferName);
         SetMode(0);
       },
       [&] { SetMode(0); });
 }
 
 void ComponentObject::IObject_Dispose() {
-  Operation(kind_.className, "IObject_Dispose", [&] { TearDown(); });
+  Operation(kind_.component, "IObject_Dispose", [&] { TearDown(); });
 }
 
 void ComponentObject::SetMode(int32_t mode) {
   foundation::OperationWithUndo(
-      kind_.className, "SetMode",
+      kind_.component, "SetMode",
       [&] {
         if (mode == mode_) return;
         switch (mode) {
@@ -88,7 +87,7 @@ void ComponentObject::SetMode(int32_t mode) {
             const Dispatch components(Dispatch(vbProject_).Get("VBComponents").ToObject());
             component_ = components.Call("Item", name_).ToObject();
             if (mode == 2 && contracts::VBComponent(component_).IsDirty()) {
-              foundation::RaiseUserError(std::string(kind_.refusal));
+              foundation::RaiseUserError(contracts::RefusalOf(kind_));
             }
             break;
           }

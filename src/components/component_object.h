@@ -10,16 +10,17 @@
 // parts) down, saves the component under its own file name if it changed, closes its designer
 // window if one is open, and releases it. A failed switch ends in mode 0 the same way.
 //
-// A component class derives from it, passes its kind (component_kinds.h), lists the members of
-// its own interface in its order (the protocol's members are here to be listed), ends its member
-// table with AddObjectInterface, and overrides ReleaseParts when it holds more than procedures.
+// A component class derives from it, passes its kind (contracts/component_kinds.h), lists the
+// members of its own interface in its order (the protocol's members are here to be listed), ends
+// its member table with AddObjectInterface, and overrides ReleaseParts when it holds more than
+// procedures.
 
 #include <cstdint>
 #include <memory>
 #include <string>
 
 #include "automation/object.h"
-#include "components/component_kinds.h"
+#include "contracts/component_kinds.h"
 
 namespace components {
 
@@ -27,7 +28,7 @@ class Procedures;
 
 class ComponentObject : public automation::Object {
  public:
-  explicit ComponentObject(const ComponentKind& kind) : kind_(kind) {}
+  explicit ComponentObject(const contracts::ComponentKind& kind) : kind_(kind) {}
 
   // Own interface: the members every class lists.
   void Initialize(automation::ObjectRef& parent, automation::ObjectRef& vbProject,
@@ -65,7 +66,7 @@ class ComponentObject : public automation::Object {
   }
 
  protected:
-  const ComponentKind& Kind() const { return kind_; }
+  const contracts::ComponentKind& Kind() const { return kind_; }
   // The IDE component, held in mode 1 or 2 (null in mode 0).
   const automation::ObjectRef& Component() const { return component_; }
   // Tears down and releases what a class holds besides its procedures (its controls), on the
@@ -81,7 +82,7 @@ class ComponentObject : public automation::Object {
   // is ignored and the next step runs.
   void ReturnToIdle(bool ignoreErrors);
 
-  const ComponentKind& kind_;
+  const contracts::ComponentKind& kind_;
   automation::ObjectRef parent_;     // the Project
   std::string name_;                 // the key of the IDE component
   automation::ObjectRef vbProject_;  // the IDE project

@@ -45,7 +45,7 @@ void SetControlsFactory(ControlsFactory factory) {
 }
 
 DesignedComponent::DesignedComponent(const DesignedClass& designed)
-    : ComponentObject(*FindComponentKind(designed.className)), designed_(designed) {}
+    : ComponentObject(*contracts::FindComponentKind(designed.className)), designed_(designed) {}
 
 const automation::ClassInfo& DesignedComponent::Class() const {
   static std::mutex mutex;
@@ -57,7 +57,7 @@ const automation::ClassInfo& DesignedComponent::Class() const {
 }
 
 ObjectRef DesignedComponent::Controls() {
-  return foundation::Operation(Kind().className, "Controls", [&] {
+  return foundation::Operation(Kind().component, "Controls", [&] {
     if (!controls_) {
       // There is no designer to list without the component.
       if (!Component()) automation::Raise(automation::err::kObjectNotSet);

@@ -2,7 +2,7 @@
 
 namespace components {
 
-Designer::Designer() : ComponentObject(*FindComponentKind("Designer")) {}
+Designer::Designer() : ComponentObject(*contracts::FindComponentKind("Designer")) {}
 
 const automation::ClassInfo& Designer::Class() const {
   static const automation::ClassInfo info = [] {

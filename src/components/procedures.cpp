@@ -29,6 +29,7 @@ const automation::ClassInfo& Procedures::Class() const {
           .Get("Count", &Procedures::Count)
           .Method("Item", &Procedures::Item, {"Index"})
           .Method("NewEnum", &Procedures::NewEnum)
+          .Id(-4)
           .Build();
   return info;
 }

@@ -3,9 +3,9 @@
 #include <memory>
 
 #include "components/code_component.h"
-#include "components/component_kinds.h"
 #include "components/designer.h"
 #include "components/form.h"
+#include "contracts/component_kinds.h"
 #include "project/dispatcher.h"
 
 namespace components {
@@ -13,7 +13,7 @@ namespace components {
 void RegisterComponentClasses() {
   for (const char* className : {"Module", "ClassModule"}) {
     project::RegisterComponentClass(className, [className]() -> automation::ObjectRef {
-      return std::make_shared<CodeComponent>(*FindComponentKind(className));
+      return std::make_shared<CodeComponent>(*contracts::FindComponentKind(className));
     });
   }
   project::RegisterComponentClass("Form",

@@ -1,24 +1,6 @@
 #include "contracts/driver_interfaces.h"
 
-#include <map>
-
 namespace contracts {
-
-const std::vector<std::string_view>& InterfaceMembers(std::string_view interfaceName) {
-  static const std::map<std::string_view, std::vector<std::string_view>> members = {
-      {"IDriver", {"Initialize", "Shutdown", "GetProject"}},
-      {"IProject",
-       {"UpdateName", "EnumCollections", "GetCollection", "Deactivate", "ResetActivationFlags",
-        "EnumCommands", "ExecuteCommand"}},
-      {"ICollection",
-       {"EnumObjects", "GetObject", "EnumCommands", "ExecuteCommand", "EnumObjectCommands",
-        "ExecuteObjectCommand"}},
-      {"IObject", {"Name", "ShortName", "SetMode", "Scan", "Reconstitute", "Dispose"}},
-  };
-  static const std::vector<std::string_view> none;
-  auto it = members.find(interfaceName);
-  return it == members.end() ? none : it->second;
-}
 
 void IDriver::Initialize(ObjectRef& problemLog) const {
   automation::Args args{problemLog};

@@ -5,17 +5,12 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include "automation/object.h"
 
 namespace contracts {
 
 using automation::ObjectRef;
-
-// The members of each interface in their fixed slot order (empty for an unknown name).
-const std::vector<std::string_view>& InterfaceMembers(std::string_view interfaceName);
 
 class IDriver {
  public:

@@ -16,4 +16,12 @@ void Main() {
   g.traceFlag = contracts::Tracer::Get().IsEnabled();
 }
 
+void RegisterCreatable(std::string_view className, automation::Factory make) {
+  automation::RegisterClass(std::string(kProjectName) + "." + std::string(className),
+                            [make = std::move(make)] {
+                              if (!GetGlobals().problemLog) Main();
+                              return make();
+                            });
+}
+
 }  // namespace foundation

@@ -3,6 +3,7 @@
 // host's and the IDE's), kept in that process's context.
 
 #include <string>
+#include <string_view>
 
 #include "automation/object.h"
 #include "automation/process.h"
@@ -35,5 +36,11 @@ const std::string& ProjectName();
 // The module start routine, run in every process that loads the driver: a new problem log
 // becomes the current one, and the tracer's state becomes the trace flag.
 void Main();
+
+// Makes one of the driver's classes creatable from outside under "qxvb60." and its name, as
+// registering the component does on Windows. Creating the first object of the driver in a
+// process loads the driver there: the start routine runs first, unless it ran already (it leaves
+// a current problem log behind).
+void RegisterCreatable(std::string_view className, automation::Factory make);
 
 }  // namespace foundation

@@ -4,6 +4,7 @@
 
 #include "automation/object.h"
 #include "host/host_utility.h"
+#include "host/ide_control.h"
 #include "host/key_set.h"
 #include "host/keyed_list.h"
 #include "host/parameter_list.h"
@@ -40,6 +41,7 @@ void RegisterClasses() {
   // One per process: every creation gives the current process's object.
   automation::RegisterClass(Tracer::kProgId, [] { return Tracer::Instance(); });
   automation::RegisterClass(HostUtility::kProgId, [] { return HostUtility::Instance(); });
+  RouteWindowsToIdes();
 }
 
 }  // namespace host

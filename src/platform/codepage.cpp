@@ -456,30 +456,32 @@ CodePageSource CurrentCodePageSource() {
   return state.detected ? CodePageSource::Detected : CodePageSource::Default;
 }
 
-void SetCurrentCodePage(int number) {
-  if (!IsKnownCodePage(number)) RaiseUnknown(std::to_string(number));
+namespace {
+
+// Sets or clears one of the two code pages a run keeps (the option's, the detected one).
+void Keep(std::optional<int> CodePageState::*slot, std::optional<int> number) {
+  if (number && !IsKnownCodePage(*number)) RaiseUnknown(std::to_string(*number));
   CodePageState& state = State();
   std::lock_guard lock(state.mutex);
-  state.current = number;
+  state.*slot = number;
+}
+
+}  // namespace
+
+void SetCurrentCodePage(int number) {
+  Keep(&CodePageState::current, number);
 }
 
 void ClearCurrentCodePage() {
-  CodePageState& state = State();
-  std::lock_guard lock(state.mutex);
-  state.current.reset();
+  Keep(&CodePageState::current, std::nullopt);
 }
 
 void SetDetectedCodePage(int number) {
-  if (!IsKnownCodePage(number)) RaiseUnknown(std::to_string(number));
-  CodePageState& state = State();
-  std::lock_guard lock(state.mutex);
-  state.detected = number;
+  Keep(&CodePageState::detected, number);
 }
 
 void ClearDetectedCodePage() {
-  CodePageState& state = State();
-  std::lock_guard lock(state.mutex);
-  state.detected.reset();
+  Keep(&CodePageState::detected, std::nullopt);
 }
 
 }  // namespace platform

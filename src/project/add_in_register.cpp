@@ -7,22 +7,10 @@
 #include "project/dispatcher.h"
 
 namespace project {
-namespace {
-
-// A new object of the class, in a process where the driver has been loaded: the start routine
-// runs once per process, before its first object is made (it leaves a current problem log
-// behind, so a process that has one has run it).
-template <class T>
-automation::ObjectRef CreateLoaded() {
-  if (!foundation::GetGlobals().problemLog) foundation::Main();
-  return std::make_shared<T>();
-}
-
-}  // namespace
 
 void RegisterAddInClasses() {
-  automation::RegisterClass(Connection::kProgId, CreateLoaded<Connection>);
-  automation::RegisterClass(Dispatcher::kProgId, CreateLoaded<Dispatcher>);
+  foundation::RegisterCreatable("Connection", [] { return std::make_shared<Connection>(); });
+  foundation::RegisterCreatable("Dispatcher", [] { return std::make_shared<Dispatcher>(); });
 }
 
 }  // namespace project

@@ -57,13 +57,14 @@ ObjectRef OpenContext(const char* handler) {
 const automation::ClassInfo& Connection::Class() const {
   static const automation::ClassInfo info =
       automation::ClassBuilder<Connection>("Connection")
+          .Description("Quarrix VB AddIn")
           .Implements("IDTExtensibility")
           .Method("OnConnection", &Connection::IDTExtensibility_OnConnection,
                   {"VBE", "ConnectMode", "AddInInst", "custom"})
           .Method("OnDisconnection", &Connection::IDTExtensibility_OnDisconnection,
                   {"RemoveMode", "custom"})
-          .Method("OnAddInsUpdate", &Connection::IDTExtensibility_OnAddInsUpdate, {"custom"})
           .Method("OnStartupComplete", &Connection::IDTExtensibility_OnStartupComplete, {"custom"})
+          .Method("OnAddInsUpdate", &Connection::IDTExtensibility_OnAddInsUpdate, {"custom"})
           .Build();
   return info;
 }

@@ -32,8 +32,8 @@ class Connection : public automation::Object {
                                      const automation::ObjectRef& addInInst,
                                      const automation::Variant& custom);
   void IDTExtensibility_OnDisconnection(int32_t removeMode, const automation::Variant& custom);
-  void IDTExtensibility_OnAddInsUpdate(const automation::Variant&) {}
   void IDTExtensibility_OnStartupComplete(const automation::Variant&) {}
+  void IDTExtensibility_OnAddInsUpdate(const automation::Variant&) {}
 
   // The handlers of the IDE's project events. Their failures go into the current problem log.
   void ProjectEvents_ItemAdded(const automation::ObjectRef& vbProject);

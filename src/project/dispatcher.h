@@ -9,11 +9,13 @@
 // bitmap code, version ("yyyymmddhhnnss" of the file's last-modified time, or empty), whether
 // the file's time could be read ("1"/"0"), whether the file is writable ("1"/"0"), "1", "0".
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
 
 #include "automation/object.h"
+#include "contracts/component_kinds.h"
 
 namespace project {
 
@@ -42,30 +44,10 @@ class Dispatcher : public automation::Object {
   void Initialize2(automation::ObjectRef& problemLog);
   automation::ObjectRef VBProject();
 
-  std::string EnumClassModules();
-  std::string EnumDesigners();
-  std::string EnumDHTMLPages();
-  std::string EnumForms();
-  std::string EnumModules();
-  std::string EnumPropertyPages();
-  std::string EnumUserConnections();
-  std::string EnumUserControls();
-  std::string EnumUserDocuments();
-
-  automation::ObjectRef GetClassModule(automation::ObjectRef& project,
-                                       const std::string& objectName);
-  automation::ObjectRef GetDesigner(automation::ObjectRef& project, const std::string& objectName);
-  automation::ObjectRef GetDHTMLPage(automation::ObjectRef& project, const std::string& objectName);
-  automation::ObjectRef GetForm(automation::ObjectRef& project, const std::string& objectName);
-  automation::ObjectRef GetModule(automation::ObjectRef& project, const std::string& objectName);
-  automation::ObjectRef GetPropertyPage(automation::ObjectRef& project,
-                                        const std::string& objectName);
-  automation::ObjectRef GetUserConnection(automation::ObjectRef& project,
-                                          const std::string& objectName);
-  automation::ObjectRef GetUserControl(automation::ObjectRef& project,
-                                       const std::string& objectName);
-  automation::ObjectRef GetUserDocument(automation::ObjectRef& project,
-                                        const std::string& objectName);
+  // Then the members of the kinds, made from their table (contracts/component_kinds.h) in its
+  // order: EnumClassModules ... EnumUserDocuments, each returning its kind's enumeration string,
+  // then GetClassModule ... GetUserDocument, each (Project, ObjectName) returning a new
+  // component object of its kind (EnumKind and GetKind below).
 
   // What the enumeration string says of one component file.
   struct FileInfo {
@@ -74,15 +56,20 @@ class Dispatcher : public automation::Object {
     bool writable = false;
   };
 
-  // One kind of component: what selects it among the IDE's components, its bitmap code, its
-  // operations and its component class.
-  struct Kind;
-
  private:
   FileInfo GetFileInfo(const std::string& file);
-  std::string Enumerate(const Kind& kind);
-  automation::ObjectRef Build(const Kind& kind, automation::ObjectRef& project,
+  std::string Enumerate(const contracts::ComponentKind& kind);
+  automation::ObjectRef Build(const contracts::ComponentKind& kind, automation::ObjectRef& project,
                               const std::string& objectName);
+  // The members of the kind at position K of the table.
+  template <size_t K>
+  std::string EnumKind() {
+    return Enumerate(contracts::kComponentKinds[K]);
+  }
+  template <size_t K>
+  automation::ObjectRef GetKind(automation::ObjectRef& project, const std::string& objectName) {
+    return Build(contracts::kComponentKinds[K], project, objectName);
+  }
 
   automation::ObjectRef parent_;     // the Connection that made this dispatcher
   automation::ObjectRef vbProject_;  // the IDE's project

@@ -1,6 +1,9 @@
 #include "project/project.h"
 
+#include <utility>
+
 #include "automation/casefold.h"
+#include "contracts/component_kinds.h"
 #include "contracts/host_classes.h"
 #include "foundation/globals.h"
 #include "foundation/operation.h"
@@ -21,11 +24,6 @@ using automation::ObjectRef;
 using foundation::Operation;
 
 constexpr const char* kClass = "Project";
-
-// The nine collections, in the order in which they are created and listed.
-constexpr const char* kCollectionKeys[] = {"ClassModules",    "Designers",    "DHTMLPages",
-                                           "Forms",           "Modules",      "PropertyPages",
-                                           "UserConnections", "UserControls", "UserDocuments"};
 
 bool IsReadOnly(const std::string& file) {
   return (platform::GetAttr(file) & platform::kAttrReadOnly) != 0;
@@ -54,34 +52,32 @@ void SetCollectionFactory(CollectionFactory factory) {
 }
 
 const automation::ClassInfo& Project::Class() const {
-  static const automation::ClassInfo info =
-      automation::ClassBuilder<Project>("Project")
-          .Method("Initialize", &Project::Initialize, {"ProjectName", "Parameters"})
-          .Method("TearDown", &Project::TearDown)
-          .Get("FileName", &Project::FileName)
-          .Get("ClassModules", &Project::ClassModules)
-          .Get("Designers", &Project::Designers)
-          .Get("DHTMLPages", &Project::DHTMLPages)
-          .Get("Forms", &Project::Forms)
-          .Get("Modules", &Project::Modules)
-          .Get("PropertyPages", &Project::PropertyPages)
-          .Get("UserConnections", &Project::UserConnections)
-          .Get("UserControls", &Project::UserControls)
-          .Get("UserDocuments", &Project::UserDocuments)
-          .Get("IsActive", &Project::IsActive)
-          .Get("Dispatcher", &Project::Dispatcher)
-          .Method("EnumObjects", &Project::EnumObjects, {"ClassName", "BitmapID"})
-          .Method("GetObjectInfo", &Project::GetObjectInfo,
-                  {"ClassName", "ObjectName", "Version", "IsUpdatable"})
-          .Implements("IProject")
-          .Method("UpdateName", &Project::IProject_UpdateName, {"ProjectName"})
-          .Method("EnumCollections", &Project::IProject_EnumCollections)
-          .Method("GetCollection", &Project::IProject_GetCollection, {"CollectionName"})
-          .Method("Deactivate", &Project::IProject_Deactivate)
-          .Method("ResetActivationFlags", &Project::IProject_ResetActivationFlags)
-          .Method("EnumCommands", &Project::IProject_EnumCommands)
-          .Method("ExecuteCommand", &Project::IProject_ExecuteCommand, {"Index"})
-          .Build();
+  static const automation::ClassInfo info = [] {
+    automation::ClassBuilder<Project> builder("Project");
+    builder.Method("Initialize", &Project::Initialize, {"ProjectName", "Parameters"})
+        .Method("TearDown", &Project::TearDown)
+        .Get("FileName", &Project::FileName);
+    [&]<size_t... K>(std::index_sequence<K...>) {
+      (builder.Get(std::string(contracts::kComponentKinds[K].collection),
+                   &Project::CollectionOf<K>),
+       ...);
+    }
+    (std::make_index_sequence<contracts::kComponentKinds.size()>());
+    return builder.Get("IsActive", &Project::IsActive)
+        .Get("Dispatcher", &Project::Dispatcher)
+        .Method("EnumObjects", &Project::EnumObjects, {"ClassName", "BitmapID"})
+        .Method("GetObjectInfo", &Project::GetObjectInfo,
+                {"ClassName", "ObjectName", "Version", "IsUpdatable"})
+        .Implements("IProject")
+        .Method("UpdateName", &Project::IProject_UpdateName, {"ProjectName"})
+        .Method("EnumCollections", &Project::IProject_EnumCollections)
+        .Method("GetCollection", &Project::IProject_GetCollection, {"CollectionName"})
+        .Method("Deactivate", &Project::IProject_Deactivate)
+        .Method("ResetActivationFlags", &Project::IProject_ResetActivationFlags)
+        .Method("EnumCommands", &Project::IProject_EnumCommands)
+        .Method("ExecuteCommand", &Project::IProject_ExecuteCommand, {"Index"})
+        .Build();
+  }();
   return info;
 }
 
@@ -112,40 +108,12 @@ std::string Project::FileName() {
   return Operation(kClass, "FileName", [&] { return fileName_; });
 }
 
-ObjectRef Project::Collection(const char* key) {
+ObjectRef Project::Collection(std::string_view key) {
   return Operation(kClass, key, [&] {
     if (!collections_) automation::Raise(automation::err::kObjectNotSet);
     const contracts::KeyedList list(collections_);
-    return list.ItemAt(list.Find(key)).ToObject();
+    return list.ItemAt(list.Find(std::string(key))).ToObject();
   });
-}
-
-ObjectRef Project::ClassModules() {
-  return Collection("ClassModules");
-}
-ObjectRef Project::Designers() {
-  return Collection("Designers");
-}
-ObjectRef Project::DHTMLPages() {
-  return Collection("DHTMLPages");
-}
-ObjectRef Project::Forms() {
-  return Collection("Forms");
-}
-ObjectRef Project::Modules() {
-  return Collection("Modules");
-}
-ObjectRef Project::PropertyPages() {
-  return Collection("PropertyPages");
-}
-ObjectRef Project::UserConnections() {
-  return Collection("UserConnections");
-}
-ObjectRef Project::UserControls() {
-  return Collection("UserControls");
-}
-ObjectRef Project::UserDocuments() {
-  return Collection("UserDocuments");
 }
 
 bool Project::IsActive() {
@@ -323,8 +291,9 @@ void Project::InitCollections() {
   Operation(kClass, "InitCollections", [&] {
     if (collections_) return;
     const contracts::KeyedList list = contracts::KeyedList::New();
-    for (const char* key : kCollectionKeys) {
-      if (!Factory()) automation::Raise(automation::err::kCantCreateObject, std::string(key));
+    for (const contracts::ComponentKind& kind : contracts::kComponentKinds) {
+      const std::string key(kind.collection);
+      if (!Factory()) automation::Raise(automation::err::kCantCreateObject, key);
       const ObjectRef collection = Factory()(key);
       Dispatch(collection).Call("Initialize", shared_from_this());
       list.Add(collection, key);

@@ -3,6 +3,7 @@
 // lists components straight from the project file while no IDE has the project open, and holds
 // the connection to the IDE's dispatcher once one is needed.
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "automation/object.h"
+#include "contracts/component_kinds.h"
 #include "platform/files.h"
 
 namespace project {
@@ -30,15 +32,8 @@ class Project : public automation::Object {
   void Initialize(const std::string& projectName, const std::string& parameters);
   void TearDown();
   std::string FileName();
-  automation::ObjectRef ClassModules();
-  automation::ObjectRef Designers();
-  automation::ObjectRef DHTMLPages();
-  automation::ObjectRef Forms();
-  automation::ObjectRef Modules();
-  automation::ObjectRef PropertyPages();
-  automation::ObjectRef UserConnections();
-  automation::ObjectRef UserControls();
-  automation::ObjectRef UserDocuments();
+  // Then one property per collection (ClassModules ... UserDocuments), made from the kinds'
+  // table (contracts/component_kinds.h) in its order: CollectionOf below.
   bool IsActive();
   automation::ObjectRef Dispatcher();
   std::string EnumObjects(const std::string& className, int32_t bitmapId);
@@ -82,7 +77,12 @@ class Project : public automation::Object {
 
   void Activate();
   void InitCollections();
-  automation::ObjectRef Collection(const char* key);
+  // The collection stored under the key; raises 91 before the collections are made.
+  automation::ObjectRef Collection(std::string_view key);
+  template <size_t K>
+  automation::ObjectRef CollectionOf() {
+    return Collection(contracts::kComponentKinds[K].collection);
+  }
   bool DispatcherAnswers() const;
   // The lines of the key in the project file as it is now; null when there are none. Raises
   // when the project file cannot be read.

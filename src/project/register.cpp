@@ -1,11 +1,12 @@
 #include "project/register.h"
 
+#include "foundation/globals.h"
 #include "project/driver.h"
 
 namespace project {
 
 void RegisterProjectClasses() {
-  automation::RegisterClass("qxvb60.Driver", [] { return std::make_shared<Driver>(); });
+  foundation::RegisterCreatable("Driver", [] { return std::make_shared<Driver>(); });
 }
 
 }  // namespace project

@@ -82,7 +82,7 @@ std::string DHTMLPage::PageFile() const {
 }
 
 std::string DHTMLPage::HTML() {
-  return foundation::Operation(Kind().className, "HTML", [&] {
+  return foundation::Operation(Kind().component, "HTML", [&] {
     const std::string path = PageFile();
     if (path.empty()) foundation::RaiseUndefinedProperty();
     if (!contracts::HostUtility::Get().FileExists(path)) {
@@ -94,7 +94,7 @@ std::string DHTMLPage::HTML() {
 }
 
 void DHTMLPage::SetHTML(const std::string& text) {
-  foundation::Operation(Kind().className, "HTML", [&] {
+  foundation::Operation(Kind().component, "HTML", [&] {
     const std::string path = PageFile();
     SetMode(0);
     platform::WriteFileAtomic(path, platform::CurrentCodePage().Encode(text + "\r\n"));

@@ -237,48 +237,51 @@ std::vector<cli::DiffLine> Lines(std::initializer_list<const char*> texts) {
   return out;
 }
 
-TEST(UnifiedDiff, HunksWithThreeLinesOfContextMergeWhenClose) {
+// Lines keep their own ends: the diff of a CR LF file applies to it as it is.
+TEST(UnifiedDiff, HunksWithThreeLinesOfContextAndTheLinesOwnEnds) {
   EXPECT_EQ(cli::UnifiedDiff("m.bas", Lines({"a", "b"}), Lines({"a", "b"})), "");
   EXPECT_EQ(cli::UnifiedDiff("m.bas", Lines({"1", "2", "3", "4", "5", "6", "7", "8", "9"}),
                              Lines({"1", "2", "3", "4", "x", "6", "7", "8", "9"})),
-            "--- m.bas\n+++ m.bas\n@@ -2,7 +2,7 @@\n 2\n 3\n 4\n-5\n+x\n 6\n 7\n 8\n");
+            "--- a/m.bas\n+++ b/m.bas\n@@ -2,7 +2,7 @@\n 2\r\n 3\r\n 4\r\n-5\r\n+x\r\n 6\r\n"
+            " 7\r\n 8\r\n");
   // Far apart: two hunks; an insertion into an empty file names line 0.
   std::vector<cli::DiffLine> before, after;
   for (int i = 0; i < 20; ++i)
-    before.push_back({std::to_string(i), "\r\n"});
+    before.push_back({std::to_string(i), "\n"});
   after = before;
   after[1].text = "one";
   after[18].text = "eighteen";
   EXPECT_EQ(cli::UnifiedDiff("f", before, after),
-            "--- f\n+++ f\n@@ -1,5 +1,5 @@\n 0\n-1\n+one\n 2\n 3\n 4\n"
+            "--- a/f\n+++ b/f\n@@ -1,5 +1,5 @@\n 0\n-1\n+one\n 2\n 3\n 4\n"
             "@@ -16,5 +16,5 @@\n 15\n 16\n 17\n-18\n+eighteen\n 19\n");
-  EXPECT_EQ(cli::UnifiedDiff("f", {}, Lines({"a"})), "--- f\n+++ f\n@@ -0,0 +1 @@\n+a\n");
-  // A changed line end is a change.
+  EXPECT_EQ(cli::UnifiedDiff("f", {}, Lines({"a"})), "--- a/f\n+++ b/f\n@@ -0,0 +1 @@\n+a\r\n");
+  // A changed line end is a change; a last line without one says so.
   std::vector<cli::DiffLine> lf = Lines({"a"});
   lf[0].end = "\n";
-  EXPECT_EQ(cli::UnifiedDiff("f", Lines({"a"}), lf), "--- f\n+++ f\n@@ -1 +1 @@\n-a\n+a\n");
+  EXPECT_EQ(cli::UnifiedDiff("f", Lines({"a"}), lf), "--- a/f\n+++ b/f\n@@ -1 +1 @@\n-a\r\n+a\n");
+  lf[0].end = "";
+  EXPECT_EQ(cli::UnifiedDiff("f", Lines({"a"}), lf),
+            "--- a/f\n+++ b/f\n@@ -1 +1 @@\n-a\r\n+a\n\\ No newline at end of file\n");
 }
 
-// A file whose every line changed is paired line by line, not searched for a shortest script
-// (which would take time and memory quadratic in the file); lines added in the middle of a long
-// file still give the smallest hunk.
-TEST(UnifiedDiff, LongFilesStayLinearAndMinimal) {
+// A file whose every line changed is one hunk; lines added in the middle of a long file still
+// give the smallest hunk, headed as git heads it by the last line before it that begins with a
+// letter (a procedure's heading, in VB code).
+TEST(UnifiedDiff, LongFilesGiveMinimalHunks) {
   std::vector<cli::DiffLine> before, after;
   for (int i = 0; i < 5000; ++i) {
-    before.push_back({"line " + std::to_string(i), "\r\n"});
-    after.push_back({"LINE " + std::to_string(i), "\r\n"});
+    before.push_back({"line " + std::to_string(i), "\n"});
+    after.push_back({"LINE " + std::to_string(i), "\n"});
   }
   const std::string all = cli::UnifiedDiff("f", before, after);
-  EXPECT_TRUE(all.starts_with("--- f\n+++ f\n@@ -1,5000 +1,5000 @@\n-line 0\n+LINE 0\n"))
-      << all.substr(0, 80);
-  EXPECT_NE(all.find("\n-line 4999\n+LINE 4999\n"), std::string::npos);
+  EXPECT_TRUE(all.starts_with("--- a/f\n+++ b/f\n@@ -1,5000 +1,5000 @@\n-line 0\n"));
   EXPECT_EQ(std::count(all.begin(), all.end(), '\n'), 3 + 2 * 5000);
 
   after = before;
-  after.insert(after.begin() + 2500, {{"new", "\r\n"}, {"lines", "\r\n"}});
+  after.insert(after.begin() + 2500, {{"new", "\n"}, {"lines", "\n"}});
   EXPECT_EQ(cli::UnifiedDiff("f", before, after),
-            "--- f\n+++ f\n@@ -2498,6 +2498,8 @@\n line 2497\n line 2498\n line 2499\n+new\n"
-            "+lines\n line 2500\n line 2501\n line 2502\n");
+            "--- a/f\n+++ b/f\n@@ -2498,6 +2498,8 @@ line 2496\n line 2497\n line 2498\n"
+            " line 2499\n+new\n+lines\n line 2500\n line 2501\n line 2502\n");
 }
 
 cli::FileMatches Sample() {

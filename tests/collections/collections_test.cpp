@@ -6,6 +6,7 @@
 
 #include "automation/object.h"
 #include "contracts/driver_interfaces.h"
+#include "special/qxvb60.h"
 #include "support/driver_env.h"
 #include "support/errors.h"
 
@@ -18,6 +19,7 @@ using qxtest::DriverEnv;
 class Collections : public ::testing::Test {
  protected:
   Collections() {
+    special::RegisterAddIn();  // what the IDE's process registers besides
     DriverEnv::Write(env_.work() / "P.vbp",
                      "Type=Exe\r\nForm=frmA.frm\r\nForm=frmB.frm\r\nModule=M; M.bas\r\n"
                      "Designer=Page.Dsr\r\n");
@@ -82,9 +84,26 @@ TEST_F(Collections, ComponentsNeedTheIde) {
             std::string::npos);
 }
 
-TEST_F(Collections, MemberOrderFollowsTheHostInterfaces) {
+// The host's interfaces, and the members made from the kinds' table.
+TEST_F(Collections, MemberOrderFollowsTheInterfaces) {
   using Members = std::vector<std::string>;
   const std::tuple<ObjectRef, const char*, Members> objects[] = {
+      {automation::CreateObject("qxvb60.Dispatcher"),
+       "",
+       {"Initialize",        "TearDown",          "Initialize2",         "VBProject",
+        "EnumClassModules",  "EnumDesigners",     "EnumDHTMLPages",      "EnumForms",
+        "EnumModules",       "EnumPropertyPages", "EnumUserConnections", "EnumUserControls",
+        "EnumUserDocuments", "GetClassModule",    "GetDesigner",         "GetDHTMLPage",
+        "GetForm",           "GetModule",         "GetPropertyPage",     "GetUserConnection",
+        "GetUserControl",    "GetUserDocument"}},
+      {project_,
+       "",
+       {"Initialize", "TearDown", "FileName", "ClassModules", "Designers", "DHTMLPages", "Forms",
+        "Modules", "PropertyPages", "UserConnections", "UserControls", "UserDocuments", "IsActive",
+        "Dispatcher", "EnumObjects", "GetObjectInfo"}},
+      {automation::CreateObject("qxvb60.Connection"),
+       "IDTExtensibility",
+       {"OnConnection", "OnDisconnection", "OnStartupComplete", "OnAddInsUpdate"}},
       {driver_, "IDriver", {"Initialize", "Shutdown", "GetProject"}},
       {project_,
        "IProject",
@@ -105,9 +124,12 @@ TEST_F(Collections, MemberOrderFollowsTheHostInterfaces) {
   }
 }
 
-TEST_F(Collections, OnlyTheDriverIsCreatableFromOutside) {
-  EXPECT_TRUE(automation::IsClassRegistered("qxvb60.Driver"));
-  for (const char* progId : {"qxvb60.Project", "qxvb60.Forms", "qxvb60.Modules", "qxvb60.Probe"})
+TEST_F(Collections, TheCreatableClassesAreTheDriverTheAddInsAndTheSpecialKinds) {
+  for (const char* name : {"Driver", "Connection", "Dispatcher", "DHTMLPage", "DHTMLPages",
+                           "UserConnection", "UserConnections"}) {
+    EXPECT_EQ(automation::CreateObject(std::string("qxvb60.") + name)->Class().name, name);
+  }
+  for (const char* progId : {"qxvb60.Project", "qxvb60.Forms", "qxvb60.Form", "qxvb60.Probe"})
     EXPECT_FALSE(automation::IsClassRegistered(progId)) << progId;
 }
 

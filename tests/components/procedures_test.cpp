@@ -52,6 +52,8 @@ TEST_F(ProceduresTest, TheListFollowsTheModuleUnderEachProceduresName) {
   const ObjectRef code = Open("GetModule", "Code");
   EXPECT_EQ(Names(code), (std::vector<std::string>{"<declarations>", "Alpha", "Gamma"}));
   EXPECT_EQ(Procedures(code), Procedures(code));  // made once
+  // NewEnum answers the standard enumerator's dispatch identifier; it gives no enumerator.
+  EXPECT_EQ(Dispatch(Procedures(code)).Call(automation::DispIdName(-4)).ToObject(), nullptr);
   // Leading lines of spaces are not the procedure's, a tab line is.
   EXPECT_EQ(Item(code, "Alpha").Get("Text").ToString(),
             "Sub Alpha()\r\n    Counter = 1\r\nEnd Sub");

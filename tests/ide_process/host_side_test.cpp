@@ -1,5 +1,6 @@
 // The driver's host side against a real IDE process, as a host loads it: the project's
-// collections answer from the IDE once it has the project, the design command reaches it, and
+// collections answer from the IDE once it has the project, the design command reaches it (its
+// main window too, by handle), and
 // IProject.Deactivate on a project that started its IDE itself ignores 462 and raises any other
 // error again with an empty source.
 
@@ -77,8 +78,17 @@ TEST_F(HostSide, TheCollectionsAnswerFromTheIdeOnceItHasTheProject) {
   EXPECT_EQ(entries[0].version.size(), 14u);
   EXPECT_TRUE(entries[0].flag);
 
-  // The design command goes into the IDE: the component is found there by name.
+  // The design command goes into the IDE: its main window, minimized at start-up, is restored
+  // by its handle from this process, and the component is found there by name.
+  const Dispatch mainWindow(
+      Dispatch(Dispatch(Dispatch(project.Get("Dispatcher").ToObject()).Get("VBProject").ToObject())
+                   .Get("VBE")
+                   .ToObject())
+          .Get("MainWindow")
+          .ToObject());
+  EXPECT_EQ(mainWindow.Get("WindowState").ToLong(), 1);
   Collection("Forms").ExecuteObjectCommand("frmMain", 0);
+  EXPECT_EQ(mainWindow.Get("WindowState").ToLong(), 0);
   const auto missing = Caught([&] { Collection("Forms").ExecuteObjectCommand("Nope", 0); });
   EXPECT_EQ(missing.Number(), 9);
   EXPECT_NE(missing.Description().find("qxvb60.Forms.ICollection_ExecuteObjectCommand.1"),

@@ -178,7 +178,7 @@ TEST_F(ScanFixture, RenameRenamesAControlArrayWithItsEventProceduresAndPreviewIs
   ASSERT_EQ(shown.status, 0) << shown.err;
   EXPECT_EQ(File("frmScan.frm"), frm_);
   EXPECT_NE(shown.out.find("+Private Sub optChoice_KeyPress(Index As Integer, KeyAscii As "
-                           "Integer)\n"),
+                           "Integer)\r\n"),
             std::string::npos)
       << shown.out;
   EXPECT_NE(shown.out.find("6 replacements in 1 file; nothing written"), std::string::npos);
@@ -242,7 +242,7 @@ TEST_F(ScanFixture, APreviewShowsTheCompanionsItChangesAndWriteChangesThemAlike)
   EXPECT_NE(shown.out.find("Binary files a/" + frx + " and b/" + frx + " differ\n"),
             std::string::npos)
       << shown.out;
-  EXPECT_NE(shown.out.find("+<P id=Greeting>The much too the day.</P>\n"), std::string::npos)
+  EXPECT_NE(shown.out.find("+<P id=Greeting>The much too the day.</P>\r\n"), std::string::npos)
       << shown.out;
   EXPECT_EQ(File("FRMSCAN.FRX"), frx_) << "a preview writes nothing";
   EXPECT_EQ(File("pages/Stock.htm"), html);

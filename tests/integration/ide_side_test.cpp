@@ -159,6 +159,8 @@ TEST_F(IdeSide, TheAddInRegistersEachSavedProjectInOrderUnderItsFileUntilItIsRem
   EXPECT_EQ(contracts::HostUtility::Get().GetRegisteredObject(vbp_), nullptr);
   StartIde();
   EXPECT_EQ(connection_->Owner(), ide_->Process());
+  // Listed in vbaddin.ini only, the add-in is described by its class's type information.
+  EXPECT_EQ(ide_->AddIns().front()->Description(), "Quarrix VB AddIn");
   ASSERT_EQ(TablePaths(), (std::vector<std::string>{vbp_}));
   const project::Connection::Entry entry = connection_->Entries().front();
   EXPECT_NE(entry.cookie, 0);

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "automation/error.h"
+#include "automation/vb_name.h"
 
 namespace ide::form {
 namespace {
@@ -116,7 +117,7 @@ Variant CoerceValue(const PropertyInfo& property, const Variant& value) {
     case ValueType::kString:
     case ValueType::kShortcut: {
       std::string text = value.ToString();
-      if (property.name == "Name" && !IsVbName(text)) Refuse();
+      if (property.name == "Name" && !automation::IsVbName(text)) Refuse();
       return Variant(std::move(text));
     }
     case ValueType::kFont:
@@ -208,17 +209,6 @@ StringStorage PlaceString(const PropertyInfo& property, std::string_view value, 
       return StringStorage::kInline;
   }
   return StringStorage::kInline;
-}
-
-bool IsVbName(std::string_view name) {
-  if (name.empty() || name.size() > 40) return false;
-  auto letter = [](unsigned char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
-  if (!letter(static_cast<unsigned char>(name.front()))) return false;
-  for (const char c : name) {
-    const auto u = static_cast<unsigned char>(c);
-    if (!letter(u) && !(u >= '0' && u <= '9') && u != '_') return false;
-  }
-  return true;
 }
 
 }  // namespace ide::form

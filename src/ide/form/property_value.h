@@ -20,15 +20,12 @@ namespace ide::form {
 //  - a number outside the property's range (a DrawWidth of 0, a Timer interval over 65,535);
 //  - an OLE colour that is not one: a system colour past the last system colour index, or a
 //    high byte other than 0x00, 0x01, 0x02 or 0x80;
-//  - a Name that is not a VB name (a letter, then letters, digits and underscores, 40 at most).
+//  - a Name that is not a VB name (automation/vb_name.h).
 // A colour may also be given as the form file writes it, "&H8000000F&". Object-valued
 // properties (Font, Picture...) take an object (Nothing included) and raise 424 "Object
 // required" for anything else; lists take their items one at a time (CoerceItem), so a value
 // for a whole list raises 380. A read-only property raises 383 before any conversion.
 automation::Variant CoerceValue(const PropertyInfo& property, const automation::Variant& value);
-
-// VB's rule for a Name: an ASCII letter, then ASCII letters, digits and underscores, 40 at most.
-bool IsVbName(std::string_view name);
 
 // One item of a list property: List items are strings, ItemData items Longs.
 automation::Variant CoerceItem(const PropertyInfo& list, const automation::Variant& value);

@@ -17,6 +17,7 @@
 #include "automation/remote.h"
 #include "automation/remote_object.h"
 #include "host/host_utility.h"
+#include "host/ide_control.h"
 #include "ide/model/project.h"
 #include "ide/vbide/ide.h"
 #include "ide/vbide/vbe.h"
@@ -24,13 +25,15 @@
 #include "ide/vbide/vbprojects.h"
 #include "platform/files.h"
 #include "platform/home.h"
+#include "platform/windows.h"
 
 namespace ide::server {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+using host::ControlName;
+using host::kControlClass;
 
-constexpr std::string_view kControlPrefix = "qxvb6.exe:";
 constexpr std::chrono::milliseconds kTick{200};
 
 // One line of the log: local time, process, text.
@@ -62,6 +65,7 @@ class IdeControl : public automation::Object {
                                                   .Get("Projects", &IdeControl::Projects)
                                                   .Get("IdleSeconds", &IdeControl::IdleSeconds)
                                                   .Method("Quit", &IdeControl::Quit)
+                                                  .Method("ShowWindow", &IdeControl::ShowWindow)
                                                   .Build();
     return info;
   }
@@ -80,6 +84,7 @@ class IdeControl : public automation::Object {
             .count());
   }
   void Quit() { activity_.quit = true; }
+  bool ShowWindow(int32_t hWnd, int32_t command) { return platform::ShowWindow(hWnd, command); }
 
  private:
   Ide& ide_;
@@ -110,20 +115,6 @@ void LogNewProblems(const Ide& ide, size_t& logged) {
 }
 
 }  // namespace
-
-std::string ControlName(long pid) {
-  return std::string(kControlPrefix) + std::to_string(pid);
-}
-
-std::optional<long> ControlProcess(std::string_view registeredName) {
-  if (registeredName.substr(0, kControlPrefix.size()) != kControlPrefix) return std::nullopt;
-  const std::string digits(registeredName.substr(kControlPrefix.size()));
-  if (digits.empty() || digits.size() > 9 ||
-      digits.find_first_not_of("0123456789") != std::string::npos) {
-    return std::nullopt;
-  }
-  return std::stol(digits);
-}
 
 std::filesystem::path LogPath() {
   return platform::QxHome() / "qxvb6.log";

@@ -3,8 +3,8 @@
 // project ("qxvb6.exe" "PROJECT.vbp", the command line the driver builds).
 //
 // It starts the headless IDE (which loads the add-ins of vbaddin.ini, the driver's Connection
-// among them, opens the project and raises its events), registers its control object under
-// ControlName(its process id), and serves calls from its event loop until it is ended:
+// among them, opens the project and raises its events), registers its control object
+// (host/ide_control.h), and serves calls from its event loop until it is ended:
 // - when asked (the control object's Quit: `qx ide stop`); it saves nothing it was not asked to
 //   save, raises ItemRemoved and OnDisconnection, and exits;
 // - by itself once it has been quiet for the idle period: no call into it and no object of it
@@ -31,17 +31,6 @@ inline constexpr std::chrono::seconds kDefaultIdle{600};
 inline constexpr const char* kIdleVariable = "QX_IDE_IDLE_SECONDS";
 // How long an IDE with an idle period of 0 waits for a host that never came.
 inline constexpr std::chrono::seconds kUnclaimedGrace{30};
-
-// The name of an IDE process's control object in the registered-object table, and the process
-// id in a (normalized) registered name that is one; nullopt for other names.
-std::string ControlName(long pid);
-std::optional<long> ControlProcess(std::string_view registeredName);
-
-// The control object's members (class "IdeControl"): ProcessId (Long), Projects (the open
-// projects' file names, joined by tab characters), IdleSeconds (Long, since the last call into
-// the IDE from another process, calls to the control object not counted), Quit (ends the IDE
-// once the current call has returned).
-inline constexpr const char* kControlClass = "IdeControl";
 
 // $QX_HOME/qxvb6.log, shared by the IDE processes of the home; each line says its process.
 std::filesystem::path LogPath();

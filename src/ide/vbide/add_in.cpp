@@ -1,6 +1,7 @@
 #include "ide/vbide/add_in.h"
 
 #include <exception>
+#include <optional>
 #include <utility>
 
 #include "ide/vbide/vbe.h"
@@ -12,11 +13,13 @@ AddIn::AddIn(std::shared_ptr<VBE> vbe, std::string progId, automation::ObjectRef
     : vbe_(std::move(vbe)), progId_(std::move(progId)), instance_(std::move(instance)) {
   std::string key = "HKEY_CURRENT_USER\\Software\\Microsoft\\Visual Basic\\6.0\\Addins\\";
   key += progId_;
+  std::optional<std::string> registered;
   try {
-    description_ = platform::Registry::Instance().ReadValue(key, "Description").value_or("");
+    registered = platform::Registry::Instance().ReadValue(key, "Description");
   } catch (const std::exception&) {
-    // An unreadable registry leaves the description empty; the add-in loads all the same.
+    // An unreadable registry leaves the type library's description; the add-in loads all the same.
   }
+  description_ = registered ? *registered : instance_ ? instance_->Class().description : "";
 }
 
 const automation::ClassInfo& AddIn::Class() const {

@@ -1,8 +1,9 @@
 #pragma once
 // AddIn: the IDE's record of one loaded add-in, handed to the add-in as AddInInst in
 // OnConnection. Description starts as the "Description" value of the registry key
-// HKEY_CURRENT_USER\Software\Microsoft\Visual Basic\6.0\Addins\<ProgId> (empty without one; we
-// have no type library to take it from) and may be changed; Object is whatever the add-in
+// HKEY_CURRENT_USER\Software\Microsoft\Visual Basic\6.0\Addins\<ProgId>, where an add-in
+// designer registers it, or else, for an add-in listed in vbaddin.ini only, as the description
+// of the add-in's class in its type library; it may be changed. Object is whatever the add-in
 // chooses to expose through it (Nothing until it sets one).
 
 #include <memory>
