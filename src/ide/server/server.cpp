@@ -1,6 +1,7 @@
 #include "ide/server/server.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -142,8 +143,9 @@ std::optional<std::chrono::seconds> IdleFromEnvironment(std::string& message) {
 }
 
 void RedirectOutputToLog() {
-  const int fd = ::open(LogPath().c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+  const int fd = ::open(LogPath().c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
   if (fd < 0) return;  // nowhere better to write: keep what was inherited
+  ::fchmod(fd, 0600);  // a log of an older qx may have been readable by others
   ::dup2(fd, STDOUT_FILENO);
   ::dup2(fd, STDERR_FILENO);
   ::close(fd);
