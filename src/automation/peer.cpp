@@ -9,8 +9,13 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-std::map<long, Error>& UnresponsivePeers() {
-  static std::map<long, Error> peers;
+struct Unanswered {
+  Error error;
+  bool stopped;  // found stopped (else silent past the time-out, or gone)
+};
+
+std::map<long, Unanswered>& UnresponsivePeers() {
+  static std::map<long, Unanswered> peers;
   return peers;
 }
 
@@ -56,10 +61,14 @@ std::chrono::seconds CallTimeout() {
 }
 
 std::optional<Error> Unresponsive(long pid) {
-  const auto& peers = UnresponsivePeers();
+  auto& peers = UnresponsivePeers();
   const auto it = peers.find(pid);
   if (it == peers.end()) return std::nullopt;
-  return it->second;
+  if (it->second.stopped && StateOf(pid) == ProcessState::Running) {
+    peers.erase(it);
+    return std::nullopt;
+  }
+  return it->second.error;
 }
 
 PeerWatch::PeerWatch(long pid)
@@ -68,7 +77,8 @@ PeerWatch::PeerWatch(long pid)
 std::optional<Error> PeerWatch::Check() {
   const Clock::time_point now = Clock::now();
   std::string why;
-  switch (StateOf(pid_)) {
+  const ProcessState state = StateOf(pid_);
+  switch (state) {
     case ProcessState::Gone:
       // The broken connection says so too; this is for a peer whose socket outlives it.
       why = " has ended";
@@ -87,7 +97,7 @@ std::optional<Error> PeerWatch::Check() {
   }
   if (why.empty()) return std::nullopt;
   Error error(err::kServerUnavailable, "qx", NameOf(pid_) + why);
-  UnresponsivePeers().insert_or_assign(pid_, error);
+  UnresponsivePeers().insert_or_assign(pid_, Unanswered{error, state == ProcessState::Stopped});
   return error;
 }
 

@@ -7,7 +7,8 @@
 // would keep the caller waiting for ever. So every wait for an answer is watched: the call
 // fails with 462 once the peer has been stopped for kStoppedGrace, or when it has not answered
 // within the call time-out (QX_CALL_TIMEOUT_SECONDS, default kDefaultCallTimeout; 0: none).
-// A peer found so is not called again by this process: later calls to it fail at once.
+// A peer found so is not called again by this process: later calls to it fail at once, unless
+// it was stopped and runs again (a Ctrl-Z and fg).
 
 #include <chrono>
 #include <optional>
@@ -33,7 +34,8 @@ inline constexpr std::chrono::milliseconds kStoppedGrace{1000};
 // number of seconds.
 std::chrono::seconds CallTimeout();
 
-// The error of a peer that this process found unable to answer, if it was.
+// The error of a peer that this process found unable to answer and that still cannot: one found
+// stopped that runs again is forgotten.
 std::optional<Error> Unresponsive(long pid);
 
 // Watches one wait for an answer from the process.

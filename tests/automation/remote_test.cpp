@@ -251,7 +251,7 @@ TEST_F(RemoteTest, CallsIntoAKilledProcessRaise462) {
 }
 
 // A peer that is stopped, or busy for longer than a call may take, fails the call with 462
-// instead of keeping the caller waiting; later calls to it fail at once.
+// instead of keeping the caller waiting; later calls to it fail at once while it stays so.
 TEST_F(RemoteTest, AStoppedOrSilentPeerFailsTheCallAndIsNotCalledAgain) {
   Dispatch stopped(StartPeer());
   ASSERT_EQ(stopped.Get("Name").ToString(), "root");
@@ -265,6 +265,10 @@ TEST_F(RemoteTest, AStoppedOrSilentPeerFailsTheCallAndIsNotCalledAgain) {
   start = std::chrono::steady_clock::now();
   EXPECT_EQ(Caught([&] { stopped.Get("Name"); }).Number(), 462);
   EXPECT_LT(std::chrono::steady_clock::now() - start, 100ms);
+  // Running again (fg after Ctrl-Z), it is called again.
+  ::kill(pid, SIGCONT);
+  ServeUntil([&] { return automation::StateOf(pid) == automation::ProcessState::Running; });
+  EXPECT_EQ(stopped.Get("Name").ToString(), "root");
   qxtest::ChildProcesses::End(pid);
 
   ::setenv(automation::kCallTimeoutVariable, "1", 1);
