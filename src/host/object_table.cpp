@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <limits>
@@ -202,6 +203,13 @@ std::vector<LiveEntry> OtherLiveEntries() {
           stem.size() < 10 && !StampOf(std::stol(stem)).alive) {
         RemoveQuietly(file);
       }
+      continue;
+    }
+    if (const std::string name = file.filename().string();
+        name.front() == '.' && name.ends_with(".entry.tmp")) {
+      // An entry being written ("." PID "-" COOKIE ".entry.tmp") by a process that ended first.
+      const long pid = std::strtol(name.c_str() + 1, nullptr, 10);
+      if (pid > 0 && !StampOf(pid).alive) RemoveQuietly(file);
       continue;
     }
     if (file.extension() != ".entry") continue;
