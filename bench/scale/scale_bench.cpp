@@ -11,7 +11,8 @@
 // 2,000 forms, and every place is searched. Then it measures, each `--repeat` times and reported as
 // the median:
 //   rg        `rg -n --column WORD FOLDER`, the rare word that is in 1% of the procedures
-//   cold      `qx search WORD PROJECT` with no IDE running: the run starts one and ends it
+//   cold      `qx search --no-keep WORD PROJECT` with no IDE running: the run starts one and
+//             ends it
 //   warm      the same search while an IDE started by `qx ide start` holds the project
 //   replace   `qx replace --write WORD2 NEW PROJECT` changing every procedure, cold, on a fresh
 //             copy of the project each time (up to 1,000,000 lines, unless --replace-all 1)
@@ -195,8 +196,9 @@ int Main(const Settings& settings) {
     }
     long coldQxRss = 0;
     for (int i = 0; i < settings.repeat; ++i) {
+      // Cold each time: the run does not keep its IDE warm.
       const RunResult r =
-          Run({qx, "search", "--color", "never", kRareWord, project.vbp}, out, folder);
+          Run({qx, "search", "--no-keep", "--color", "never", kRareWord, project.vbp}, out, folder);
       if (r.status != 0) std::cout << "  qx search exited with " << r.status << "\n";
       cold.push_back(r.seconds);
       coldQxRss = r.maxRssKb;
@@ -237,8 +239,9 @@ int Main(const Settings& settings) {
       for (int i = 0; i < settings.repeat; ++i) {
         const fs::path copy = settings.work / ("r" + std::to_string(size));
         const auto fresh = Generate(copy, size, settings.forms);
-        const RunResult r = Run(
-            {qx, "replace", "--write", "--color", "never", kCommonWord, "walking", fresh.vbp}, out);
+        const RunResult r = Run({qx, "replace", "--write", "--no-keep", "--color", "never",
+                                 kCommonWord, "walking", fresh.vbp},
+                                out);
         if (r.status != 0) std::cout << "  qx replace exited with " << r.status << "\n";
         replace.push_back(r.seconds);
         if (i == 0) {

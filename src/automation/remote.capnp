@@ -14,11 +14,13 @@ enum Kind {
 
 # An object reference: the capability that calls it, and where it lives (the apartment that
 # made it and its number there), so that a reference coming home becomes the object itself
-# again instead of a proxy of a proxy.
+# again instead of a proxy of a proxy; and the operating-system process of that apartment, which
+# a caller watches while it waits for an answer.
 struct ObjectRef {
   cap @0 :Dispatch;
   apartment @1 :UInt64;
   id @2 :UInt64;
+  process @3 :UInt32;
 }
 
 # A Variant. Strings are bytes (UTF-8 inside the program, any byte allowed, NUL included).

@@ -1,16 +1,21 @@
 #include "automation/remote.h"
 
+#include <fcntl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include <capnp/rpc-twoparty.h>
 
+#include <cerrno>
+#include <cstring>
 #include <map>
 #include <vector>
 
 #include "automation/apartment.h"
 #include "automation/error.h"
+#include "automation/peer.h"
 #include "automation/remote_object.h"
 
 namespace automation {
@@ -37,8 +42,17 @@ class RootServer final : public wire::Root::Server {
 
 #pragma GCC diagnostic pop
 
+// The process at the other end of a connected socket, as the kernel knows it.
+ucred PeerOf(kj::AsyncIoStream& stream) {
+  ucred peer{};
+  kj::uint length = sizeof peer;
+  stream.getsockopt(SOL_SOCKET, SO_PEERCRED, &peer, &length);
+  return peer;
+}
+
 // One connection to another process's socket, shared by every proxy that came through it.
 struct Connection {
+  long peer = 0;  // the serving process
   kj::Own<kj::AsyncIoStream> stream;
   kj::Own<capnp::TwoPartyClient> client;
   bool broken = false;
@@ -57,13 +71,42 @@ Connections& TheConnections() {
   return *connections;
 }
 
-void CheckSocketPath(const std::string& path) {
-  if (path.size() >= sizeof(sockaddr_un::sun_path)) {
-    Raise(err::kPathFileAccess, "the socket path is longer than the system allows (" +
-                                    std::to_string(sizeof(sockaddr_un::sun_path) - 1) +
-                                    " bytes): " + path);
+// A socket path as bind and connect take it. A Unix socket's address holds at most 107 bytes;
+// a longer path is reached through its folder, opened here for as long as this lives
+// (/proc/self/fd/N/NAME names the same file in few bytes), so a qx home may be as deep as any.
+class SocketAddress {
+ public:
+  explicit SocketAddress(const std::string& path) : text_(path) {
+    if (path.size() < sizeof(sockaddr_un::sun_path)) return;
+    const size_t slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "."
+                               : slash == 0               ? "/"
+                                                          : path.substr(0, slash);
+    const std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
+    folder_ = ::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    if (folder_ < 0) Raise(err::kPathFileAccess, path + ": " + std::strerror(errno));
+    text_ = "/proc/self/fd/" + std::to_string(folder_) + "/" + name;
+    if (text_.size() >= sizeof(sockaddr_un::sun_path)) {
+      Raise(err::kPathFileAccess, "the socket's file name is longer than the system allows (" +
+                                      std::to_string(sizeof(sockaddr_un::sun_path) - 1) +
+                                      " bytes with its folder): " + path);
+    }
   }
-}
+  ~SocketAddress() {
+    if (folder_ >= 0) ::close(folder_);
+  }
+  SocketAddress(const SocketAddress&) = delete;
+  SocketAddress& operator=(const SocketAddress&) = delete;
+
+  kj::Own<kj::NetworkAddress> Parse() {
+    Apartment& apartment = Apartment::Get();
+    return apartment.Await(apartment.Io().getNetwork().parseAddress("unix:" + text_));
+  }
+
+ private:
+  std::string text_;
+  int folder_ = -1;
+};
 
 Connection& ConnectionTo(const std::string& path) {
   Connections& connections = TheConnections();
@@ -74,9 +117,16 @@ Connection& ConnectionTo(const std::string& path) {
     connections.live.erase(it);
   }
   Apartment& apartment = Apartment::Get();
-  auto address = apartment.Await(apartment.Io().getNetwork().parseAddress("unix:" + path));
+  SocketAddress address(path);
   auto connection = std::make_unique<Connection>();
-  connection->stream = apartment.Await(address->connect());
+  connection->stream = apartment.Await(address.Parse()->connect());
+  // Only a process of our own user may serve us: it will be handed our objects.
+  const ucred peer = PeerOf(*connection->stream);
+  if (peer.uid != ::geteuid()) {
+    Raise(err::kPermissionDenied, path + " is served by a process of another user (uid " +
+                                      std::to_string(peer.uid) + "); qx does not connect to it");
+  }
+  connection->peer = peer.pid;
   connection->client = kj::heap<capnp::TwoPartyClient>(*connection->stream);
   Connection* raw = connection.get();
   connection->watch =
@@ -93,18 +143,28 @@ struct Listener::Impl {
   kj::Own<kj::ConnectionReceiver> receiver;
   kj::Own<capnp::TwoPartyServer> server;
   kj::Promise<void> task = nullptr;
+
+  // Serves each connection of a process of our own user; another user's is closed at once.
+  kj::Promise<void> Accept() {
+    return receiver->accept().then([this](kj::Own<kj::AsyncIoStream>&& stream) {
+      if (PeerOf(*stream).uid == ::geteuid()) server->accept(kj::mv(stream));
+      return Accept();
+    });
+  }
 };
 
 Listener::Listener(std::string socketPath, ObjectRef root) : impl_(std::make_unique<Impl>()) {
-  CheckSocketPath(socketPath);
   impl_->path = std::move(socketPath);
+  SocketAddress address(impl_->path);
   ::unlink(impl_->path.c_str());  // a socket left by an ended process of the same number
-  Apartment& apartment = Apartment::Get();
   try {
-    auto address = apartment.Await(apartment.Io().getNetwork().parseAddress("unix:" + impl_->path));
-    impl_->receiver = address->listen();
+    impl_->receiver = address.Parse()->listen();
+    // Only its owner may connect, whatever the umask said when it was made.
+    if (::chmod(impl_->path.c_str(), 0600) != 0) {
+      Raise(err::kPathFileAccess, impl_->path + ": " + std::strerror(errno));
+    }
     impl_->server = kj::heap<capnp::TwoPartyServer>(kj::heap<RootServer>(std::move(root)));
-    impl_->task = impl_->server->listen(*impl_->receiver).eagerlyEvaluate([](kj::Exception&&) {
+    impl_->task = impl_->Accept().eagerlyEvaluate([](kj::Exception&&) {
       // Accepting failed (the socket was closed): nothing more to serve.
     });
   } catch (const kj::Exception& e) {
@@ -124,12 +184,10 @@ const std::string& Listener::Path() const {
 }
 
 ObjectRef Connect(const std::string& socketPath) {
-  CheckSocketPath(socketPath);
-  Apartment& apartment = Apartment::Get();
   try {
     Connection& connection = ConnectionTo(socketPath);
     auto root = connection.client->bootstrap().castAs<wire::Root>();
-    auto response = apartment.Await(root.rootRequest().send());
+    auto response = AwaitFrom(connection.peer, root.rootRequest().send());
     return ImportObject(response.getObject());
   } catch (const kj::Exception&) {
     Raise(err::kServerUnavailable, socketPath);

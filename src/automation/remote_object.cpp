@@ -1,5 +1,7 @@
 #include "automation/remote_object.h"
 
+#include <unistd.h>
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -9,6 +11,7 @@
 #include "automation/apartment.h"
 #include "automation/error.h"
 #include "automation/marshal.h"
+#include "automation/peer.h"
 #include "automation/process.h"
 #include "automation/remote.h"
 
@@ -141,8 +144,9 @@ class ObjectServer final : public wire::Dispatch::Server {
 
 }  // namespace
 
-RemoteObject::RemoteObject(wire::Dispatch::Client client, uint64_t apartment, uint64_t id)
-    : client_(kj::mv(client)), apartment_(apartment), id_(id) {}
+RemoteObject::RemoteObject(wire::Dispatch::Client client, uint64_t apartment, uint64_t id,
+                           long process)
+    : client_(kj::mv(client)), apartment_(apartment), id_(id), process_(process) {}
 
 RemoteObject::~RemoteObject() noexcept = default;
 
@@ -158,7 +162,6 @@ const ClassInfo& RemoteObject::Class() const {
 
 Variant RemoteObject::Invoke(std::string_view interfaceName, std::string_view memberName,
                              MemberKind kind, Args& args) {
-  Apartment& apartment = Apartment::Get();
   try {
     auto request = client_.invokeRequest();
     request.setInterface(std::string(interfaceName));
@@ -167,7 +170,7 @@ Variant RemoteObject::Invoke(std::string_view interfaceName, std::string_view me
     auto wireArgs = request.initArgs(static_cast<unsigned>(args.size()));
     for (size_t i = 0; i < args.size(); ++i)
       automation::ToWire(args[i], wireArgs[static_cast<unsigned>(i)]);
-    auto response = apartment.Await(request.send());
+    auto response = AwaitFrom(process_, request.send());
     for (auto slot : response.getWritten()) {
       const size_t index = slot.getIndex();
       if (index >= args.size()) args.resize(index + 1);
@@ -185,11 +188,13 @@ void ExportObject(const ObjectRef& object, wire::ObjectRef::Builder out) {
     out.setCap(proxy->Client());
     out.setApartment(proxy->ApartmentId());
     out.setId(proxy->Id());
+    out.setProcess(static_cast<uint32_t>(proxy->ProcessId()));
     return;
   }
   auto server = kj::heap<ObjectServer>(object);
   out.setApartment(Apartment::Get().Id());
   out.setId(server->Id());
+  out.setProcess(static_cast<uint32_t>(::getpid()));
   out.setCap(kj::mv(server));
 }
 
@@ -198,7 +203,8 @@ ObjectRef ImportObject(wire::ObjectRef::Reader in) {
     auto it = TheExports().servers.find(in.getId());
     if (it != TheExports().servers.end()) return it->second->Object();
   }
-  return std::make_shared<RemoteObject>(in.getCap(), in.getApartment(), in.getId());
+  return std::make_shared<RemoteObject>(in.getCap(), in.getApartment(), in.getId(),
+                                        static_cast<long>(in.getProcess()));
 }
 
 void SetIncomingCallObserver(std::function<void(const Object&)> observer) {

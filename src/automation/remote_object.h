@@ -15,7 +15,7 @@ namespace automation {
 
 class RemoteObject final : public Object {
  public:
-  RemoteObject(wire::Dispatch::Client client, uint64_t apartment, uint64_t id);
+  RemoteObject(wire::Dispatch::Client client, uint64_t apartment, uint64_t id, long process);
   // Releases the far object (when this was the last reference to it from here).
   ~RemoteObject() noexcept override;
 
@@ -24,18 +24,20 @@ class RemoteObject final : public Object {
 
   // Carries the call to the object's process and waits for the answer, serving calls into this
   // process meanwhile. Raises the callee's error with all its fields; 462 when the object's
-  // process has ended.
+  // process has ended or cannot answer (see peer.h).
   Variant Invoke(std::string_view interfaceName, std::string_view memberName, MemberKind kind,
                  Args& args) override;
 
   wire::Dispatch::Client& Client() { return client_; }
   uint64_t ApartmentId() const { return apartment_; }
   uint64_t Id() const { return id_; }
+  long ProcessId() const { return process_; }
 
  private:
   wire::Dispatch::Client client_;
   uint64_t apartment_;
   uint64_t id_;
+  long process_;
 };
 
 // Writes a reference to the object into a message: a proxy passes on the capability it holds; a

@@ -68,6 +68,7 @@ struct RenameOptions {
   std::string control;  // COMPONENT.OLDNAME
   std::string newName;
   bool write = false;
+  bool noKeep = false;
 };
 
 // qx rename: the control (every element of a control array) takes the new name, its event

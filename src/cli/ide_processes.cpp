@@ -1,11 +1,13 @@
 #include "cli/ide_processes.h"
 
+#include <signal.h>
+
 #include <algorithm>
 #include <chrono>
-#include <fstream>
 #include <thread>
 
 #include "automation/error.h"
+#include "automation/peer.h"
 #include "host/host_utility.h"
 #include "host/ide_control.h"
 #include "host/object_table.h"
@@ -16,8 +18,7 @@ namespace {
 
 using automation::Dispatch;
 
-// How long qx waits for an IDE to finish its events and exit.
-constexpr std::chrono::seconds kStopWait{60};
+using Clock = std::chrono::steady_clock;
 
 std::vector<std::string> SplitTabs(const std::string& text) {
   std::vector<std::string> parts;
@@ -31,15 +32,29 @@ std::vector<std::string> SplitTabs(const std::string& text) {
   }
 }
 
-// Gone: no such process any more, or one that has ended and waits for its parent.
-bool ProcessGone(long pid) {
-  std::ifstream in("/proc/" + std::to_string(pid) + "/stat");
-  std::string stat;
-  if (!in || !std::getline(in, stat)) return true;
-  const size_t close = stat.rfind(')');
-  if (close == std::string::npos || close + 2 >= stat.size()) return true;
-  const char state = stat[close + 2];
-  return state == 'Z' || state == 'X';
+bool Gone(long pid) {
+  return automation::StateOf(pid) == automation::ProcessState::Gone;
+}
+
+// Waits until the process has gone or the time is up; true when gone. Interrupted by Ctrl-C:
+// the signal ends qx, as it should, while it waits.
+bool WaitUntilGone(long pid, std::chrono::seconds limit) {
+  const auto deadline = Clock::now() + limit;
+  while (!Gone(pid)) {
+    if (Clock::now() > deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+  return true;
+}
+
+// The registered names of an IDE that does not answer that are project files: what it has open.
+std::vector<std::string> ProjectsInTable(long pid) {
+  std::vector<std::string> projects;
+  for (std::string& name : host::ObjectTable::Get().NamesOf(pid)) {
+    if (!host::ControlProcess(name) && name.find('\\') != std::string::npos)
+      projects.push_back(std::move(name));
+  }
+  return projects;
 }
 
 }  // namespace
@@ -50,6 +65,7 @@ std::vector<RunningIde> RunningIdes() {
   std::vector<RunningIde> ides;
   for (const std::string& name : host::ObjectTable::Get().Names()) {
     if (!host::ControlProcess(name)) continue;
+    const long pid = *host::ControlProcess(name);
     try {
       automation::ObjectRef control = utility->GetRegisteredObject(name);
       if (!control) continue;
@@ -61,7 +77,13 @@ std::vector<RunningIde> RunningIdes() {
       ide.control = std::move(control);
       ides.push_back(std::move(ide));
     } catch (const automation::Error& e) {
-      if (e.Number() != automation::err::kServerUnavailable) throw;
+      if (e.Number() != automation::err::kServerUnavailable || Gone(pid)) continue;
+      // There, but it does not answer: listed from the table, so that it can be ended.
+      RunningIde ide;
+      ide.process.pid = pid;
+      ide.process.projects = ProjectsInTable(pid);
+      ide.process.unresponsive = e.Description();
+      ides.push_back(std::move(ide));
     }
   }
   std::sort(ides.begin(), ides.end(),
@@ -92,23 +114,28 @@ void StopIdesOf(const std::string& projectFile) {
 namespace detail {
 
 void Quit(RunningIde& ide) {
+  if (!ide.control) return;
   try {
     Dispatch(ide.control).Call("Quit");
   } catch (const automation::Error& e) {
     if (e.Number() != automation::err::kServerUnavailable) throw;
+    if (!Gone(ide.process.pid)) ide.process.unresponsive = e.Description();
   }
   ide.control.reset();
 }
 
-void WaitGone(const IdeProcess& process) {
-  const auto deadline = std::chrono::steady_clock::now() + kStopWait;
-  while (!ProcessGone(process.pid)) {
-    if (std::chrono::steady_clock::now() > deadline) {
-      automation::Raise(automation::err::kInternal,
-                        "IDE process " + std::to_string(process.pid) + " did not end within " +
-                            std::to_string(kStopWait.count()) + " seconds");
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+void WaitGone(IdeProcess& process) {
+  const long pid = process.pid;
+  if (process.unresponsive.empty() && WaitUntilGone(pid, kQuitGrace)) return;
+  // A stopped process takes SIGTERM when it runs again; SIGKILL ends it either way.
+  process.killed = true;
+  ::kill(static_cast<pid_t>(pid), SIGTERM);
+  ::kill(static_cast<pid_t>(pid), SIGCONT);
+  if (WaitUntilGone(pid, kTermGrace)) return;
+  ::kill(static_cast<pid_t>(pid), SIGKILL);
+  if (!WaitUntilGone(pid, kTermGrace)) {
+    automation::Raise(automation::err::kInternal,
+                      "IDE process " + std::to_string(pid) + " did not end, even on SIGKILL");
   }
 }
 

@@ -58,14 +58,21 @@ class JsonPrinter : public Printer {
   }
 
   void IdeListed(const IdeProcess& process) override {
-    Write({{"type", "ide-process"},
-           {"pid", process.pid},
-           {"projects", process.projects},
-           {"idle_seconds", process.idleSeconds}});
+    json record = {{"type", "ide-process"},
+                   {"pid", process.pid},
+                   {"projects", process.projects},
+                   {"responsive", process.unresponsive.empty()}};
+    if (process.unresponsive.empty()) {
+      record["idle_seconds"] = process.idleSeconds;
+    } else {
+      record["unresponsive"] = process.unresponsive;
+    }
+    Write(record);
   }
 
   void IdeStopped(const IdeProcess& process) override {
-    Write({{"type", "ide"}, {"action", "stopped"}, {"pid", process.pid}});
+    Write(
+        {{"type", "ide"}, {"action", "stopped"}, {"pid", process.pid}, {"killed", process.killed}});
   }
 
   void Error(const automation::Error& error) override {
@@ -131,7 +138,9 @@ class JsonPrinter : public Printer {
   void SearchSummary(const SearchTotals& totals, SearchStyle) override {
     json stats = Stats(totals.seconds, totals.files, totals.filesWithMatches, totals.bytes,
                        printed_, totals.matchedLines, totals.matches);
-    json data = {{"elapsed_total", Elapsed(totals.seconds)}, {"stats", stats}};
+    json data = {{"elapsed_total", Elapsed(totals.seconds)},
+                 {"stats", stats},
+                 {"ides_kept", totals.idesKept}};
     if (totals.replace) {
       data["replace"] = {{"written", totals.written},
                          {"files_changed", totals.filesChanged},

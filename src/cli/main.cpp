@@ -3,9 +3,11 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 #include <map>
+#include <string_view>
 
 #include "automation/apartment.h"
 #include "automation/error.h"
@@ -17,8 +19,9 @@
 namespace {
 
 // A command line that qx cannot take: the parser's message, or the verb it does not know, and
-// the error status like every other error.
-int UsageError(const CLI::App& app, const CLI::ParseError& error, bool terminal) {
+// the error status like every other error; with --json among the arguments, as an error record
+// (number 5, an invalid argument) on standard output.
+int UsageError(const CLI::App& app, const CLI::ParseError& error, bool terminal, bool json) {
   std::string message = error.what();
   if (app.get_subcommands().empty()) {
     std::string verbs;
@@ -31,10 +34,21 @@ int UsageError(const CLI::App& app, const CLI::ParseError& error, bool terminal)
       message = "a verb is required: one of " + verbs;
     }
   }
+  if (json) {
+    cli::MakeJsonPrinter(std::cout, {})
+        ->Error(automation::Error(automation::err::kInvalidCall, "qx",
+                                  message + "; run 'qx --help' for more information"));
+    return cli::kExitError;
+  }
   std::cerr << "qx: " << (terminal ? cli::EscapeControls(message) : message)
             << "\nRun 'qx --help' for more information.\n";
   return cli::kExitError;
 }
+
+constexpr const char* kNoKeepHelp =
+    "End the IDEs that this run starts when it is done, instead of keeping the last few warm "
+    "for the next run (QX_KEEP_IDES=0 likewise; QX_KEEP_IDES and QX_KEEP_IDES_MB set how many "
+    "and how much memory, default 3 and 2048)";
 
 // The options that qx search and qx replace share; for replace, REPLACEMENT after PATTERN.
 void AddSearchOptions(CLI::App& verb, cli::SearchOptions& options, bool& json, const char* jsonHelp,
@@ -78,6 +92,7 @@ void AddSearchOptions(CLI::App& verb, cli::SearchOptions& options, bool& json, c
   verb.add_flag_callback("-q,--quiet", style(cli::SearchStyle::Quiet),
                          "Print nothing; the exit status says whether anything matched");
   verb.add_flag("--json", json, jsonHelp);
+  verb.add_flag("--no-keep", options.noKeep, kNoKeepHelp);
   // The first positional arguments are the pattern (unless -e gave one) and the replacement;
   // the rest are paths. They are sorted out once parsing is done.
   static std::vector<std::string> positionals;
@@ -97,6 +112,35 @@ void AddSearchOptions(CLI::App& verb, cli::SearchOptions& options, bool& json, c
     options.paths.assign(rest.begin() + static_cast<std::ptrdiff_t>(next), rest.end());
     positionals.clear();
   });
+}
+
+// Every verb's help, from the same option tables as --help: the program's, then each verb's
+// and each sub-verb's in order. `parent` names the verbs above ("qx ide").
+void AllHelp(CLI::App& app, const std::string& parent, std::string& text) {
+  text += app.help(parent);
+  const std::string path = parent.empty() ? app.get_name() : parent + " " + app.get_name();
+  for (CLI::App* verb : app.get_subcommands({})) {
+    text += "\n";
+    AllHelp(*verb, path, text);
+  }
+}
+
+// The help as a manual page: the same text, kept as it is laid out.
+std::string ManualPage(const std::string& help) {
+  std::string page =
+      ".TH QX 1 \"\" \"qx\" \"User Commands\"\n"
+      ".SH NAME\n"
+      "qx \\- search and replace in Visual Basic 6 projects\n"
+      ".SH DESCRIPTION\n"
+      ".nf\n";
+  bool lineStart = true;
+  for (const char c : help) {
+    if (lineStart && (c == '.' || c == '\'')) page += "\\&";
+    page += c == '\\' ? std::string("\\e") : std::string(1, c);
+    lineStart = c == '\n';
+  }
+  if (!lineStart) page += '\n';
+  return page + ".fi\n";
 }
 
 }  // namespace
@@ -176,13 +220,31 @@ int main(int argc, char** argv) {
   renameCommand->add_option("NEWNAME", rename.newName, "The control's new name")->required();
   renameCommand->add_flag("--write", rename.write, "Write the rename into the project");
   renameCommand->add_flag("--json", json, kJsonHelp);
+  renameCommand->add_flag("--no-keep", rename.noKeep, kNoKeepHelp);
+
+  bool manual = false;
+  CLI::App* helpCommand =
+      app.add_subcommand("help", "Print the help of qx and of every verb at once");
+  helpCommand->add_flag("--man", manual, "As a manual page (roff), as installed for man qx");
 
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
     // --help is no error: the parser prints the help and says 0.
     if (e.get_exit_code() == 0) return app.exit(e);
-    return UsageError(app, e, ::isatty(STDERR_FILENO) == 1);
+    const bool jsonAsked =
+        std::find(argv + 1, argv + argc, std::string_view("--json")) != argv + argc;
+    return UsageError(app, e, ::isatty(STDERR_FILENO) == 1, jsonAsked);
+  }
+
+  if (helpCommand->parsed()) {
+    // The help of the program itself, not of the verb that was given.
+    app.clear();
+    app.name("qx");
+    std::string help;
+    AllHelp(app, "", help);
+    std::cout << (manual ? ManualPage(help) : help);
+    return cli::kExitMatch;
   }
 
   cli::Terminals terminals{::isatty(STDOUT_FILENO) == 1, ::isatty(STDERR_FILENO) == 1};
@@ -195,8 +257,9 @@ int main(int argc, char** argv) {
     terminals.color =
         color == cli::ColorChoice::Always || (color == cli::ColorChoice::Auto && terminals.out);
   }
+  // With --json, errors, problems and refusals are records among the others, as --help says.
   const std::unique_ptr<cli::Printer> printer = cli::MakePrinter(
-      json ? cli::Format::Json : cli::Format::Text, std::cout, std::cerr, terminals, searching);
+      json ? cli::Format::Json : cli::Format::Text, std::cout, std::cerr, terminals);
   if (trace) ::setenv("QX_TRACE", "1", 1);
   try {
     if (codePage != 0) {

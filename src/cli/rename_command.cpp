@@ -126,6 +126,7 @@ int RunRename(const RenameOptions& options, Printer& printer) {
     return kExitError;
   }
   SearchOptions run;
+  run.noKeep = options.noKeep;
   run.paths = {options.projectFile};
   run.componentGlob = target.component;
   run.replacement = target.newName;

@@ -1,6 +1,7 @@
 #pragma once
 // What the verbs of qx find, as records: the printer shows them as text or JSON.
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -97,6 +98,8 @@ struct SearchTotals {
   bool written = false;  // replace --write
   size_t filesChanged = 0;
   size_t refused = 0;
+  size_t idesKept = 0;              // IDEs this run started and left running for the next
+  std::chrono::seconds keptFor{0};  // how long they wait for it
 };
 
 // How a run that went through ended.
@@ -111,6 +114,10 @@ struct IdeProcess {
   long pid = 0;
   std::vector<std::string> projects;  // the project files it has open, as it reports them
   int32_t idleSeconds = 0;            // since its last call
+  // Why it does not answer (stopped, busy past the call time-out); empty when it answers. Its
+  // projects then come from the registered-object table, as the table spells them.
+  std::string unresponsive;
+  bool killed = false;  // `ide stop` had to end it with a signal
 };
 
 // What `qx ide start` did to have the project in an IDE.

@@ -25,8 +25,10 @@
 #include "cli/project_files.h"
 #include "cli/scan_buffer.h"
 #include "cli/scan_results.h"
+#include "cli/scratch_copy.h"
 #include "cli/session.h"
 #include "cli/unified_diff.h"
+#include "cli/warm_ides.h"
 #include "contracts/component_kinds.h"
 #include "contracts/driver_interfaces.h"
 #include "contracts/enumeration.h"
@@ -64,72 +66,14 @@ struct ScannedFile {
   platform::ProjectCodePage codePage;
 };
 
-// A scratch copy of a project: the project file and every component file with its companions
-// (CompanionFiles: Form1.frx or FORM1.FRX beside Form1.frm, a page's HTML file), each under the
-// folder at its own absolute path, so that the project's relative paths lead into the copy.
-class ScratchCopy {
- public:
-  ScratchCopy(const fs::path& project, const std::vector<ComponentFile>& files) {
-    // A file named by an absolute path would be written in place, not in the copy.
-    const auto refuse = [&project](const fs::path& file) {
-      throw automation::Error(
-          5, "qx",
-          project.string() + ": " + file.string() +
-              " is named by an absolute path, so a preview cannot be made on a copy; "
-              "use --write to replace, or name the file relative to the project");
-    };
-    std::vector<fs::path> copied;
-    for (const ComponentFile& file : files) {
-      if (file.absolute) refuse(file.file);
-      if (!fs::exists(file.file)) continue;
-      copied.push_back(file.file);
-      for (const CompanionFile& companion : CompanionFiles(file.file)) {
-        if (companion.absolute) refuse(companion.file);
-        copied.push_back(companion.file);
-      }
-    }
-    root_ = fs::temp_directory_path() /
-            ("qx-preview-" + std::to_string(::getpid()) + "-" + std::to_string(++serial_));
-    fs::create_directories(root_);
-    Copy(project);
-    for (const fs::path& file : copied)
-      Copy(file);
-    project_ = Inside(project);
-  }
-  ~ScratchCopy() {
-    std::error_code ec;
-    fs::remove_all(root_, ec);
-  }
-  ScratchCopy(const ScratchCopy&) = delete;
-  ScratchCopy& operator=(const ScratchCopy&) = delete;
-
-  const fs::path& project() const { return project_; }
-  fs::path Inside(const fs::path& file) const {
-    return root_ / fs::absolute(file).lexically_normal().relative_path();
-  }
-  // The file of the project that a file of the copy stands for.
-  fs::path Outside(const fs::path& file) const {
-    const fs::path relative = file.lexically_normal().lexically_relative(root_);
-    if (relative.empty() || *relative.begin() == "..") return file;
-    return fs::path("/") / relative;
-  }
-
- private:
-  void Copy(const fs::path& file) {
-    const fs::path target = Inside(file);
-    fs::create_directories(target.parent_path());
-    fs::copy_file(file, target, fs::copy_options::overwrite_existing);
-  }
-
-  static inline int serial_ = 0;
-  fs::path root_;
-  fs::path project_;
-};
-
 class Run {
  public:
   Run(const SearchOptions& options, Printer& printer, RequestPlan plan)
-      : options_(options), printer_(printer), plan_(std::move(plan)) {}
+      : options_(options),
+        printer_(printer),
+        plan_(std::move(plan)),
+        keep_(Keep(options)),
+        warm_(keep_) {}
 
   int Go() {
     const ProjectDiscovery discovery = FindProjects(options_.paths);
@@ -168,6 +112,8 @@ class Run {
     totals_.seconds = Since(start_);
     totals_.replace = options_.replacement.has_value();
     totals_.written = options_.write;
+    totals_.idesKept = warm_.Count();
+    totals_.keptFor = keep_.idle;
     printer_.SearchSummary(totals_, options_.style);
     if (error_ || totals_.refused > 0) return kExitError;
     return totals_.matches > 0 ? kExitMatch : kExitNoMatch;
@@ -199,6 +145,12 @@ class Run {
     return false;
   }
 
+  static KeepSettings Keep(const SearchOptions& options) {
+    KeepSettings settings = KeepSettingsFromEnvironment();
+    if (options.noKeep) settings.count = 0;
+    return settings;
+  }
+
   void NoticeSkipped() {
     size_t total = 0;
     std::string kinds;
@@ -223,21 +175,26 @@ class Run {
     if (preview) copy = std::make_unique<ScratchCopy>(projectFile, files);
     const fs::path scanned = copy ? copy->project() : projectFile;
 
-    // An IDE that this run starts for the project is ended when the project is done (before its
-    // scratch copy goes), so a run over many projects keeps few IDEs alive; one that was running
-    // before the run is left running.
+    // An IDE that this run starts for the project is kept warm when the project is done, within
+    // the run's count and budget (WarmIdes), or ended at once for a scratch copy (before the
+    // copy goes); one that was running before the run is left running.
     struct EndStartedIde {
       std::string project;
       bool wasRunning;
+      WarmIdes* warm;  // null: end it
       ~EndStartedIde() {
         if (wasRunning) return;
         try {
-          StopIdesOf(project);
+          if (warm != nullptr) {
+            warm->Done(project);
+          } else {
+            StopIdesOf(project);
+          }
         } catch (...) {
           // An IDE that will not end ends by itself once idle; the results are in.
         }
       }
-    } endStartedIde{scanned.string(), AnyHasOpen(scanned.string())};
+    } endStartedIde{scanned.string(), AnyHasOpen(scanned.string()), copy ? nullptr : &warm_};
 
     const automation::ObjectRef project = session.OpenProject(scanned.string());
     struct Deactivate {
@@ -478,6 +435,8 @@ class Run {
   const SearchOptions& options_;
   Printer& printer_;
   const RequestPlan plan_;
+  const KeepSettings keep_;
+  WarmIdes warm_;        // the IDEs this run started and keeps
   std::string request_;  // the request the buffer holds
   // The run's scan buffer, made on first use (the session registers its class) and let go
   // before the session ends.

@@ -36,6 +36,7 @@ struct SearchOptions {
   bool json = false;
   std::optional<std::string> replacement;  // qx replace only
   bool write = false;                      // qx replace --write
+  bool noKeep = false;                     // --no-keep: end the IDEs the run started
 };
 
 // The places a search can look in, and the component kinds it can be narrowed to.

@@ -7,6 +7,7 @@
 
 #include "cli/printer.h"
 #include "cli/terminal.h"
+#include "cli/warm_ides.h"
 
 namespace cli {
 namespace {
@@ -102,14 +103,20 @@ class TextPrinter : public Printer {
   }
 
   void IdeListed(const IdeProcess& process) override {
-    out_ << process.pid << "  idle " << IdleText(process.idleSeconds);
+    out_ << process.pid << "  ";
+    if (process.unresponsive.empty()) {
+      out_ << "idle " << IdleText(process.idleSeconds);
+    } else {
+      out_ << "not answering (" << ForOut(process.unresponsive) << ")";
+    }
     for (const std::string& project : process.projects)
       out_ << "  " << ForOut(project);
     out_ << "\n";
   }
 
   void IdeStopped(const IdeProcess& process) override {
-    out_ << "stopped IDE process " << process.pid << "\n";
+    out_ << "stopped IDE process " << process.pid
+         << (process.killed ? " (it did not end when asked: ended with a signal)" : "") << "\n";
   }
 
   void Error(const automation::Error& error) override {
@@ -156,6 +163,8 @@ class TextPrinter : public Printer {
 
   void SearchSummary(const SearchTotals& totals, SearchStyle style) override {
     ClearProgress();
+    if (totals.idesKept > 0 && terminals_.err)
+      err_ << KeptNotice(totals.idesKept, totals.keptFor) << "\n";
     if (!totals.replace || style == SearchStyle::Quiet) return;
     const auto plural = [](size_t n, const char* one, const char* many) {
       return std::to_string(n) + " " + (n == 1 ? one : many);

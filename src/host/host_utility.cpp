@@ -36,9 +36,7 @@ struct HostUtilityValues {
 class LaunchLock {
  public:
   explicit LaunchLock(const std::string& name) {
-    const std::filesystem::path run = platform::QxHome() / "run";
-    std::error_code ec;
-    std::filesystem::create_directories(run, ec);
+    const std::filesystem::path run = platform::RunFolder();
     char hash[20];
     std::snprintf(hash, sizeof hash, "%016zx", std::hash<std::string>()(ObjectTable::Key(name)));
     path_ = run / ("launch-" + std::string(hash) + ".lock");

@@ -1,5 +1,7 @@
 #include "host/ide_control.h"
 
+#include <cstdlib>
+
 #include "automation/error.h"
 #include "automation/object.h"
 #include "host/object_table.h"
@@ -24,6 +26,18 @@ std::optional<long> ControlProcess(std::string_view registeredName) {
     return std::nullopt;
   }
   return std::stol(digits);
+}
+
+std::optional<std::chrono::seconds> IdleFromEnvironment(std::string& message) {
+  const char* text = std::getenv(kIdleVariable);
+  if (text == nullptr || *text == '\0') return kDefaultIdle;
+  const std::string value(text);
+  if (value.size() > 9 || value.find_first_not_of("0123456789") != std::string::npos) {
+    message =
+        std::string(kIdleVariable) + " must be a whole number of seconds, not \"" + value + "\"";
+    return std::nullopt;
+  }
+  return std::chrono::seconds(std::stol(value));
 }
 
 void RouteWindowsToIdes() {

@@ -8,6 +8,7 @@
 // process, calls to the control object not counted), Quit (ends the IDE once the current call
 // has returned), ShowWindow(hWnd, nCmdShow) (Boolean: ShowWindow on a window of the IDE).
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,6 +16,14 @@
 namespace host {
 
 inline constexpr const char* kControlClass = "IdeControl";
+
+// How long an IDE stays without calls before it ends by itself, and the variable that sets it.
+inline constexpr std::chrono::seconds kDefaultIdle{600};
+inline constexpr const char* kIdleVariable = "QX_IDE_IDLE_SECONDS";
+
+// The idle period from QX_IDE_IDLE_SECONDS (a whole number of seconds, 0 or more); the default
+// when it is not set; nullopt with a message when it cannot be read.
+std::optional<std::chrono::seconds> IdleFromEnvironment(std::string& message);
 
 // The name of an IDE process's control object, and the process id in a (normalized) registered
 // name that is one; nullopt for other names.

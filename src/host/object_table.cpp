@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <limits>
@@ -15,7 +16,9 @@
 
 #include "automation/casefold.h"
 #include "automation/error.h"
+#include "automation/peer.h"
 #include "automation/remote.h"
+#include "platform/files.h"
 #include "platform/home.h"
 #include "platform/paths.h"
 
@@ -55,13 +58,6 @@ ProcessStamp StampOf(long pid) {
 const std::string& OwnStart() {
   static const std::string start = StampOf(::getpid()).start;
   return start;
-}
-
-fs::path RunFolder() {
-  fs::path run = platform::QxHome() / "run";
-  std::error_code ec;
-  fs::create_directories(run, ec);
-  return run;
 }
 
 int64_t Now() {
@@ -107,15 +103,11 @@ std::optional<Entry> ReadEntry(const fs::path& file) {
 // Written beside the target and renamed, so that readers never see half an entry.
 void WriteEntry(const fs::path& file, const Entry& entry) {
   const fs::path temporary = file.parent_path() / ("." + file.filename().string() + ".tmp");
-  {
-    std::ofstream out(temporary, std::ios::trunc);
-    out << "qx-object 1\npid " << entry.pid << "\nstart " << entry.start << "\nsocket "
-        << entry.socket << "\nstamp " << entry.stamp << "\ncookie " << entry.cookie << "\nname "
-        << entry.key << "\n";
-    if (!out.flush()) {
-      automation::Raise(automation::err::kPathFileAccess, temporary.string());
-    }
-  }
+  std::ostringstream out;
+  out << "qx-object 1\npid " << entry.pid << "\nstart " << entry.start << "\nsocket "
+      << entry.socket << "\nstamp " << entry.stamp << "\ncookie " << entry.cookie << "\nname "
+      << entry.key << "\n";
+  platform::WritePrivateFile(temporary, out.str());
   std::error_code ec;
   fs::rename(temporary, file, ec);
   if (ec) automation::Raise(automation::err::kPathFileAccess, file.string() + ": " + ec.message());
@@ -200,7 +192,7 @@ struct LiveEntry {
 // by processes that have ended are removed on the way.
 std::vector<LiveEntry> OtherLiveEntries() {
   std::vector<LiveEntry> live;
-  const fs::path run = platform::QxHome() / "run";
+  const fs::path run = platform::RunFolder();
   std::error_code ec;
   for (fs::directory_iterator it(run, ec), end; !ec && it != end; it.increment(ec)) {
     const fs::path& file = it->path();
@@ -211,6 +203,13 @@ std::vector<LiveEntry> OtherLiveEntries() {
           stem.size() < 10 && !StampOf(std::stol(stem)).alive) {
         RemoveQuietly(file);
       }
+      continue;
+    }
+    if (const std::string name = file.filename().string();
+        name.front() == '.' && name.ends_with(".entry.tmp")) {
+      // An entry being written ("." PID "-" COOKIE ".entry.tmp") by a process that ended first.
+      const long pid = std::strtol(name.c_str() + 1, nullptr, 10);
+      if (pid > 0 && !StampOf(pid).alive) RemoveQuietly(file);
       continue;
     }
     if (file.extension() != ".entry") continue;
@@ -238,7 +237,7 @@ ObjectTable& ObjectTable::Get() {
 
 int32_t ObjectTable::Add(const std::string& name, automation::ObjectRef object) {
   State& state = TheState();
-  const fs::path run = RunFolder();
+  const fs::path run = platform::RunFolder();
   Entry entry;
   entry.pid = ::getpid();
   entry.start = OwnStart();
@@ -283,8 +282,12 @@ automation::ObjectRef ObjectTable::Find(const std::string& name) {
           automation::Dispatch(registrations).Call("Find", candidate.entry.cookie).ToObject();
       if (found) return found;
     } catch (const automation::Error& e) {
-      // The process ended between the check and the call: its entry is stale.
-      if (e.Number() != automation::err::kServerUnavailable) throw;
+      // The process ended between the check and the call: its entry is stale. One that is
+      // there but does not answer is no stale entry: the caller hears of it.
+      if (e.Number() != automation::err::kServerUnavailable ||
+          automation::StateOf(candidate.entry.pid) != automation::ProcessState::Gone) {
+        throw;
+      }
       RemoveQuietly(candidate.file);
     }
   }
@@ -299,6 +302,15 @@ std::vector<std::string> ObjectTable::Names() {
     names.push_back(live.entry.key);
   std::sort(names.begin(), names.end());
   names.erase(std::unique(names.begin(), names.end()), names.end());
+  return names;
+}
+
+std::vector<std::string> ObjectTable::NamesOf(long pid) {
+  std::vector<std::string> names;
+  for (const LiveEntry& live : OtherLiveEntries()) {
+    if (live.entry.pid == pid) names.push_back(live.entry.key);
+  }
+  std::sort(names.begin(), names.end());
   return names;
 }
 

@@ -30,6 +30,9 @@ class ObjectTable {
   // The names registered in live processes (this one included), as normalized, sorted, each
   // once.
   std::vector<std::string> Names();
+  // The names that another live process has registered, as normalized, sorted (found from the
+  // table's entries, without calling the process).
+  std::vector<std::string> NamesOf(long pid);
   // Withdraws a registration of this process; false when the cookie is unknown.
   bool Remove(int32_t cookie);
   // The number of registrations this process holds.

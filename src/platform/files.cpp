@@ -16,8 +16,10 @@
 #include "automation/casefold.h"
 #include "automation/error.h"
 #include "automation/utf8.h"
+#include "platform/descriptor.h"
 #include "platform/os_error.h"
 #include "platform/paths.h"
+#include "platform/private_folders.h"
 
 namespace fs = std::filesystem;
 
@@ -35,20 +37,6 @@ bool IsReadOnly(const fs::path& path, const struct stat& st) {
   // Root may write anything, so the mode bits decide as well as access().
   return (st.st_mode & 0222) == 0 || ::access(path.c_str(), W_OK) != 0;
 }
-
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : fd_(fd) {}
-  ~Descriptor() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int get() const { return fd_; }
-
- private:
-  int fd_;
-};
 
 std::function<int(WriteStep)>& FaultHook() {
   static std::function<int(WriteStep)> hook;
@@ -359,17 +347,18 @@ void WriteFileAtomic(std::string_view path, std::string_view bytes,
   const fs::path folder = target.parent_path();
   const std::string name = target.filename().string();
   RemoveStaleIn(folder, name);
-  const mode_t mode = exists ? (st.st_mode & 07777) : 0666;
+  // State of the qx home is private (0600) whatever the umask or the mode it had before.
+  const bool state = IsPrivateState(folder);
+  const mode_t mode = state ? 0600 : exists ? (st.st_mode & 07777) : 0666;
   fs::path temporary;
   Descriptor fd(CreateTemporary(folder, name, mode, shown, temporary));
   try {
     // open() applied the umask; an existing target's bits are restored exactly, and its owner
     // too where we are allowed to set it.
-    if (exists) {
-      if (::fchmod(fd.get(), mode) != 0) RaiseOsError(errno, shown, err::kPathNotFound);
-      if (::fchown(fd.get(), st.st_uid, st.st_gid) != 0) {
-        // Not permitted for an ordinary user; the file then belongs to us, as after any save.
-      }
+    if ((exists || state) && ::fchmod(fd.get(), mode) != 0)
+      RaiseOsError(errno, shown, err::kPathNotFound);
+    if (exists && ::fchown(fd.get(), st.st_uid, st.st_gid) != 0) {
+      // Not permitted for an ordinary user; the file then belongs to us, as after any save.
     }
     WriteAll(fd.get(), bytes, shown);
     if (!DeferredFlush()) {
@@ -392,6 +381,20 @@ void WriteFileAtomic(std::string_view path, std::string_view bytes,
   } catch (...) {
     ::unlink(temporary.c_str());
     throw;
+  }
+}
+
+void WritePrivateFile(const fs::path& file, std::string_view bytes) {
+  const Descriptor fd(
+      ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600));
+  if (fd.get() < 0) RaiseOsError(errno, file.string(), err::kPathNotFound);
+  if (::fchmod(fd.get(), 0600) != 0) RaiseOsError(errno, file.string(), err::kPathNotFound);
+  // Not through WriteAll: the write-fault seam is for saves of components, not for state.
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(fd.get(), bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) RaiseOsError(errno, file.string(), err::kPathNotFound);
+    bytes.remove_prefix(static_cast<size_t>(written));
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -70,6 +71,9 @@ std::string ReadFile(std::string_view path, std::size_t limit = kReadLimit);
 // half way) are removed first.
 void WriteFileAtomic(std::string_view path, std::string_view bytes,
                      const std::function<void()>& beforeReplace = {});
+
+// Writes a file of the qx home's state: created or truncated, mode 0600, never through a link.
+void WritePrivateFile(const std::filesystem::path& file, std::string_view bytes);
 
 // When WriteFileAtomic waits for the disk. Immediately (the default): the new contents, and then
 // the rename, are flushed to disk before it returns. Deferred: it writes and renames without

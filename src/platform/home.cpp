@@ -5,11 +5,13 @@
 
 #include <cstdlib>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
 #include "automation/error.h"
 #include "platform/os_error.h"
+#include "platform/private_folders.h"
 
 namespace platform {
 namespace {
@@ -27,6 +29,16 @@ std::filesystem::path UserHome() {
                     "no home folder: set QX_HOME or HOME to choose where qx keeps its files");
 }
 
+// Checked once per process and folder: the home is asked for at every file of a run.
+void CheckOnce(const std::filesystem::path& folder, std::string_view what) {
+  static std::vector<std::filesystem::path> checked;
+  for (const auto& done : checked) {
+    if (done == folder) return;
+  }
+  CheckPrivateFolder(folder, what);
+  checked.push_back(folder);
+}
+
 }  // namespace
 
 std::filesystem::path QxHome() {
@@ -39,9 +51,21 @@ std::filesystem::path QxHome() {
     home = UserHome() / ".local" / "share" / "qx";
   }
   std::error_code ec;
-  std::filesystem::create_directories(home, ec);
-  if (ec) RaiseOsError(ec.value(), home.string(), automation::err::kPathNotFound);
+  if (!std::filesystem::exists(home, ec)) {
+    // The folders above are the user's own: they keep the usual modes.
+    std::filesystem::create_directories(home.parent_path(), ec);
+    if (ec) RaiseOsError(ec.value(), home.string(), automation::err::kPathNotFound);
+    CreatePrivateFolders(home);
+  }
+  CheckOnce(home, "the qx home");
   return home;
+}
+
+std::filesystem::path RunFolder() {
+  const std::filesystem::path run = QxHome() / "run";
+  CreatePrivateFolders(run);
+  CheckOnce(run, "the qx home's run folder");
+  return run;
 }
 
 }  // namespace platform

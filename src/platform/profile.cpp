@@ -9,6 +9,7 @@
 #include "platform/files.h"
 #include "platform/lines.h"
 #include "platform/paths.h"
+#include "platform/private_folders.h"
 #include "platform/text.h"
 
 namespace fs = std::filesystem;
@@ -146,7 +147,11 @@ bool WritePrivateProfileString(std::string_view section, std::string_view key,
     if (text == profile.text && !profile.lines.empty()) return true;  // nothing to change
     const std::string bytes = CurrentCodePage().Encode(text);
     std::error_code ec;
-    fs::create_directories(native.parent_path(), ec);
+    if (IsPrivateState(native.parent_path())) {
+      CreatePrivateFolders(native.parent_path());
+    } else {
+      fs::create_directories(native.parent_path(), ec);
+    }
     WriteFileAtomic(native.string(), bytes);
     return true;
   } catch (const automation::Error&) {

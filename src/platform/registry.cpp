@@ -10,6 +10,7 @@
 #include "platform/files.h"
 #include "platform/home.h"
 #include "platform/paths.h"
+#include "platform/private_folders.h"
 #include "platform/registry_seed.h"
 
 namespace fs = std::filesystem;
@@ -22,6 +23,9 @@ constexpr std::string_view kIdeSettings =
 constexpr std::string_view kOpenCommand =
     "HKEY_CLASSES_ROOT\\VisualBasic.Project\\shell\\open\\command";
 constexpr std::string_view kTypeLibRoot = "HKEY_CLASSES_ROOT\\TypeLib\\";
+// Beside the open command: the command as qx last wrote it. While the two agree the command is
+// qx's own and follows the running program; once they differ the user has chosen another.
+constexpr std::string_view kWrittenByQx = "WrittenByQx";
 
 std::string NormalizeOrRaise(std::string_view keyPath) {
   std::string path = NormalizeKeyPath(keyPath);
@@ -84,6 +88,8 @@ RegistryFile Registry::Seed() {
   };
   add(kIdeSettings, "BackgroundProjectLoad", "0");
   add(kOpenCommand, "", OpenCommand());
+  seed.keys.back().values.push_back(
+      RegistryValue{std::string(kWrittenByQx), RegistryValue::Kind::kString, OpenCommand(), {}});
   for (const TypeLibrarySeed& library : SeedTypeLibraries()) {
     add(std::string(kTypeLibRoot) + std::string(library.guid), "",
         std::string(library.description));
@@ -96,7 +102,7 @@ void Registry::Refresh() {
   const fs::path file = home / "registry.reg";
   std::error_code ec;
   if (!fs::exists(file, ec)) {
-    fs::create_directories(home / "drive_c" / "windows", ec);
+    CreatePrivateFolders(home / "drive_c" / "windows");
     data_ = Seed();
     file_ = file;
     Save();
@@ -112,6 +118,34 @@ void Registry::Refresh() {
   data_ = ParseRegistryFile(text, file.string());
   file_ = file;
   stamp_ = stamp;
+  KeepOpenCommandCurrent();
+}
+
+void Registry::KeepOpenCommandCurrent() {
+  RegistryKeyEntry* key = Find(NormalizeKeyPath(kOpenCommand));
+  if (key == nullptr) return;
+  RegistryValue* command = FindValue(*key, "");
+  if (command == nullptr || command->kind != RegistryValue::Kind::kString) return;
+  const std::string current = OpenCommand();
+  RegistryValue* written = FindValue(*key, kWrittenByQx);
+  // A registry of a qx that kept no record: its command is qx's own when it opens a qxvb6.exe.
+  const bool ours =
+      written != nullptr
+          ? written->data == command->data
+          : automation::LowerAscii(command->data).find("qxvb6.exe\"") != std::string::npos;
+  if (!ours || (command->data == current && written != nullptr)) return;
+  command->data = current;
+  if (written == nullptr) {
+    key->values.push_back(
+        RegistryValue{std::string(kWrittenByQx), RegistryValue::Kind::kString, current, {}});
+  } else {
+    written->data = current;
+  }
+  try {
+    Save();
+  } catch (const automation::Error&) {
+    // A registry that cannot be written is still read; the next look tries again.
+  }
 }
 
 void Registry::Save() {

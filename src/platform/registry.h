@@ -7,7 +7,9 @@
 // A home folder without registry.reg gets a fresh one on first use, set up as a machine with
 // VB6 installed: background project loading off, VB6 projects opened by the headless IDE
 // (qxvb6.exe beside the running program, or $QX_VB6_EXE), the type libraries of a VB6
-// installation registered, and the Windows folder drive_c/windows created.
+// installation registered, and the Windows folder drive_c/windows created. The open command
+// keeps following the running program (a build that moved, an installed qx) until the user
+// changes it.
 
 #include <filesystem>
 #include <mutex>
@@ -57,6 +59,9 @@ class Registry {
   };
 
   void Refresh();
+  // Points the open command at the IDE beside the running program (OpenCommand()) while it is
+  // the command qx wrote, and saves when that changed it.
+  void KeepOpenCommandCurrent();
   void Save();
   RegistryKeyEntry* Find(const std::string& normalizedPath);
   RegistryKeyEntry& FindOrAdd(const std::string& normalizedPath);

@@ -1,14 +1,24 @@
 #include "automation/remote.h"
 
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <cstring>
 #include <filesystem>
 #include <limits>
+#include <thread>
 
 #include "automation/apartment.h"
 #include "automation/error.h"
 #include "automation/object.h"
+#include "automation/peer.h"
 #include "automation/remote_object.h"
 #include "support/child_processes.h"
 #include "support/errors.h"
@@ -52,11 +62,15 @@ class Caller : public automation::Object {
 
 class RemoteTest : public ::testing::Test {
  protected:
-  // Starts the peer serving on a socket of this test's home and connects to it.
-  ObjectRef StartPeer() {
-    fs::create_directories(home.path() / "run");
-    const std::string socket = (home.path() / "run" / "peer.sock").string();
-    pid = children.Start({QX_TEST_PEER, "serve", socket});
+  // Starts the peer serving on a socket (by default in this test's home) and connects to it;
+  // `as` runs it through another program first (setpriv, to be another user).
+  ObjectRef StartPeer(std::string socket = {}, std::vector<std::string> as = {}) {
+    if (socket.empty()) {
+      fs::create_directories(home.path() / "run");
+      socket = (home.path() / "run" / "peer.sock").string();
+    }
+    as.insert(as.end(), {QX_TEST_PEER, "serve", socket});
+    pid = children.Start(as);
     const auto deadline = std::chrono::steady_clock::now() + 20s;
     for (;;) {
       try {
@@ -234,6 +248,93 @@ TEST_F(RemoteTest, CallsIntoAKilledProcessRaise462) {
       462);
   child.reset();  // dropping proxies of an ended process is harmless
   EXPECT_TRUE(ServeUntil([&] { return watchHeld.expired(); }));
+}
+
+// A peer that is stopped, or busy for longer than a call may take, fails the call with 462
+// instead of keeping the caller waiting; later calls to it fail at once while it stays so.
+TEST_F(RemoteTest, AStoppedOrSilentPeerFailsTheCallAndIsNotCalledAgain) {
+  Dispatch stopped(StartPeer());
+  ASSERT_EQ(stopped.Get("Name").ToString(), "root");
+  ::kill(pid, SIGSTOP);
+  auto start = std::chrono::steady_clock::now();
+  auto e = Caught([&] { stopped.Get("Name"); });
+  EXPECT_EQ(e.Number(), 462);
+  EXPECT_NE(e.Description().find("is stopped and does not answer"), std::string::npos)
+      << e.Description();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
+  start = std::chrono::steady_clock::now();
+  EXPECT_EQ(Caught([&] { stopped.Get("Name"); }).Number(), 462);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 100ms);
+  // Running again (fg after Ctrl-Z), it is called again.
+  ::kill(pid, SIGCONT);
+  ServeUntil([&] { return automation::StateOf(pid) == automation::ProcessState::Running; });
+  EXPECT_EQ(stopped.Get("Name").ToString(), "root");
+  qxtest::ChildProcesses::End(pid);
+
+  ::setenv(automation::kCallTimeoutVariable, "1", 1);
+  Dispatch busy(StartPeer((home.path() / "busy.sock").string()));
+  start = std::chrono::steady_clock::now();
+  e = Caught([&] { busy.Call("Sleep", 20000); });
+  EXPECT_EQ(e.Number(), 462);
+  EXPECT_NE(e.Description().find("did not answer within 1 seconds"), std::string::npos)
+      << e.Description();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
+  ::setenv(automation::kCallTimeoutVariable, "soon", 1);
+  EXPECT_EQ(Caught([] { automation::CallTimeout(); }).Number(), 5);
+  ::unsetenv(automation::kCallTimeoutVariable);
+}
+
+// Sockets are the owner's alone (0600 whatever the umask), at any depth of folder, and a
+// process of another user can neither be served by nor serve this one.
+TEST_F(RemoteTest, SocketsArePrivateAtAnyPathLengthAndForTheirUserOnly) {
+  const mode_t umask = ::umask(0);
+  fs::path deep = home.path();
+  while (deep.string().size() < 150)
+    deep /= "a-folder-of-some-length";
+  fs::create_directories(deep);
+  const std::string socket = (deep / "peer.sock").string();
+  Dispatch peer(StartPeer(socket));
+  EXPECT_EQ(peer.Get("Name").ToString(), "root");
+  EXPECT_EQ(fs::status(socket).permissions() & fs::perms::all,
+            fs::perms::owner_read | fs::perms::owner_write);
+  ::umask(umask);
+
+  if (::geteuid() != 0 || !fs::exists("/usr/bin/setpriv")) GTEST_SKIP() << "needs root and setpriv";
+  const std::vector<std::string> nobody{"/usr/bin/setpriv", "--reuid=65534", "--regid=65534",
+                                        "--clear-groups"};
+  fs::permissions(home.path(), fs::perms::all);  // the other user may reach the sockets
+  // Another user's socket: not connected to.
+  const std::string theirs = (home.path() / "theirs.sock").string();
+  pid = children.Start({nobody[0], nobody[1], nobody[2], nobody[3], QX_TEST_PEER, "serve", theirs});
+  const auto deadline = std::chrono::steady_clock::now() + 20s;
+  while (!fs::exists(theirs) && std::chrono::steady_clock::now() < deadline)
+    std::this_thread::sleep_for(10ms);
+  ::chmod(theirs.c_str(), 0666);
+  const auto refused = Caught([&] { automation::Connect(theirs); });
+  EXPECT_EQ(refused.Number(), 70);
+  EXPECT_NE(refused.Description().find("another user"), std::string::npos) << refused.Description();
+  // A listener of ours that another user could reach: the connection is closed at once, while
+  // a served one would stay open for the client's first message.
+  const std::string ours = (home.path() / "ours.sock").string();
+  auto mine = std::make_shared<Caller>();
+  automation::Listener listener(ours, mine);
+  ::chmod(ours.c_str(), 0666);
+  const pid_t other = ::fork();
+  if (other == 0) {
+    if (::setresgid(65534, 65534, 65534) != 0 || ::setresuid(65534, 65534, 65534) != 0) _exit(3);
+    const int fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, ours.c_str(), sizeof address.sun_path - 1);
+    if (::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) _exit(4);
+    pollfd wait{fd, POLLIN, 0};
+    char byte = 0;
+    const bool closed = ::poll(&wait, 1, 3000) == 1 && ::read(fd, &byte, 1) <= 0;
+    _exit(closed ? 0 : 1);
+  }
+  int status = -1;
+  EXPECT_TRUE(ServeUntil([&] { return ::waitpid(other, &status, WNOHANG) == other; }));
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
 }
 
 TEST_F(RemoteTest, AListenerServesUntilItGoesAndRefusesBadSockets) {

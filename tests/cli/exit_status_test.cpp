@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 
@@ -39,10 +40,12 @@ TEST_F(QxProgram, UsageErrorsExitTwoWithTheirMessageAndHelpExitsZero) {
 
   using Case = std::pair<std::vector<std::string>, std::string>;
   for (const auto& [args, err] : std::vector<Case>{
-           {{}, "qx: a verb is required: one of list, check, ide, search, replace, rename" + retry},
+           {{},
+            "qx: a verb is required: one of list, check, ide, search, replace, rename, help" +
+                retry},
            {{"frobnicate", vbp},
             "qx: unknown verb \"frobnicate\"; the verbs are list, check, ide, search, replace, "
-            "rename" +
+            "rename, help" +
                 retry},
            {{"rename", vbp, "frmMain.Option1"}, "qx: NEWNAME is required" + retry},
            // A name that cannot be a control's is refused before any IDE starts.
@@ -75,6 +78,29 @@ TEST_F(QxProgram, UsageErrorsExitTwoWithTheirMessageAndHelpExitsZero) {
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.out.rfind("{\"type\":\"summary\",\"ok\":true,\"components\":0,", 0), 0u);
   EXPECT_EQ(Qx({"check", vbp}).out, "OK\n");
+
+  // With --json every error is a record on standard output, a command line's included.
+  for (const auto& args : std::vector<std::vector<std::string>>{
+           {"search", "--json", "x", (env_.work() / "Missing.vbp").string()},
+           {"search", "--json", "(unclosed", vbp},
+           {"search", "--json", "--bogus", "x"}}) {
+    run = Qx(args);
+    EXPECT_EQ(run.status, 2) << args[2];
+    EXPECT_EQ(run.err, "") << args[2];
+    const auto records = JsonLines(run.out);
+    EXPECT_TRUE(std::any_of(records.begin(), records.end(), [](const auto& record) {
+      return record["type"] == "error";
+    })) << run.out;
+  }
+
+  // Every verb's help at once, and as the manual page that is installed.
+  run = Qx({"help"});
+  EXPECT_EQ(run.status, 0);
+  for (const char* verb : {"qx search", "qx replace", "qx ide stop", "--no-keep", "--write"})
+    EXPECT_NE(run.out.find(verb), std::string::npos) << verb;
+  run = Qx({"help", "--man"});
+  EXPECT_EQ(run.out.rfind(".TH QX 1", 0), 0u) << run.out.substr(0, 200);
+  EXPECT_NE(run.out.find("qx ide stop"), std::string::npos);
 }
 
 class QxCodePage : public QxProgram {

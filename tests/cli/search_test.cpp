@@ -12,9 +12,11 @@
 #include "cli/printer.h"
 #include "cli/project_files.h"
 #include "cli/scan_results.h"
+#include "cli/scratch_copy.h"
 #include "cli/search_options.h"
 #include "cli/unified_diff.h"
 #include "support/driver_env.h"
+#include "support/errors.h"
 
 namespace {
 
@@ -91,6 +93,40 @@ TEST(SearchPaths, CompanionsAreTheFilesOfTheSameNameAndAPagesSourceFile) {
                    "VERSION 5.00\r\nBegin {X} Page3 \r\n   Begin VB.Label l \r\n"
                    "      SourceFile = \"pages\\main.htm\"\r\n   End\r\nEnd\r\n");
   EXPECT_TRUE(cli::CompanionFiles(root / "Page3.Dsr").empty());
+}
+
+// A preview's scratch copy: a fresh private folder for each copy, every file made new there, a
+// link of the project copied as the file it names, never written through; gone with the copy.
+TEST(SearchPaths, AScratchCopyIsPrivateFreshAndHoldsNoLinks) {
+  DriverEnv env;
+  const fs::path root = env.work() / "Proj";
+  DriverEnv::Write((env.work() / "outside" / "Real.bas").string(), "Attribute VB_Name = \"M\"\r\n");
+  DriverEnv::Write((root / "P.vbp").string(), "Type=Exe\r\n");
+  DriverEnv::Write((root / "Form1.frm").string(), "form");
+  DriverEnv::Write((root / "Form1.frx").string(), "companion");
+  fs::create_symlink(env.work() / "outside" / "Real.bas", root / "Module1.bas");
+  const std::vector<cli::ComponentFile> files = {{"Forms", "Form1", root / "Form1.frm", false},
+                                                 {"Modules", "M", root / "Module1.bas", false}};
+  fs::path first;
+  {
+    const cli::ScratchCopy copy(root / "P.vbp", files);
+    const cli::ScratchCopy second(root / "P.vbp", files);
+    first = copy.root();
+    EXPECT_NE(copy.root(), second.root());
+    EXPECT_EQ(copy.root().filename().string().rfind("qx-preview-", 0), 0u);
+    EXPECT_EQ(fs::status(copy.root()).permissions() & fs::perms::all, fs::perms::owner_all);
+    const fs::path module = copy.Inside(root / "Module1.bas");
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(module)));
+    EXPECT_EQ(DriverEnv::Read(copy.Inside(root / "Form1.frx")), "companion");
+    EXPECT_EQ(copy.Outside(module), root / "Module1.bas");
+    DriverEnv::Write(module.string(), "changed in the copy");
+    EXPECT_EQ(DriverEnv::Read(env.work() / "outside" / "Real.bas"),
+              "Attribute VB_Name = \"M\"\r\n");
+    EXPECT_EQ(copy.project(), copy.Inside(root / "P.vbp"));
+  }
+  EXPECT_FALSE(fs::exists(first));
+  const std::vector<cli::ComponentFile> absolute = {{"Modules", "M", root / "Module1.bas", true}};
+  EXPECT_EQ(qxtest::ErrorOf([&] { cli::ScratchCopy(root / "P.vbp", absolute); }), 5);
 }
 
 TEST(SearchOptions, BadKindsScopesPatternsAndReplacementsStopTheRun) {

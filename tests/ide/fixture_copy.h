@@ -1,5 +1,6 @@
 #pragma once
-// A private copy of a fixture project in a fresh qx home folder, for tests that save.
+// A private copy of a fixture project beside a fresh qx home folder, for tests that save. (Not in
+// the home: what is there is the home's private state.)
 
 #include <filesystem>
 #include <fstream>
@@ -15,7 +16,7 @@ namespace idetest {
 class FixtureCopy {
  public:
   explicit FixtureCopy(const std::string& name) {
-    dir_ = home_.path() / name;
+    dir_ = work_.path() / name;
     std::filesystem::copy(std::filesystem::path(QX_FIXTURES) / "ide" / name, dir_,
                           std::filesystem::copy_options::recursive);
   }
@@ -24,6 +25,7 @@ class FixtureCopy {
 
  private:
   qxtest::TempHome home_;
+  qxtest::TempDir work_;
   std::filesystem::path dir_;
 };
 

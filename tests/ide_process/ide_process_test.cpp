@@ -213,3 +213,132 @@ TEST_F(IdeProcesses, AProgramThatNeverRegistersFailsAfterTheTimeOut) {
 }
 
 }  // namespace
+
+namespace {
+
+// A stopped IDE (SIGSTOP) holds no run up: `ide list` marks it, a search of a folder reports
+// 462 for its project and goes on with the next, `ide stop` ends it with signals.
+TEST_F(IdeProcesses, AStoppedIdeIsMarkedSkippedWith462AndEndedBySignals) {
+  std::filesystem::copy(work() / "Inventory", work() / "Other",
+                        std::filesystem::copy_options::recursive);
+  const long pid = PidIn(Qx({"ide", "start", vbp_}).out);
+  ASSERT_GT(pid, 0);
+  ::kill(static_cast<pid_t>(pid), SIGSTOP);
+
+  auto start = std::chrono::steady_clock::now();
+  const auto list = Qx({"ide", "list"});
+  EXPECT_EQ(list.status, 0) << list.err;
+  EXPECT_EQ(list.out.rfind(std::to_string(pid) + "  not answering (", 0), 0u) << list.out;
+  EXPECT_NE(list.out.find("is stopped"), std::string::npos) << list.out;
+  EXPECT_NE(list.out.find("inventory.vbp"), std::string::npos) << list.out;
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
+
+  start = std::chrono::steady_clock::now();
+  const auto search = Qx({"search", "-l", "oldValue", work().string()});
+  EXPECT_EQ(search.status, 2) << search.err;
+  EXPECT_NE(search.err.find("qx: error 462: "), std::string::npos) << search.err;
+  EXPECT_NE(search.out.find("Other/CStockItem.cls"), std::string::npos) << search.out;
+  EXPECT_EQ(search.out.find("Inventory/CStockItem.cls"), std::string::npos) << search.out;
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
+
+  const auto stop = Qx({"ide", "stop", "--all"});
+  EXPECT_EQ(stop.status, 0) << stop.err;
+  EXPECT_EQ(stop.out, "stopped IDE process " + std::to_string(pid) +
+                          " (it did not end when asked: ended with a signal)\n");
+  EXPECT_TRUE(WaitGone(pid, std::chrono::seconds(10)));
+}
+
+// Under umask 000 the home is still private; a home that others may write is refused; a home
+// so deep that its sockets' paths pass 107 bytes works all the same.
+TEST_F(IdeProcesses, TheHomeIsPrivateWhateverTheUmaskAndMayBeDeep) {
+  namespace fs = std::filesystem;
+  fs::path deep = work() / "home";
+  while (deep.string().size() < 120)
+    deep /= "a-rather-long-folder-name";
+  ::setenv("QX_HOME", deep.c_str(), 1);
+  const mode_t umask = ::umask(0);
+  const auto started = Qx({"ide", "start", vbp_});
+  ::umask(umask);
+  const long pid = PidIn(started.out);
+  ASSERT_GT(pid, 0) << started.err;
+  EXPECT_EQ(Qx({"ide", "list"}).out.rfind(std::to_string(pid) + "  idle ", 0), 0u);
+
+  const auto mode = [](const fs::path& path) {
+    return fs::symlink_status(path).permissions() & fs::perms::all;
+  };
+  const fs::perms folder = fs::perms::owner_all;
+  const fs::perms file = fs::perms::owner_read | fs::perms::owner_write;
+  EXPECT_EQ(mode(deep), folder);
+  EXPECT_EQ(mode(deep / "run"), folder);
+  EXPECT_EQ(mode(deep / "drive_c"), folder);
+  EXPECT_EQ(mode(deep / "registry.reg"), file);
+  EXPECT_EQ(mode(deep / "qxvb6.log"), file);
+  size_t sockets = 0;
+  for (const auto& entry : fs::directory_iterator(deep / "run")) {
+    EXPECT_EQ(mode(entry.path()), file) << entry.path();
+    sockets += entry.path().extension() == ".sock";
+  }
+  EXPECT_GE(sockets, 1u);
+
+  fs::permissions(deep / "run", fs::perms::all);
+  const auto refused = Qx({"ide", "list"});
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_NE(refused.err.find("run folder " + (deep / "run").string() +
+                             " can be written by other users (mode 0777)"),
+            std::string::npos)
+      << refused.err;
+  fs::permissions(deep / "run", fs::perms::owner_all);
+  EXPECT_EQ(Qx({"ide", "stop", "--all"}).status, 0);
+  EXPECT_TRUE(WaitGone(pid, std::chrono::seconds(10)));
+  ::setenv("QX_HOME", home().c_str(), 1);
+
+  if (::geteuid() != 0) return;  // another user's folder needs root to make
+  ASSERT_EQ(::chown(home().c_str(), 65534, 65534), 0);
+  const auto foreign = Qx({"ide", "list"});
+  ASSERT_EQ(::chown(home().c_str(), 0, 0), 0);
+  EXPECT_EQ(foreign.status, 2);
+  EXPECT_NE(foreign.err.find("belongs to another user (uid 65534)"), std::string::npos)
+      << foreign.err;
+}
+
+// qx copied elsewhere (as an install does) starts the IDE beside it, from any folder, and the
+// registry's open command follows whichever qx runs until the user changes it.
+TEST_F(IdeProcesses, TheIdeIsTheOneBesideTheQxThatRuns) {
+  namespace fs = std::filesystem;
+  ::unsetenv("QX_VB6_EXE");
+  const fs::path bin = work() / "prefix" / "bin";
+  fs::create_directories(bin);
+  fs::copy_file(QX_BIN, bin / "qx");
+  fs::copy_file(QXVB6_BIN, bin / "qxvb6.exe");
+  const auto run = [&](const fs::path& qx) {
+    const pid_t pid = Start(qx.string(), {"ide", "start", vbp_}, "/");
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    return Collect(pid, status);
+  };
+  const auto installed = run(bin / "qx");
+  const long pid = PidIn(installed.out);
+  ASSERT_GT(pid, 0) << installed.err;
+  EXPECT_EQ(fs::read_symlink("/proc/" + std::to_string(pid) + "/exe"), bin / "qxvb6.exe");
+  EXPECT_NE(qxtest::ReadAll(home() / "registry.reg").find("prefix\\\\bin\\\\qxvb6.exe"),
+            std::string::npos);
+  ASSERT_EQ(Qx({"ide", "stop", "--all"}).status, 0);
+
+  // The build's qx takes the command back; a command the user wrote stays.
+  ASSERT_GT(PidIn(Qx({"ide", "start", vbp_}).out), 0);
+  EXPECT_EQ(qxtest::ReadAll(home() / "registry.reg").find("prefix\\\\bin"), std::string::npos);
+  ASSERT_EQ(Qx({"ide", "stop", "--all"}).status, 0);
+  std::string registry = qxtest::ReadAll(home() / "registry.reg");
+  const size_t open =
+      registry.find("[HKEY_CLASSES_ROOT\\VisualBasic.Project\\shell\\open\\command]");
+  ASSERT_NE(open, std::string::npos) << registry;
+  const size_t value = registry.find("@=", open);
+  registry.replace(value, registry.find('\n', value) - value,
+                   "@=\"z:\\\\opt\\\\mine\\\\vb6.exe \\\"%1\\\"\"");
+  std::ofstream(home() / "registry.reg", std::ios::binary | std::ios::trunc) << registry;
+  const auto mine = run(bin / "qx");
+  EXPECT_EQ(mine.status, 2);
+  EXPECT_NE(mine.err.find("opt\\mine\\vb6.exe"), std::string::npos) << mine.err;
+}
+
+}  // namespace

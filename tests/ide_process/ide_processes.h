@@ -62,6 +62,8 @@ class IdeProcesses : public ::testing::Test {
     ::prctl(PR_SET_CHILD_SUBREAPER, 1);
     ::setenv("QX_VB6_EXE", QXVB6_BIN, 1);
     ::unsetenv("QX_IDE_IDLE_SECONDS");
+    // A run ends the IDEs it started unless a test asks to keep them warm.
+    ::setenv("QX_KEEP_IDES", "0", 1);
     std::filesystem::copy(std::filesystem::path(QX_EXAMPLES) / "Inventory",
                           work_.path() / "Inventory", std::filesystem::copy_options::recursive);
     vbp_ = (work_.path() / "Inventory" / "Inventory.vbp").string();
@@ -71,6 +73,7 @@ class IdeProcesses : public ::testing::Test {
     ChildProcesses::EndAll();
     ::unsetenv("QX_VB6_EXE");
     ::unsetenv("QX_IDE_IDLE_SECONDS");
+    ::unsetenv("QX_KEEP_IDES");
   }
 
   // Runs qx with the arguments (in the folder given, else the test's) and waits for it.

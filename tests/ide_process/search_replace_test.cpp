@@ -63,6 +63,32 @@ TEST_F(IdeProcesses, SearchFindsWhatACountOfTheFilesFindsAndEndsTheIdeItStarted)
   EXPECT_NE(Qx({"ide", "list"}).out.find(vbp_), std::string::npos);
 }
 
+// By default a run keeps the IDE it started warm for the next run, which then answers from it;
+// --no-keep ends it; a setting that is no number stops the run before anything starts.
+TEST_F(IdeProcesses, SearchKeepsItsIdeWarmUnlessToldNot) {
+  ::unsetenv("QX_KEEP_IDES");
+  const auto first = Qx(InCode("search", {"--json", "oldValue", vbp_}));
+  ASSERT_EQ(first.status, 0) << first.err;
+  EXPECT_NE(first.out.find("\"ides_kept\":1"), std::string::npos) << first.out;
+  const auto list = Qx({"ide", "list"});
+  ASSERT_NE(list.out.find(vbp_), std::string::npos) << list.out;
+  const long pid = std::stol(list.out);
+  const auto second = Qx(InCode("search", {"--json", "oldValue", vbp_}));
+  EXPECT_EQ(Count(second.out, "\"type\":\"match\""), Count(first.out, "\"type\":\"match\""));
+  EXPECT_NE(second.out.find("\"ides_kept\":0"), std::string::npos) << "not started by this run";
+  EXPECT_EQ(std::stol(Qx({"ide", "list"}).out), pid) << "the warm IDE answered";
+
+  ASSERT_EQ(Qx({"ide", "stop", "--all"}).status, 0);
+  ASSERT_EQ(Qx(InCode("search", {"--no-keep", "-q", "oldValue", vbp_})).status, 0);
+  EXPECT_EQ(Qx({"ide", "list"}).out, "");
+  ::setenv("QX_KEEP_IDES", "few", 1);
+  const auto bad = Qx(InCode("search", {"oldValue", vbp_}));
+  EXPECT_EQ(bad.status, 2);
+  EXPECT_EQ(bad.err,
+            "qx: error 5: Invalid procedure call or argument: QX_KEEP_IDES must be a whole number, "
+            "not \"few\"\n");
+}
+
 TEST_F(IdeProcesses, ReplaceWritesExactlyWhatItsPreviewShowed) {
   const fs::path folder = work() / "Inventory";
   const auto before = Snapshot(folder);

@@ -19,6 +19,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <thread>
 
 #include "automation/apartment.h"
 #include "automation/error.h"
@@ -70,11 +71,16 @@ class Peer : public automation::Object {
             .Method("Register", &Peer::Register, {"Name"})
             .Method("Revoke", &Peer::Revoke, {"Cookie"})
             .Method("Lookup", &Peer::Lookup, {"Name"})
+            .Method("Sleep", &Peer::Sleep, {"Milliseconds"})
             .Build();
     return info;
   }
 
   std::string Name() const { return name_; }
+  // Busy without serving, as a process that never answers.
+  void Sleep(int32_t milliseconds) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+  }
   void SetName(std::string name) { name_ = std::move(name); }
   Variant Echo(const Variant& value) { return value; }
   int16_t TypeOf(const Variant& value) { return static_cast<int16_t>(value.Type()); }

@@ -6,6 +6,8 @@
 
 #include <ctime>
 
+#include "platform/home.h"
+#include "platform/private_folders.h"
 #include "support/errors.h"
 #include "support/temp_home.h"
 #include "test_files.h"
@@ -14,6 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
+using qxtest::Caught;
 using qxtest::ErrorOf;
 
 std::string Win(const fs::path& path) {
@@ -72,27 +75,76 @@ TEST(Files, ReadFileGivesBytesOrVbErrors) {
 
 TEST(Files, AtomicWriteReplacesKeepsModeAndFailsCleanly) {
   qxtest::TempHome home;
-  const fs::path file = home.path() / "Proj/Main.frm";
+  const qxtest::TempDir work;  // project files live outside the home
+  const fs::path file = work.path() / "Proj/Main.frm";
   platformtest::WriteBytes(file, "old");
   fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
-  platform::WriteFileAtomic(Win(home.path() / "PROJ/main.frm"), "new contents");
+  platform::WriteFileAtomic(Win(work.path() / "PROJ/main.frm"), "new contents");
   EXPECT_EQ(platformtest::ReadBytes(file), "new contents");
   EXPECT_EQ(fs::status(file).permissions() & fs::perms::all,
             fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
 
-  platform::WriteFileAtomic(Win(home.path() / "Proj/New.bas"), "created");
-  EXPECT_EQ(platformtest::ReadBytes(home.path() / "Proj/New.bas"), "created");
+  platform::WriteFileAtomic(Win(work.path() / "Proj/New.bas"), "created");
+  EXPECT_EQ(platformtest::ReadBytes(work.path() / "Proj/New.bas"), "created");
 
   fs::permissions(file, fs::perms::owner_read);
   EXPECT_EQ(ErrorOf([&] { platform::WriteFileAtomic(file.string(), "lost"); }), 70);
   EXPECT_EQ(platformtest::ReadBytes(file), "new contents");
-  EXPECT_EQ(ErrorOf([&] { platform::WriteFileAtomic(Win(home.path() / "Proj"), "x"); }), 75);
-  EXPECT_EQ(ErrorOf([&] { platform::WriteFileAtomic(Win(home.path() / "No/Such/f.bas"), "x"); }),
+  EXPECT_EQ(ErrorOf([&] { platform::WriteFileAtomic(Win(work.path() / "Proj"), "x"); }), 75);
+  EXPECT_EQ(ErrorOf([&] { platform::WriteFileAtomic(Win(work.path() / "No/Such/f.bas"), "x"); }),
             76);
 
   // No temporary file is left behind, whether the write worked or not.
-  EXPECT_EQ(platformtest::Names(home.path() / "Proj"),
+  EXPECT_EQ(platformtest::Names(work.path() / "Proj"),
             (std::vector<std::string>{"Main.frm", "New.bas"}));
+}
+
+// The qx home's state is private whatever the umask: its folders 0700, its files 0600 (also one
+// that was readable before), while a project's new file follows the umask; scratch folders are
+// fresh and private; a folder that others may write is refused as state.
+TEST(Files, TheHomesStateIsPrivateWhateverTheUmask) {
+  const mode_t umask = ::umask(0);
+  qxtest::TempHome home;
+  const qxtest::TempDir work;
+  const auto mode = [](const fs::path& path) {
+    return fs::status(path).permissions() & fs::perms::all;
+  };
+  const fs::perms file = fs::perms::owner_read | fs::perms::owner_write;
+
+  platform::WriteFileAtomic((home.path() / "state.ini").string(), "a");
+  EXPECT_EQ(mode(home.path() / "state.ini"), file);
+  fs::permissions(home.path() / "state.ini", fs::perms::owner_all | fs::perms::others_read);
+  platform::WriteFileAtomic((home.path() / "state.ini").string(), "b");
+  EXPECT_EQ(mode(home.path() / "state.ini"), file);
+  platform::WritePrivateFile(home.path() / "entry", "c");
+  EXPECT_EQ(mode(home.path() / "entry"), file);
+  platform::WriteFileAtomic((work.path() / "New.bas").string(), "d");
+  EXPECT_EQ(mode(work.path() / "New.bas"), fs::perms::all & ~fs::perms::owner_exec &
+                                               ~fs::perms::group_exec & ~fs::perms::others_exec);
+
+  platform::CreatePrivateFolders(home.path() / "a" / "b");
+  EXPECT_EQ(mode(home.path() / "a"), fs::perms::owner_all);
+  EXPECT_EQ(mode(home.path() / "a" / "b"), fs::perms::owner_all);
+  EXPECT_EQ(mode(platform::RunFolder()), fs::perms::owner_all);
+  const fs::path one = platform::MakeTempFolder(work.path(), "scratch-");
+  const fs::path two = platform::MakeTempFolder(work.path(), "scratch-");
+  EXPECT_NE(one, two);
+  EXPECT_EQ(one.filename().string().rfind("scratch-", 0), 0u);
+  EXPECT_EQ(mode(one), fs::perms::owner_all);
+  ::umask(umask);
+
+  fs::permissions(work.path(), fs::perms::all);
+  const auto open = Caught([&] { platform::CheckPrivateFolder(work.path(), "the folder"); });
+  EXPECT_EQ(open.Number(), 70);
+  EXPECT_EQ(open.Description(), "Permission denied: the folder " + work.path().string() +
+                                    " can be written by other users (mode 0777); qx keeps its "
+                                    "state private: chmod go-w " +
+                                    work.path().string() +
+                                    ", or set QX_HOME to a folder of your own");
+  ::setenv("QX_HOME", work.path().c_str(), 1);
+  EXPECT_EQ(ErrorOf([] { platform::QxHome(); }), 70);
+  fs::permissions(work.path(), fs::perms::owner_all);
+  EXPECT_EQ(platform::QxHome(), work.path());
 }
 
 TEST(Files, DirListsLikeWindows) {

@@ -40,6 +40,36 @@ TEST(Registry, AFreshHomeIsSeededAsAVb6Machine) {
   EXPECT_EQ(platform::FormatRegistryFile(platform::ParseRegistryFile(text, "registry.reg")), text);
 }
 
+// The open command that qx wrote follows the running program (a build that moved, an installed
+// qx); once the user writes another, it is theirs. A registry of a qx that kept no record of
+// its command counts a qxvb6.exe command as its own.
+TEST(Registry, TheOpenCommandFollowsTheRunningProgramUntilTheUserChangesIt) {
+  qxtest::TempHome home;
+  const std::string key = "HKEY_CLASSES_ROOT\\VisualBasic.Project\\shell\\open\\command";
+  const fs::path file = home.path() / "registry.reg";
+  Registry& registry = Registry::Instance();
+  // Each run of a program reads the file anew: here, the file is touched.
+  const auto run = [&](const char* ide) {
+    ::setenv("QX_VB6_EXE", ide, 1);
+    platformtest::WriteBytes(file, platformtest::ReadBytes(file));
+    return registry.ReadValue(key, "").value_or("");
+  };
+  ::setenv("QX_VB6_EXE", "/build/bin/qxvb6.exe", 1);
+  EXPECT_EQ(registry.ReadValue(key, ""), "\"z:\\build\\bin\\qxvb6.exe\" \"%1\"");
+  EXPECT_EQ(run("/usr/local/bin/qxvb6.exe"), "\"z:\\usr\\local\\bin\\qxvb6.exe\" \"%1\"");
+
+  std::string text = platformtest::ReadBytes(file);
+  const size_t record = text.find("\"WrittenByQx\"");
+  ASSERT_NE(record, std::string::npos) << text;
+  text.erase(record, text.find('\n', record) + 1 - record);
+  platformtest::WriteBytes(file, text);
+  EXPECT_EQ(run("/moved/qxvb6.exe"), "\"z:\\moved\\qxvb6.exe\" \"%1\"");
+
+  registry.WriteValue(key, "", "\"z:\\opt\\mine.exe\" \"%1\"");
+  EXPECT_EQ(run("/elsewhere/qxvb6.exe"), "\"z:\\opt\\mine.exe\" \"%1\"");
+  ::unsetenv("QX_VB6_EXE");
+}
+
 TEST(Registry, HandEditedFilesAreReadAndKeptWhenWriting) {
   qxtest::TempHome home;
   platformtest::WriteBytes(home.path() / "registry.reg",

@@ -2,23 +2,23 @@
 // A fresh qx home folder for one test: QX_HOME points at a new temporary folder for the test's
 // life, and the folder is removed afterwards, so no test sees another's registry or ini files.
 
+#include <stdlib.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
-#include <random>
+#include <stdexcept>
 #include <string>
 
 namespace qxtest {
 
 class TempDir {
  public:
+  // A fresh private folder (mkdtemp: mode 0700, a name nobody could have taken beforehand).
   TempDir() {
-    std::random_device rd;
-    auto base = std::filesystem::temp_directory_path();
-    for (;;) {
-      path_ = base / ("qx-test-" + std::to_string(rd()));
-      if (std::filesystem::create_directory(path_)) break;
-    }
+    std::string pattern = (std::filesystem::temp_directory_path() / "qx-test-XXXXXX").string();
+    if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp: " + pattern);
+    path_ = pattern;
   }
   ~TempDir() {
     std::error_code ec;

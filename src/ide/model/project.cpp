@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <atomic>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -18,6 +17,7 @@
 #include "platform/files.h"
 #include "platform/home.h"
 #include "platform/paths.h"
+#include "platform/private_folders.h"
 
 namespace ide {
 namespace {
@@ -332,11 +332,9 @@ void Project::ClosePages() {
 
 const fs::path& Project::PageFolder() {
   if (pageFolder_.empty()) {
-    static std::atomic<int> opened{0};
-    fs::path folder = platform::QxHome() / "pages" /
-                      (std::to_string(::getpid()) + "-" + std::to_string(++opened));
-    fs::create_directories(folder);
-    pageFolder_ = std::move(folder);
+    const fs::path pages = platform::QxHome() / "pages";
+    platform::CreatePrivateFolders(pages);
+    pageFolder_ = platform::MakeTempFolder(pages, std::to_string(::getpid()) + "-");
   }
   return pageFolder_;
 }

@@ -1,6 +1,7 @@
 #include "ide/server/server.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -120,21 +121,10 @@ std::filesystem::path LogPath() {
   return platform::QxHome() / "qxvb6.log";
 }
 
-std::optional<std::chrono::seconds> IdleFromEnvironment(std::string& message) {
-  const char* text = std::getenv(kIdleVariable);
-  if (text == nullptr || *text == '\0') return kDefaultIdle;
-  const std::string value(text);
-  if (value.size() > 9 || value.find_first_not_of("0123456789") != std::string::npos) {
-    message =
-        std::string(kIdleVariable) + " must be a whole number of seconds, not \"" + value + "\"";
-    return std::nullopt;
-  }
-  return std::chrono::seconds(std::stol(value));
-}
-
 void RedirectOutputToLog() {
-  const int fd = ::open(LogPath().c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+  const int fd = ::open(LogPath().c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
   if (fd < 0) return;  // nowhere better to write: keep what was inherited
+  ::fchmod(fd, 0600);  // a log of an older qx may have been readable by others
   ::dup2(fd, STDOUT_FILENO);
   ::dup2(fd, STDERR_FILENO);
   ::close(fd);

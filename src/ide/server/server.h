@@ -24,11 +24,11 @@
 #include <string>
 #include <string_view>
 
+#include "host/ide_control.h"
+
 namespace ide::server {
 
 // The default idle period, and the environment variable that sets it in seconds.
-inline constexpr std::chrono::seconds kDefaultIdle{600};
-inline constexpr const char* kIdleVariable = "QX_IDE_IDLE_SECONDS";
 // How long an IDE with an idle period of 0 waits for a host that never came.
 inline constexpr std::chrono::seconds kUnclaimedGrace{30};
 
@@ -37,12 +37,8 @@ std::filesystem::path LogPath();
 
 struct ServeOptions {
   std::string projectFile;
-  std::chrono::seconds idle = kDefaultIdle;
+  std::chrono::seconds idle = host::kDefaultIdle;
 };
-
-// The idle period from QX_IDE_IDLE_SECONDS (a whole number of seconds, 0 or more); the default
-// when it is not set; nullopt with a message when it cannot be read.
-std::optional<std::chrono::seconds> IdleFromEnvironment(std::string& message);
 
 // Sends standard output and standard error to the log file (appending).
 void RedirectOutputToLog();

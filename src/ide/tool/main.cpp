@@ -9,6 +9,7 @@
 
 #include "automation/apartment.h"
 #include "automation/error.h"
+#include "host/ide_control.h"
 #include "host/register.h"
 #include "ide/server/server.h"
 #include "ide/tool/commands.h"
@@ -82,7 +83,7 @@ int main(int argc, char** argv) {
 
   ide::server::RedirectOutputToLog();
   std::string message;
-  const auto idle = ide::server::IdleFromEnvironment(message);
+  const auto idle = host::IdleFromEnvironment(message);
   if (!idle) {
     std::cerr << "qxvb6: " << message << "\n";
     return ide::tool::kExitError;
