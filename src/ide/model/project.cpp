@@ -140,14 +140,36 @@ ComponentType Component::Type() {
       return ComponentType::kStdModule;
     case FileKind::kClass:
       return ComponentType::kClassModule;
-    default:
-      return File().Type();  // a form may be an MDI form
+    case FileKind::kForm:
+      // A form may be an MDI form, which only its file tells; one whose file cannot be read is
+      // what its project file line says, a form.
+      try {
+        return File().Type();
+      } catch (const automation::Error&) {
+        return ComponentType::kVBForm;
+      }
+    case FileKind::kUserControl:
+      return ComponentType::kUserControl;
+    case FileKind::kPropertyPage:
+      return ComponentType::kPropPage;
+    case FileKind::kUserDocument:
+      return ComponentType::kDocObject;
+    case FileKind::kDesigner:
+      return ComponentType::kActiveXDesigner;
   }
+  return ComponentType::kStdModule;
 }
 
 std::string Component::DesignerID() {
   if (Kind() == FileKind::kModule || Kind() == FileKind::kClass) return {};
-  return DesignerIdOf(File());
+  try {
+    return DesignerIdOf(File());
+  } catch (const automation::Error&) {
+    // Listing the components must not fail for one whose file cannot be read: it is listed by
+    // its type (an ActiveX designer of unknown class), and reports its error where its file is
+    // needed.
+    return DesignerIdOf(Type());
+  }
 }
 
 DesignerPage* Component::Page() {
