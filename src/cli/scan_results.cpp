@@ -14,11 +14,13 @@ namespace {
 using json = nlohmann::json;
 
 ScanError ErrorOf(const json& value) {
-  return {value.at("number").get<int32_t>(), value.at("description").get<std::string>()};
+  return {value.at("number").get<int32_t>(), value.at("description").get<std::string>(),
+          value.value("place", std::string())};
 }
 
 ScanPlace PlaceOf(const json& value) {
   ScanPlace place;
+  place.id = value.value("id", std::string());
   place.kind = value.at("kind").get<std::string>();
   place.name = value.at("name").get<std::string>();
   if (value.contains("control") && value["control"].is_string())
