@@ -196,7 +196,7 @@ int main(int argc, char** argv) {
         color == cli::ColorChoice::Always || (color == cli::ColorChoice::Auto && terminals.out);
   }
   const std::unique_ptr<cli::Printer> printer = cli::MakePrinter(
-      json ? cli::Format::Json : cli::Format::Text, std::cout, std::cerr, terminals, searching);
+      json ? cli::Format::Json : cli::Format::Text, std::cout, std::cerr, terminals);
   if (trace) ::setenv("QX_TRACE", "1", 1);
   try {
     if (codePage != 0) {
