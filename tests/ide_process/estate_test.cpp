@@ -17,6 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using qxtest::IdeProcesses;
+using qxtest::JsonLines;
 using qxtest::ReadAll;
 
 size_t Count(const std::string& text, const std::string& word) {
@@ -24,14 +25,6 @@ size_t Count(const std::string& text, const std::string& word) {
   for (size_t at = text.find(word); at != std::string::npos; at = text.find(word, at + 1))
     ++count;
   return count;
-}
-
-std::vector<nlohmann::json> JsonLines(const std::string& text) {
-  std::vector<nlohmann::json> records;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);)
-    records.push_back(nlohmann::json::parse(line));
-  return records;
 }
 
 class Estate : public IdeProcesses {

@@ -135,29 +135,16 @@ void Component::SetName(std::string_view name) {
 }
 
 ComponentType Component::Type() {
-  switch (Kind()) {
-    case FileKind::kModule:
-      return ComponentType::kStdModule;
-    case FileKind::kClass:
-      return ComponentType::kClassModule;
-    case FileKind::kForm:
-      // A form may be an MDI form, which only its file tells; one whose file cannot be read is
-      // what its project file line says, a form.
-      try {
-        return File().Type();
-      } catch (const automation::Error&) {
-        return ComponentType::kVBForm;
-      }
-    case FileKind::kUserControl:
-      return ComponentType::kUserControl;
-    case FileKind::kPropertyPage:
-      return ComponentType::kPropPage;
-    case FileKind::kUserDocument:
-      return ComponentType::kDocObject;
-    case FileKind::kDesigner:
-      return ComponentType::kActiveXDesigner;
+  // A form may be an MDI form, which only its file tells; one whose file cannot be read is what
+  // its project file line says, a form.
+  if (Kind() == FileKind::kForm) {
+    try {
+      return File().Type();
+    } catch (const automation::Error&) {
+      // Listed as a form; the load error comes where the file is needed.
+    }
   }
-  return ComponentType::kStdModule;
+  return ComponentFile::TypeOf(Kind());
 }
 
 std::string Component::DesignerID() {
