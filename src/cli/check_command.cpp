@@ -4,6 +4,7 @@
 #include "automation/casefold.h"
 #include "automation/text.h"
 #include "cli/commands.h"
+#include "cli/project_survey.h"
 #include "cli/session.h"
 #include "platform/home.h"
 #include "project/ide_settings.h"
@@ -20,16 +21,9 @@ bool IsIdentifierChar(char c) {
 // quotes after "Line N: ", if that is the kind of line it quotes. Read in one pass: the line can
 // be as long as the project file allows.
 std::optional<std::string> MissingLibrary(std::string_view message) {
-  static constexpr std::string_view kLine = "\r\nLine ";
-  const size_t at = message.find(kLine);
-  if (at == std::string_view::npos) return std::nullopt;
-  std::string_view rest = message.substr(at + kLine.size());
-  const size_t digits = rest.find_first_not_of("0123456789");
-  if (digits == 0 || digits == std::string_view::npos || rest.substr(digits, 2) != ": ") {
-    return std::nullopt;
-  }
-  rest = rest.substr(digits + 2);
-  const std::string_view line = rest.substr(0, rest.find_first_of("\r\n"));
+  const std::optional<CheckedLine> checked = CheckedLineOf(message);
+  if (!checked) return std::nullopt;
+  const std::string_view line = checked->text;
   const size_t equals = line.find('=');
   if (equals == std::string_view::npos) return std::nullopt;
   const std::string_view key = automation::TrimBlanks(line.substr(0, equals));

@@ -1,5 +1,6 @@
-// JSON lines for tools: one object a line, each with its "type", all on standard output. Strings
-// keep every character; JSON's own escapes carry the control characters.
+// JSON lines for tools: one object a line, each with its "type", all on standard output: errors,
+// notes and refusals too. Strings keep every character; JSON's own escapes carry the control
+// characters.
 
 #include <cmath>
 #include <cstdio>
@@ -16,8 +17,7 @@ using json = nlohmann::ordered_json;
 
 class JsonPrinter : public Printer {
  public:
-  JsonPrinter(std::ostream& out, Terminals terminals, std::ostream* err)
-      : out_(out), terminals_(terminals), err_(err) {}
+  JsonPrinter(std::ostream& out, Terminals terminals) : out_(out), terminals_(terminals) {}
 
   void Enumeration(std::string_view collection, std::string_view text) override {
     Write({{"type", "enumeration"}, {"collection", collection}, {"text", text}});
@@ -36,7 +36,6 @@ class JsonPrinter : public Printer {
   }
 
   void Problem(const cli::Problem& problem) override {
-    if (err_ != nullptr) return text_->Problem(problem);
     json record = {{"type", "problem"}};
     record["number"] = problem.number ? json(*problem.number) : json(nullptr);
     record["description"] = problem.description;
@@ -76,7 +75,6 @@ class JsonPrinter : public Printer {
   }
 
   void Error(const automation::Error& error) override {
-    if (err_ != nullptr) return text_->Error(error);
     Write({{"type", "error"}, {"number", error.Number()}, {"description", error.Description()}});
   }
 
@@ -108,6 +106,7 @@ class JsonPrinter : public Printer {
         data["control"] = hit.control.empty() ? json(nullptr) : json(hit.control);
         data["property"] = hit.property;
       }
+      if (!hit.resets.empty()) data["resets"] = hit.resets;
       printed += Write({{"type", "match"}, {"data", data}});
     }
     json stats = Stats(file.seconds, 1, file.hits.empty() ? 0 : 1, file.bytes, printed,
@@ -118,8 +117,9 @@ class JsonPrinter : public Printer {
     out_.flush();  // a reader that has gone is noticed at once
   }
 
+  void ReplaceFile(const FileMatches& file) override { SearchFile(file, SearchStyle::Grouped); }
+
   void Refused(const cli::Refusal& refusal) override {
-    if (err_ != nullptr) return text_->Refused(refusal);
     Write({{"type", "refused"},
            {"data",
             {{"path", {{"text", refusal.path}}},
@@ -129,6 +129,18 @@ class JsonPrinter : public Printer {
              {"procedure", refusal.procedure.empty() ? json(nullptr) : json(refusal.procedure)},
              {"number", refusal.number},
              {"description", refusal.description}}}});
+  }
+
+  void Report(const RunProblem& problem) override {
+    const auto text = [](const std::string& value) {
+      return value.empty() ? json(nullptr) : json(value);
+    };
+    Write({{"type", problem.note ? "note" : "error"},
+           {"project", text(problem.project)},
+           {"component", text(problem.component)},
+           {"line", problem.line == 0 ? json(nullptr) : json(problem.line)},
+           {"number", problem.number ? json(*problem.number) : json(nullptr)},
+           {"message", problem.message}});
   }
 
   void Diff(const FileDiff& diff) override {
@@ -141,10 +153,14 @@ class JsonPrinter : public Printer {
     json data = {{"elapsed_total", Elapsed(totals.seconds)},
                  {"stats", stats},
                  {"ides_kept", totals.idesKept}};
+    data["projects"] = {{"searched", totals.projects},
+                        {"with_notes", totals.projectsWithProblems},
+                        {"components_skipped", totals.componentsSkipped}};
     if (totals.replace) {
       data["replace"] = {{"written", totals.written},
                          {"files_changed", totals.filesChanged},
-                         {"refused", totals.refused}};
+                         {"refused", totals.refused},
+                         {"resets", totals.resets}};
     }
     Write({{"type", "summary"}, {"data", data}});
   }
@@ -154,10 +170,7 @@ class JsonPrinter : public Printer {
   // A progress line would garble the stream that tools read; JSON runs show none.
   void Progress(std::string_view) override {}
 
-  void Notice(std::string_view text) override {
-    if (err_ != nullptr) return text_->Notice(text);
-    Write({{"type", "notice"}, {"text", text}});
-  }
+  void Notice(std::string_view text) override { Write({{"type", "notice"}, {"text", text}}); }
 
  private:
   // Writes the record as one line; returns the bytes written.
@@ -198,18 +211,13 @@ class JsonPrinter : public Printer {
 
   std::ostream& out_;
   Terminals terminals_;
-  std::ostream* err_;
-  // Errors, problems, refusals and progress when they go to standard error.
-  std::unique_ptr<Printer> text_ =
-      MakeTextPrinter(err_ != nullptr ? *err_ : out_, err_ != nullptr ? *err_ : out_, terminals_);
   size_t printed_ = 0;
 };
 
 }  // namespace
 
-std::unique_ptr<Printer> MakeJsonPrinter(std::ostream& out, Terminals terminals,
-                                         std::ostream* err) {
-  return std::make_unique<JsonPrinter>(out, terminals, err);
+std::unique_ptr<Printer> MakeJsonPrinter(std::ostream& out, Terminals terminals) {
+  return std::make_unique<JsonPrinter>(out, terminals);
 }
 
 }  // namespace cli

@@ -45,7 +45,12 @@ class Printer {
 
   // qx search and replace: one file's matches, in the style asked for.
   virtual void SearchFile(const FileMatches& file, SearchStyle style) = 0;
+  // qx replace: the matches of one file, before its diff. Text shows the diff alone; JSON gives
+  // the matches with their places (and what replacing one resets) as a search does.
+  virtual void ReplaceFile(const FileMatches& file) = 0;
   virtual void Refused(const cli::Refusal& refusal) = 0;
+  // An error or a note of a search run, with its place.
+  virtual void Report(const RunProblem& problem) = 0;
   virtual void Diff(const FileDiff& diff) = 0;
   virtual void SearchSummary(const SearchTotals& totals, SearchStyle style) = 0;
   // A progress line on standard error (replacing the one before), shown only when standard
@@ -59,14 +64,11 @@ class Printer {
 };
 
 std::unique_ptr<Printer> MakeTextPrinter(std::ostream& out, std::ostream& err, Terminals terminals);
-// With `err`, errors and problems go there as text (as grep-like tools keep them apart from
-// their JSON messages); without, they are records of their own.
-std::unique_ptr<Printer> MakeJsonPrinter(std::ostream& out, Terminals terminals,
-                                         std::ostream* err = nullptr);
+std::unique_ptr<Printer> MakeJsonPrinter(std::ostream& out, Terminals terminals);
 
 inline std::unique_ptr<Printer> MakePrinter(Format format, std::ostream& out, std::ostream& err,
-                                            Terminals terminals, bool errorsApart = false) {
-  if (format == Format::Json) return MakeJsonPrinter(out, terminals, errorsApart ? &err : nullptr);
+                                            Terminals terminals) {
+  if (format == Format::Json) return MakeJsonPrinter(out, terminals);
   return MakeTextPrinter(out, err, terminals);
 }
 

@@ -23,12 +23,6 @@ bool IsAbsolute(std::string_view written) {
          (written.size() >= 2 && written[1] == ':');
 }
 
-// A path written in a project or group file, relative to that file's folder.
-fs::path Resolve(const fs::path& folder, std::string_view written) {
-  if (IsAbsolute(written)) return platform::ToNative(written);
-  return platform::ToNative(platform::ToWindows(folder) + "\\" + std::string(written));
-}
-
 class Collector {
  public:
   explicit Collector(ProjectDiscovery& out) : out_(out) {}
@@ -47,7 +41,7 @@ class Collector {
           !automation::EqualsAsciiNoCase(line.key, "StartupProject")) {
         continue;
       }
-      const fs::path project = Resolve(group.parent_path(), line.value);
+      const fs::path project = ResolveProjectPath(group.parent_path(), line.value);
       if (fs::is_regular_file(project)) {
         Add(project);
       } else {
@@ -133,9 +127,15 @@ std::vector<CompanionFile> CompanionFiles(const fs::path& componentFile) {
     add(file, false);
   if (HasExtension(componentFile, ".dsr") && fs::is_regular_file(componentFile)) {
     const std::string source = SourceFileSetting(componentFile);
-    if (!source.empty()) add(Resolve(componentFile.parent_path(), source), IsAbsolute(source));
+    if (!source.empty())
+      add(ResolveProjectPath(componentFile.parent_path(), source), IsAbsolute(source));
   }
   return out;
+}
+
+fs::path ResolveProjectPath(const fs::path& folder, std::string_view written) {
+  if (IsAbsolute(written)) return platform::ToNative(written);
+  return platform::ToNative(platform::ToWindows(folder) + "\\" + std::string(written));
 }
 
 std::string FileKey(const fs::path& file) {
@@ -193,7 +193,8 @@ std::vector<ComponentFile> ReadComponentFiles(const fs::path& projectFile) {
       if (!automation::EqualsAsciiNoCase(line.key, kind.projectFileKey)) continue;
       const platform::ComponentValue value = platform::SplitComponentValue(line.value);
       ComponentFile file{std::string(kind.collection), std::string(value.name),
-                         Resolve(projectFile.parent_path(), value.file), IsAbsolute(value.file)};
+                         ResolveProjectPath(projectFile.parent_path(), value.file),
+                         IsAbsolute(value.file), static_cast<size_t>(reader.Number())};
       if (!value.hasName)
         file.name = platform::ComponentNameFromFile(file.file.string()).value_or(std::string());
       files.push_back(std::move(file));

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "automation/error.h"
@@ -26,10 +27,11 @@ struct ComponentFile {
   std::string name;        // from the entry, else the file's Attribute VB_Name line
   std::filesystem::path file;
   bool absolute = false;  // the entry names the file by an absolute path
+  size_t line = 0;        // the project file's line that names it
 };
 
-// Every component entry of the project file, in its order. Raises when the project file cannot
-// be read.
+// Every component entry of the project file, in its order, its path decoded in the current code
+// page (the project's: take it first). Raises when the project file cannot be read.
 std::vector<ComponentFile> ReadComponentFiles(const std::filesystem::path& projectFile);
 
 // A file that goes with a component file.
@@ -44,6 +46,11 @@ struct CompanionFile {
 // folder, or absolute), which holds the page's HTML. Only files that exist; none for a module
 // or a class, which have no description to refer to any.
 std::vector<CompanionFile> CompanionFiles(const std::filesystem::path& componentFile);
+
+// A path written in a project or group file (Windows form, relative or absolute), relative to the
+// folder of that file: the Linux path of the file, found whatever its letter case.
+std::filesystem::path ResolveProjectPath(const std::filesystem::path& folder,
+                                         std::string_view written);
 
 // One spelling of a file for comparing: absolute, with "." and ".." resolved, and through
 // symbolic links when the file exists.

@@ -121,8 +121,7 @@ int RunRename(const RenameOptions& options, Printer& printer) {
   try {
     target = ParseRenameTarget(options.control, options.newName);
   } catch (const automation::Error& e) {
-    printer.Error(automation::Error(e.Number(), e.Source(),
-                                    ShowPath(options.projectFile) + ": " + e.Description()));
+    printer.Report({false, ShowPath(options.projectFile), "", 0, e.Number(), e.Description()});
     return kExitError;
   }
   SearchOptions run;
@@ -138,25 +137,19 @@ int RunRename(const RenameOptions& options, Printer& printer) {
         for (const ComponentScan& inventory : look(InventoryRequest())) {
           if (!SameVbName(inventory.component, target.component)) continue;
           reached = true;
-          try {
-            std::optional<std::string> request = RenameRequest(inventory, target);
-            if (!request) {
-              printer.Notice(inventory.component + "." + target.oldName + " is named " +
-                             target.newName + " already: nothing to rename");
-            }
-            return request;
-          } catch (const automation::Error& e) {
-            throw automation::Error(e.Number(), e.Source(),
-                                    ShowPath(options.projectFile) + ": " + e.Description());
+          std::optional<std::string> request = RenameRequest(inventory, target);
+          if (!request) {
+            printer.Notice(inventory.component + "." + target.oldName + " is named " +
+                           target.newName + " already: nothing to rename");
           }
+          return request;
         }
         return std::nullopt;
       },
       printer);
   if (!reached && status != kExitError) {
-    printer.Error(automation::Error(
-        5, "qx",
-        ShowPath(options.projectFile) + ": the project has no component " + target.component));
+    printer.Report({false, ShowPath(options.projectFile), "", 0, 5,
+                    "the project has no component " + target.component});
     return kExitError;
   }
   return status;

@@ -38,6 +38,19 @@ struct Problem {
   std::string description;
 };
 
+// An error or a note of a search, replace or rename run, with its place: the project file and,
+// where it has them, the component and the project file's line. A note is worth knowing and
+// changes nothing (a library not registered here, searched anyway); an error makes the run's exit
+// status 2 (a component file that is missing, a project that cannot be opened).
+struct RunProblem {
+  bool note = false;
+  std::string project;    // the project (or group) file as shown; "" for the run's own
+  std::string component;  // "" when not about one component
+  size_t line = 0;        // the project file's line; 0 when none
+  std::optional<int32_t> number;
+  std::string message;
+};
+
 // One line of a component file with matches, as qx search shows it.
 struct SearchHit {
   std::string collection;  // "Modules"
@@ -56,6 +69,8 @@ struct SearchHit {
     std::string text;
   };
   std::vector<Submatch> submatches;
+  // What replacing here resets that the user did not name ("ItemData (3 values)"), else "".
+  std::string resets;
 };
 
 // What one component file gave.
@@ -100,6 +115,14 @@ struct SearchTotals {
   size_t refused = 0;
   size_t idesKept = 0;              // IDEs this run started and left running for the next
   std::chrono::seconds keptFor{0};  // how long they wait for it
+  size_t projectsNamed = 0;         // projects the paths named
+  size_t projects = 0;              // projects searched
+  size_t projectsWithProblems = 0;  // of all the run named, those with notes or errors
+  size_t componentsSkipped = 0;     // component files not searched, each reported
+  size_t problems = 0;              // notes and errors reported
+  // Places where a replacement resets data the user did not name: "frmProps.lstItems: ItemData
+  // (3 values)".
+  std::vector<std::string> resets;
 };
 
 // How a run that went through ended.

@@ -15,11 +15,13 @@ namespace {
 using json = nlohmann::json;
 
 ScanError ErrorOf(const json& value) {
-  return {value.at("number").get<int32_t>(), value.at("description").get<std::string>()};
+  return {value.at("number").get<int32_t>(), value.at("description").get<std::string>(),
+          value.value("place", std::string())};
 }
 
 ScanPlace PlaceOf(const json& value) {
   ScanPlace place;
+  place.id = value.value("id", std::string());
   place.kind = value.at("kind").get<std::string>();
   place.name = value.at("name").get<std::string>();
   if (value.contains("control") && value["control"].is_string())
@@ -34,6 +36,7 @@ ScanPlace PlaceOf(const json& value) {
   if (value.contains("replacement") && !value["replacement"].is_null())
     place.replacement = value["replacement"].get<std::string>();
   place.written = value.value("written", false);
+  place.resets = value.value("resets", std::string());
   if (value.contains("error") && !value["error"].is_null()) place.error = ErrorOf(value["error"]);
   return place;
 }

@@ -14,6 +14,7 @@ namespace cli {
 struct ScanError {
   int32_t number = 0;
   std::string description;
+  std::string place;  // of a problem: the place it concerns ("Option1.Caption"), when known
 };
 
 struct ScanMatch {
@@ -24,6 +25,7 @@ struct ScanMatch {
 };
 
 struct ScanPlace {
+  std::string id;        // "Module1/procedure/Foo": the same in every scan of the component
   std::string kind;      // "procedure", "name", "property", "list", "controlName" or "html"
   std::string name;      // "<declarations>", "Foo", "Value.Get"; for a name, the component's name
   std::string control;   // a control's place: the control ("Option1(2)"), else ""
@@ -32,6 +34,8 @@ struct ScanPlace {
   std::vector<ScanMatch> matches;
   std::optional<std::string> replacement;  // the whole new text
   bool written = false;
+  std::string
+      resets;  // what writing it dropped that its text does not show ("ItemData (3 values)")
   std::optional<ScanError> error;
 };
 

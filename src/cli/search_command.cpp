@@ -1,10 +1,16 @@
 // qx search and qx replace: every chosen component of every project is handed to the scanner
 // through its component object, and what comes back is shown in the files' own lines.
 //
-// A replace without --write runs the very same write on a scratch copy of the project and shows
-// how the copy's files changed, so the preview is exactly what --write would do. Each component's
-// request comes from the run's plan: the options' request for search and replace, one decided
-// after a first look at the component for rename.
+// A replace runs the write on a scratch copy of the project first and shows how the copy's files
+// changed: that is the preview. --write then writes the project with the places the preview wrote
+// and no other (a place the preview showed refused is never sent again), and compares each file
+// it wrote with the preview's, so that nothing is written that the preview did not show. Each
+// component's request comes from the run's plan: the options' request for search and replace,
+// one decided after a first look at the component for rename.
+//
+// Before a project is opened, its code page is taken and its project file surveyed
+// (project_survey.h): libraries not registered here are notes, missing component files errors,
+// each with its line; every component file is then searched or said not to be.
 
 #include <sys/wait.h>
 
@@ -12,6 +18,7 @@
 #include <chrono>
 #include <filesystem>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <set>
 #include <thread>
@@ -23,6 +30,7 @@
 #include "cli/listing.h"
 #include "cli/progress.h"
 #include "cli/project_files.h"
+#include "cli/project_survey.h"
 #include "cli/scan_buffer.h"
 #include "cli/scan_results.h"
 #include "cli/scratch_copy.h"
@@ -32,6 +40,7 @@
 #include "contracts/component_kinds.h"
 #include "contracts/driver_interfaces.h"
 #include "contracts/enumeration.h"
+#include "host/run_view.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 #include "project/dispatcher.h"
@@ -64,6 +73,18 @@ struct ScannedFile {
   ComponentScan scan;
   double seconds = 0;
   platform::ProjectCodePage codePage;
+  // What a write must do again: the component, its request and the places the scan wrote.
+  std::string collection;
+  contracts::EnumerationEntry entry;
+  size_t line = 0;  // the project file's line that names the component
+  std::string request;
+  std::vector<std::string> accepted;
+};
+
+// One project as a pass over it scanned it: each component whose file the scan changed, with its
+// request and the places it wrote, so that a write can do exactly that again.
+struct PassResult {
+  std::vector<ScannedFile> changed;
 };
 
 class Run {
@@ -78,24 +99,28 @@ class Run {
   int Go() {
     const ProjectDiscovery discovery = FindProjects(options_.paths);
     for (const automation::Error& e : discovery.errors)
-      Fail(e);
+      Report({false, "", "", 0, e.Number(), e.Description()});
+    totals_.projectsNamed = discovery.projects.size() + discovery.errors.size();
     Session session;
     ProgressLine progress(printer_, discovery.projects.size());
     progress_ = &progress;
     for (const fs::path& projectFile : discovery.projects) {
       if (Interrupted() != 0 || printer_.OutputClosed()) break;
       progress.Project(ShowPath(projectFile));
+      project_ = ShowPath(projectFile);
+      projectReported_ = false;
       try {
         Project(session, projectFile);
       } catch (const automation::Error& e) {
         // Ending the run's IDEs makes the call in flight fail: that is no error of the project.
-        if (Interrupted() == 0) Fail(e);
+        if (Interrupted() == 0) Report({false, project_, "", 0, e.Number(), e.Description()});
       } catch (const fs::filesystem_error& e) {
-        Fail(automation::Error(75, "qx", e.what()));
+        Report({false, project_, "", 0, 75, e.what()});
       }
       if (options_.style == SearchStyle::Quiet && totals_.matches > 0 && !options_.replacement)
         break;
     }
+    project_.clear();
     registration_.reset();
     buffer_.reset();
     progress.Clear();
@@ -151,6 +176,11 @@ class Run {
     return settings;
   }
 
+  bool Asked(const std::string& collection) const {
+    return std::find(options_.kinds.begin(), options_.kinds.end(), collection) !=
+           options_.kinds.end();
+  }
+
   void NoticeSkipped() {
     size_t total = 0;
     std::string kinds;
@@ -159,22 +189,125 @@ class Run {
       kinds += (kinds.empty() ? "" : ", ") + collection + " (" + std::to_string(count) + ")";
     }
     if (total == 0) return;
+    totals_.componentsSkipped += total;
     printer_.Notice(std::to_string(total) + (total == 1 ? " component" : " components") +
                     " not searched, of kinds qx cannot open yet: " + kinds);
   }
 
-  void Fail(const automation::Error& e) {
-    printer_.Error(e);
-    error_ = true;
+  void Report(const RunProblem& problem) {
+    printer_.Report(problem);
+    ++totals_.problems;
+    if (!problem.note) error_ = true;
+    if (!problem.project.empty() && !projectReported_) {
+      projectReported_ = true;
+      ++totals_.projectsWithProblems;
+    }
+  }
+
+  // An error of one component of the project being searched.
+  void ComponentFailed(const std::string& component, const ComponentFile* file,
+                       const automation::Error& e) {
+    Report({false, project_, component, file != nullptr ? file->line : 0, e.Number(),
+            e.Description()});
   }
 
   void Project(Session& session, const fs::path& projectFile) {
-    const std::vector<ComponentFile> files = ReadComponentFiles(projectFile);
-    const bool preview = options_.replacement && !options_.write;
-    std::unique_ptr<ScratchCopy> copy;
-    if (preview) copy = std::make_unique<ScratchCopy>(projectFile, files);
-    const fs::path scanned = copy ? copy->project() : projectFile;
+    // The project's code page before anything of it is read, its file included: the component
+    // files are found by the paths it gives them, and a preview that read them in another code
+    // page would miss the very files a write then changes.
+    session.UseCodePageOf(projectFile.string());
+    const host::RunView::Scope view;
+    const ProjectSurvey survey = SurveyProject(projectFile);
+    for (const RunProblem& problem : survey.problems)
+      Report(problem);
+    totals_.componentsSkipped += survey.missing.size();
+    if (!survey.opens) {
+      totals_.componentsSkipped += survey.files.size() - survey.missing.size();
+      return;
+    }
+    ++totals_.projects;
+    if (!options_.replacement) {
+      Pass(session, projectFile, nullptr, survey);
+      Unreached(survey);
+      return;
+    }
+    // A replace is done on a scratch copy first: what it changes there is the preview, and a
+    // write does exactly the places the preview accepted again on the project.
+    const ScratchCopy copy(projectFile, survey.files);
+    for (const fs::path& file : survey.viewFiles)
+      host::RunView::Current().AddFile(copy.Inside(file).string());
+    FileChange projectChange{projectFile, platform::ReadFile(copy.project().string()), {}};
+    PassResult preview = Pass(session, copy.project(), &copy, survey);
+    Unreached(survey);
+    // Renaming a module or class renames its entry in the project file too.
+    projectChange.after = platform::ReadFile(copy.project().string());
+    const bool projectChanged = projectChange.before != projectChange.after;
+    if (projectChanged) {
+      ++totals_.filesChanged;
+      if (options_.style != SearchStyle::Quiet) ShowChange(projectChange);
+    }
+    if (!options_.write || preview.changed.empty() || Interrupted() != 0) return;
+    Write(session, projectFile, preview.changed);
+    if (projectChanged) Compare(projectChange);
+  }
 
+  // Scans the chosen components of the project (or of its scratch copy), showing what each
+  // gave; returns the components whose files the scan changed.
+  PassResult Pass(Session& session, const fs::path& scanned, const ScratchCopy* copy,
+                  const ProjectSurvey& survey) {
+    PassResult result;
+    OpenProject(session, scanned, copy != nullptr, [&](const automation::ObjectRef& project) {
+      // The project file names DHTML pages and user connections as designers; only the IDE tells
+      // them apart. With a designer among the components the IDE is reached first, so that the
+      // listing is its own and a page is searched as a page, its HTML included.
+      const std::vector<ComponentFile>& files = survey.files;
+      bool reached = false;
+      if (std::any_of(files.begin(), files.end(),
+                      [](const ComponentFile& file) { return file.collection == kDesigners; })) {
+        Reach(project);
+        reached = true;
+      }
+      for (const CollectionEnumeration& collection : EnumerateCollections(project)) {
+        const bool asked = Asked(collection.name);
+        if (!options_.kinds.empty() && !asked) continue;
+        const bool skip = !asked && !Openable(collection.name);
+        for (const contracts::EnumerationEntry& entry :
+             contracts::ParseEnumeration(collection.text)) {
+          if (Interrupted() != 0 || printer_.OutputClosed()) return;
+          if (entry.name.empty() || !ComponentSelected(options_, entry.name)) continue;
+          const ComponentFile* file = FileOf(files, collection.name, entry.name);
+          if (skip) {
+            if (file == nullptr || skippedFiles_.insert(FileKey(file->file)).second)
+              ++skipped_[collection.name];
+            continue;
+          }
+          // A missing file has been said, with its line; the IDE is not asked for it.
+          if (file != nullptr && survey.missing.contains(FileKey(file->file))) continue;
+          if (file != nullptr && !done_.insert(FileKey(file->file)).second) continue;
+          // Only a failure to reach the IDE is the project's; once it is reached, whatever fails
+          // is the component's own.
+          if (!reached) {
+            Reach(project);
+            reached = true;
+          }
+          try {
+            if (std::optional<ScannedFile> changed = Component(
+                    project, scanned, collection.name, entry, file, copy, session.CodePage())) {
+              result.changed.push_back(std::move(*changed));
+            }
+            progress_->ComponentDone();
+          } catch (const automation::Error& e) {
+            ComponentFailed(entry.name, file, e);
+          }
+        }
+      }
+    });
+    return result;
+  }
+
+  // Opens the project in the driver for the body, and lets it go afterwards.
+  template <class Body>
+  void OpenProject(Session& session, const fs::path& scanned, bool scratch, Body body) {
     // An IDE that this run starts for the project is kept warm when the project is done, within
     // the run's count and budget (WarmIdes), or ended at once for a scratch copy (before the
     // copy goes); one that was running before the run is left running.
@@ -194,7 +327,7 @@ class Run {
           // An IDE that will not end ends by itself once idle; the results are in.
         }
       }
-    } endStartedIde{scanned.string(), AnyHasOpen(scanned.string()), copy ? nullptr : &warm_};
+    } endStartedIde{scanned.string(), AnyHasOpen(scanned.string()), scratch ? nullptr : &warm_};
 
     const automation::ObjectRef project = session.OpenProject(scanned.string());
     struct Deactivate {
@@ -207,51 +340,42 @@ class Run {
         }
       }
     } deactivate{project};
+    body(project);
+  }
 
-    // The project file names DHTML pages and user connections as designers; only the IDE tells
-    // them apart. With a designer among the components the IDE is reached first, so that the
-    // listing is its own and a page is searched as a page, its HTML included.
-    if (std::any_of(files.begin(), files.end(),
-                    [](const ComponentFile& file) { return file.collection == kDesigners; })) {
-      automation::Dispatch(project).Get("Dispatcher");
-    }
-    bool reached = false;
-    const platform::ProjectCodePage codePage = session.CodePage();
-    for (const CollectionEnumeration& collection : EnumerateCollections(project)) {
-      const bool asked = std::find(options_.kinds.begin(), options_.kinds.end(), collection.name) !=
-                         options_.kinds.end();
-      if (!options_.kinds.empty() && !asked) continue;
-      const bool skip = !asked && !Openable(collection.name);
-      for (const contracts::EnumerationEntry& entry :
-           contracts::ParseEnumeration(collection.text)) {
-        if (Interrupted() != 0 || printer_.OutputClosed()) return;
-        if (entry.name.empty() || !ComponentSelected(options_, entry.name)) continue;
-        const ComponentFile* file = FileOf(files, collection.name, entry.name);
-        if (skip) {
-          if (file == nullptr || skippedFiles_.insert(FileKey(file->file)).second)
-            ++skipped_[collection.name];
-          continue;
-        }
-        if (file != nullptr && !done_.insert(FileKey(file->file)).second) continue;
-        try {
-          Component(project, scanned, collection.name, entry, file, copy.get(), codePage);
-          reached = true;
-          progress_->ComponentDone();
-        } catch (const automation::Error& e) {
-          // Without a first component, the IDE is out of reach: once said is enough.
-          if (!reached) throw;
-          Fail(automation::Error(e.Number(), e.Source(),
-                                 collection.name + " " + entry.name + ": " + e.Description()));
-        }
+  // Connects the project to its IDE, starting one if need be: a failure here (the IDE cannot be
+  // started, the project cannot be opened) is the project's.
+  static void Reach(const automation::ObjectRef& project) {
+    automation::Dispatch(project).Get("Dispatcher");
+  }
+
+  // Every component file of the project is searched, or has been said not to be: one that the
+  // listing did not bring (a file without a name, one that cannot be read) is said here.
+  void Unreached(const ProjectSurvey& survey) {
+    for (const ComponentFile& file : survey.files) {
+      const std::string key = FileKey(file.file);
+      if (done_.contains(key) || survey.missing.contains(key) || skippedFiles_.contains(key))
+        continue;
+      if (!options_.kinds.empty() ? !Asked(file.collection) || file.collection == kDesigners
+                                  : !Openable(file.collection)) {
+        continue;
       }
-    }
-    // The IDE saves without waiting for the disk; the project's writes reach it here, at once.
-    if (options_.write && reached) {
+      if (!file.name.empty() ? !ComponentSelected(options_, file.name)
+                             : !options_.componentGlob.empty()) {
+        continue;
+      }
+      done_.insert(key);
+      ++totals_.componentsSkipped;
+      std::string why;
       try {
-        platform::FlushFileSystem(projectFile.string());
+        platform::ReadFile(file.file.string());
+        why = file.name.empty() ? "it names no component (it has no Attribute VB_Name line)"
+                                : "the project's listing does not name it";
       } catch (const automation::Error& e) {
-        Fail(e);
+        why = e.Description();
       }
+      Report({false, project_, file.name, file.line, 321,
+              ShowPath(file.file) + " not searched: " + why});
     }
   }
 
@@ -268,16 +392,33 @@ class Run {
     return nullptr;
   }
 
-  void Component(const automation::ObjectRef& project, const fs::path& projectFile,
-                 const std::string& collection, const contracts::EnumerationEntry& entry,
-                 const ComponentFile* file, const ScratchCopy* copy,
-                 const platform::ProjectCodePage& codePage) {
+  // Reads the companions of a component file into one side of their changes.
+  static void ReadCompanions(const fs::path& onDisk, const ScratchCopy* copy,
+                             std::map<fs::path, FileChange>& companions,
+                             std::optional<std::string> FileChange::*side) {
+    for (const CompanionFile& companion : CompanionFiles(onDisk)) {
+      FileChange& change = companions[companion.file];
+      change.original = copy ? copy->Outside(companion.file) : companion.file;
+      change.*side = platform::ReadFile(companion.file.string());
+    }
+  }
+
+  // Scans one component and shows what it gave. A replace on a scratch copy returns the
+  // component when the scan changed its files, with what a write must do again.
+  std::optional<ScannedFile> Component(const automation::ObjectRef& project,
+                                       const fs::path& projectFile, const std::string& collection,
+                                       const contracts::EnumerationEntry& entry,
+                                       const ComponentFile* file, const ScratchCopy* copy,
+                                       const platform::ProjectCodePage& codePage) {
     const Clock::time_point started = Clock::now();
     ScannedFile scanned;
     scanned.codePage = codePage;
+    scanned.collection = collection;
+    scanned.entry = entry;
     fs::path onDisk;
     if (file != nullptr) {
       scanned.original = file->file;
+      scanned.line = file->line;
       onDisk = copy ? copy->Inside(file->file) : file->file;
       scanned.before = platform::ReadFile(onDisk.string());
     }
@@ -288,30 +429,177 @@ class Run {
       return Scan(object, projectFile, entry, request);
     };
     const std::optional<std::string> request = plan_(look);
-    if (!request) return;
+    if (!request) return std::nullopt;
+    scanned.request = *request;
     // A replace may change the companions too (a long caption, a list item, a page's HTML),
     // or make one (a caption that grows too long for its line).
     const bool replacing = file != nullptr && options_.replacement;
     std::map<fs::path, FileChange> companions;
-    const auto readCompanions = [&](std::optional<std::string> FileChange::*side) {
-      for (const CompanionFile& companion : CompanionFiles(onDisk)) {
-        FileChange& change = companions[companion.file];
-        change.original = copy ? copy->Outside(companion.file) : companion.file;
-        change.*side = platform::ReadFile(companion.file.string());
-      }
-    };
-    if (replacing) readCompanions(&FileChange::before);
+    if (replacing) ReadCompanions(onDisk, copy, companions, &FileChange::before);
+    std::optional<ScannedFile> changed;
     for (ComponentScan& scan : Scan(object, projectFile, entry, *request)) {
       scanned.scan = std::move(scan);
       scanned.after = replacing ? platform::ReadFile(onDisk.string()) : scanned.before;
       if (replacing) {
-        readCompanions(&FileChange::after);
+        ReadCompanions(onDisk, copy, companions, &FileChange::after);
+        scanned.companions.clear();
         for (auto& [path, change] : companions)
-          scanned.companions.push_back(std::move(change));
+          scanned.companions.push_back(change);
+        if (copy != nullptr && Refused(scanned.scan) && Changed(scanned)) {
+          // A refused write can leave its mark (the driver's undo of a procedure text keeps one
+          // more empty line): the preview is made again without the refused places, so that it
+          // shows what a write, which never sends them, does.
+          Redo(object, projectFile, entry, onDisk, scanned, companions);
+        }
+        scanned.accepted = Accepted(scanned.scan);
       }
       scanned.seconds = Since(started);
+      if (copy != nullptr) NoteResets(scanned);
       Show(scanned);
+      if (copy != nullptr && Changed(scanned)) changed = scanned;
     }
+    return changed;
+  }
+
+  static bool Refused(const ComponentScan& scan) {
+    return std::any_of(scan.places.begin(), scan.places.end(),
+                       [](const ScanPlace& place) { return place.error.has_value(); });
+  }
+
+  static bool Changed(const ScannedFile& scanned) {
+    return scanned.after != scanned.before ||
+           std::any_of(scanned.companions.begin(), scanned.companions.end(),
+                       [](const FileChange& change) { return change.before != change.after; });
+  }
+
+  static std::vector<std::string> Accepted(const ComponentScan& scan) {
+    std::vector<std::string> ids;
+    for (const ScanPlace& place : scan.places) {
+      if (place.written) ids.push_back(place.id);
+    }
+    return ids;
+  }
+
+  // The request with its writes narrowed to these places.
+  static std::string OnlyThese(const std::string& request, const std::vector<std::string>& ids) {
+    nlohmann::ordered_json narrowed = nlohmann::ordered_json::parse(request);
+    narrowed["only"] = ids;
+    return narrowed.dump();
+  }
+
+  // Puts the copy's files of the component back as they were and scans it again, writing only
+  // the places the first scan wrote; the refusals stay those of the first scan.
+  void Redo(const automation::ObjectRef& object, const fs::path& projectFile,
+            const contracts::EnumerationEntry& entry, const fs::path& onDisk, ScannedFile& scanned,
+            std::map<fs::path, FileChange>& companions) {
+    platform::WriteFileAtomic(onDisk.string(), scanned.before);
+    for (auto& [path, change] : companions) {
+      if (change.before) {
+        platform::WriteFileAtomic(path.string(), *change.before);
+      } else {
+        std::error_code ignored;
+        fs::remove(path, ignored);
+      }
+    }
+    const std::vector<std::string> accepted = Accepted(scanned.scan);
+    if (!accepted.empty()) {
+      for (const ComponentScan& again :
+           Scan(object, projectFile, entry, OnlyThese(scanned.request, accepted))) {
+        // What the second scan wrote is what the first wrote.
+        for (ScanPlace& place : scanned.scan.places) {
+          place.written = std::any_of(
+              again.places.begin(), again.places.end(),
+              [&](const ScanPlace& other) { return other.id == place.id && other.written; });
+        }
+      }
+    }
+    scanned.after = platform::ReadFile(onDisk.string());
+    scanned.companions.clear();
+    for (auto& [path, change] : companions) {
+      change.after = platform::FileExists(path.string())
+                         ? std::optional(platform::ReadFile(path.string()))
+                         : std::nullopt;
+      scanned.companions.push_back(change);
+    }
+  }
+
+  // Each list whose items the preview rewrote, with the ItemData that this drops, as the IDE
+  // said before it wrote the list.
+  void NoteResets(const ScannedFile& scanned) {
+    for (const ScanPlace& place : scanned.scan.places) {
+      if (!place.written || place.resets.empty()) continue;
+      totals_.resets.push_back(scanned.scan.component + "." + place.control + ": " + place.resets);
+    }
+  }
+
+  // Writes the project as its preview did: each changed component, with the places the preview
+  // wrote and no other, then each file compared with the preview's.
+  void Write(Session& session, const fs::path& projectFile, std::vector<ScannedFile>& changed) {
+    OpenProject(session, projectFile, false, [&](const automation::ObjectRef& project) {
+      Reach(project);
+      for (ScannedFile& file : changed) {
+        if (Interrupted() != 0) return;
+        if (!AsPreviewed(file)) continue;
+        try {
+          const automation::ObjectRef object =
+              contracts::ICollection(contracts::IProject(project).GetCollection(file.collection))
+                  .GetObject(file.entry.name);
+          for (const ComponentScan& scan :
+               Scan(object, projectFile, file.entry, OnlyThese(file.request, file.accepted))) {
+            for (const ScanPlace& place : scan.places) {
+              if (place.written || std::find(file.accepted.begin(), file.accepted.end(),
+                                             place.id) == file.accepted.end()) {
+                continue;
+              }
+              ComponentFailed(
+                  file.entry.name, nullptr,
+                  place.error ? automation::Error(place.error->number, "", place.error->description)
+                              : automation::Error(5, "qx", place.id + " not written"));
+            }
+          }
+        } catch (const automation::Error& e) {
+          Report({false, project_, file.entry.name, file.line, e.Number(), e.Description()});
+        }
+      }
+    });
+    // The IDE saves without waiting for the disk; the project's writes reach it here, at once.
+    try {
+      platform::FlushFileSystem(projectFile.string());
+    } catch (const automation::Error& e) {
+      Report({false, project_, "", 0, e.Number(), e.Description()});
+    }
+    for (const ScannedFile& file : changed) {
+      Compare({file.original, file.before, file.after});
+      for (const FileChange& companion : file.companions)
+        Compare(companion);
+    }
+  }
+
+  // Whether the component's files are still as the preview found them; says so when not.
+  bool AsPreviewed(const ScannedFile& file) {
+    std::vector<FileChange> sides{{file.original, file.before, {}}};
+    sides.insert(sides.end(), file.companions.begin(), file.companions.end());
+    for (const FileChange& side : sides) {
+      const std::optional<std::string> now = ReadIfThere(side.original);
+      if (now == side.before) continue;
+      Report({false, project_, file.entry.name, file.line, 75,
+              ShowPath(side.original) + " changed since its preview was made; not written"});
+      return false;
+    }
+    return true;
+  }
+
+  // After a write: a file that differs from what the preview made of it is an error.
+  void Compare(const FileChange& change) {
+    if (change.before == change.after) return;
+    if (ReadIfThere(change.original) == change.after) return;
+    Report({false, project_, "", 0, 75,
+            ShowPath(change.original) + " differs from what its preview showed"});
+  }
+
+  static std::optional<std::string> ReadIfThere(const fs::path& file) {
+    if (!platform::FileExists(file.string())) return std::nullopt;
+    return platform::ReadFile(file.string());
   }
 
   // Hands the component to the scanner with the request and gives back what it found.
@@ -339,8 +627,10 @@ class Run {
     const ComponentScan& scan = scanned.scan;
     const std::string path = scanned.original.empty() ? scan.collection + "/" + scan.component
                                                       : ShowPath(scanned.original);
-    for (const ScanError& problem : scan.problems)
-      printer_.Problem({problem.number, scan.component + ": " + problem.description});
+    for (const ScanError& problem : scan.problems) {
+      Report({false, project_, scan.component, scanned.line, problem.number,
+              (problem.place.empty() ? "" : problem.place + ": ") + problem.description});
+    }
     const std::vector<FileLine> lines = SplitFileLines(scanned.before);
     const std::vector<std::vector<FilePlace>> places = MapToFile(lines, scan.places);
 
@@ -360,7 +650,7 @@ class Run {
         ++matches.matches;
         SearchHit* hit = matches.hits.empty() ? nullptr : &matches.hits.back();
         if (hit == nullptr || hit->line != at.line || hit->procedure != procedure ||
-            (at.line == 0 && match.line != place.matches[m - 1].line)) {
+            (at.line == 0 && (m == 0 || match.line != place.matches[m - 1].line))) {
           SearchHit fresh;
           fresh.collection = scan.collection;
           fresh.component = scan.component;
@@ -368,6 +658,7 @@ class Run {
           fresh.control = place.control;
           fresh.property = place.property;
           fresh.line = at.line;
+          fresh.resets = place.resets;
           if (at.line != 0) {
             fresh.text = lines[at.line - 1].text;
             fresh.lineEnd = lines[at.line - 1].end;
@@ -395,6 +686,7 @@ class Run {
       printer_.SearchFile(matches, options_.style);
       return;
     }
+    if (options_.style != SearchStyle::Quiet) printer_.ReplaceFile(matches);
     const bool companionChanged =
         std::any_of(scanned.companions.begin(), scanned.companions.end(),
                     [](const FileChange& change) { return change.before != change.after; });
@@ -405,7 +697,7 @@ class Run {
       printer_.Diff({path, UnifiedDiff(path, DiffLines(scanned.before), DiffLines(scanned.after))});
     }
     for (const FileChange& change : scanned.companions)
-      ShowCompanion(change);
+      ShowChange(change);
   }
 
   static std::vector<DiffLine> DiffLines(const std::string& bytes) {
@@ -415,9 +707,9 @@ class Run {
     return out;
   }
 
-  // A companion that changed: a text file (a page's HTML) as a unified diff, a binary one (a
-  // NUL among its first bytes, as diff decides) in diff's words.
-  void ShowCompanion(const FileChange& change) {
+  // A file that changed besides a component's own: a text file (a page's HTML, the project file)
+  // as a unified diff, a binary one (a NUL among its first bytes, as diff decides) in diff's words.
+  void ShowChange(const FileChange& change) {
     if (change.before == change.after) return;
     const std::string path = ShowPath(change.original);
     const auto binary = [](const std::optional<std::string>& bytes) {
@@ -428,8 +720,9 @@ class Run {
                                        DiffLines(change.after.value_or("")))});
       return;
     }
-    printer_.Diff({path, "Binary files " + (change.before ? "a/" + path : "/dev/null") + " and " +
-                             (change.after ? "b/" + path : "/dev/null") + " differ\n"});
+    printer_.Diff({path, "Binary files " + (change.before ? DiffSide('a', path) : "/dev/null") +
+                             " and " + (change.after ? DiffSide('b', path) : "/dev/null") +
+                             " differ\n"});
   }
 
   const SearchOptions& options_;
@@ -449,6 +742,8 @@ class Run {
   ProgressLine* progress_ = nullptr;
   SearchTotals totals_;
   bool error_ = false;
+  std::string project_;           // the project being searched, as shown
+  bool projectReported_ = false;  // a problem of it has been reported
 };
 
 }  // namespace

@@ -33,8 +33,13 @@ Session::~Session() {
   }
 }
 
-automation::ObjectRef Session::OpenProject(const std::string& projectFile) {
+const platform::ProjectCodePage& Session::UseCodePageOf(const std::string& projectFile) {
   codePage_ = platform::UseProjectCodePage(projectFile);
+  return codePage_;
+}
+
+automation::ObjectRef Session::OpenProject(const std::string& projectFile) {
+  UseCodePageOf(projectFile);
   const Dispatch parameters(automation::CreateObject("qxlib41.ParameterList"));
   parameters.Call("Add", "FileName", projectFile);
   const std::string text = parameters.Get("Text").ToString();

@@ -18,12 +18,15 @@ class Session {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  // The project of that file (IDriver.GetProject with a parameter string naming it). The session
-  // tears it down when it ends, as a host does when it is done with a project.
+  // The project of that file (IDriver.GetProject with a parameter string naming it), after
+  // taking its code page (UseCodePageOf). The session tears it down when it ends, as a host does
+  // when it is done with a project.
   automation::ObjectRef OpenProject(const std::string& projectFile);
 
-  // The code page of the project opened last: given to the run, or detected from its files
-  // before the driver reads them.
+  // The code page for the project's files from now on: given to the run, or detected from its
+  // files; taken before anything of the project is read, its project file included.
+  const platform::ProjectCodePage& UseCodePageOf(const std::string& projectFile);
+  // The code page taken last.
   const platform::ProjectCodePage& CodePage() const { return codePage_; }
 
   // The problems that the driver reported into the log instead of failing a call.

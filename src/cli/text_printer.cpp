@@ -130,6 +130,8 @@ class TextPrinter : public Printer {
     out_.flush();  // a reader that has gone is noticed at once
   }
 
+  void ReplaceFile(const FileMatches&) override {}
+
   void Refused(const cli::Refusal& refusal) override {
     ClearProgress();
     std::string place = refusal.path;
@@ -138,6 +140,17 @@ class TextPrinter : public Printer {
     if (!refusal.procedure.empty()) what += "." + refusal.procedure;
     err_ << "qx: " << ForErr(place) << ": " << ForErr(what) << ": error " << refusal.number << ": "
          << ForErr(refusal.description) << "\n";
+  }
+
+  // "qx: App/App.vbp: line 3: library {...}#1.1 not registered on this machine; searched anyway"
+  void Report(const RunProblem& problem) override {
+    ClearProgress();
+    std::string where;
+    if (!problem.project.empty()) where += problem.project + ": ";
+    if (problem.line != 0) where += "line " + std::to_string(problem.line) + ": ";
+    if (!problem.component.empty()) where += problem.component + ": ";
+    if (problem.number && !problem.note) where += "error " + std::to_string(*problem.number) + ": ";
+    err_ << "qx: " << ForErr(where + problem.message) << "\n";
   }
 
   void Diff(const FileDiff& diff) override {
@@ -165,10 +178,20 @@ class TextPrinter : public Printer {
     ClearProgress();
     if (totals.idesKept > 0 && terminals_.err)
       err_ << KeptNotice(totals.idesKept, totals.keptFor) << "\n";
-    if (!totals.replace || style == SearchStyle::Quiet) return;
     const auto plural = [](size_t n, const char* one, const char* many) {
       return std::to_string(n) + " " + (n == 1 ? one : many);
     };
+    // What was not searched, or is worth knowing, has been said above, each with its place; in a
+    // run over several projects one line counts it, where the matches do not drown it.
+    if (totals.projectsNamed > 1 && (totals.problems != 0 || totals.componentsSkipped != 0)) {
+      err_ << "qx: " << plural(totals.projects, "project", "projects") << " searched, "
+           << totals.projectsWithProblems << " with notes, "
+           << plural(totals.componentsSkipped, "component", "components")
+           << " skipped; the details are above, on standard error\n";
+    }
+    if (!totals.replace || style == SearchStyle::Quiet) return;
+    for (const std::string& reset : totals.resets)
+      out_ << ForOut(reset) << " is reset by this change\n";
     out_ << plural(totals.matches, "replacement", "replacements") << " in "
          << plural(totals.filesChanged, "file", "files");
     if (totals.refused != 0)

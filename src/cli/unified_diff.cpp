@@ -36,6 +36,11 @@ int AddHunk(const git_diff_delta*, const git_diff_hunk* hunk, void* out) {
 
 }  // namespace
 
+std::string DiffSide(char side, const std::string& path) {
+  const size_t start = path.find_first_not_of('/');
+  return std::string(1, side) + "/" + path.substr(start == std::string::npos ? path.size() : start);
+}
+
 std::string UnifiedDiff(const std::string& path, const std::vector<DiffLine>& before,
                         const std::vector<DiffLine>& after) {
   if (before == after) return {};
@@ -55,7 +60,7 @@ std::string UnifiedDiff(const std::string& path, const std::vector<DiffLine>& be
                       std::string("diff of ") + path + ": " + (error ? error->message : "failed"));
   }
   if (hunks.empty()) return {};
-  return "--- a/" + path + "\n+++ b/" + path + "\n" + hunks;
+  return "--- " + DiffSide('a', path) + "\n+++ " + DiffSide('b', path) + "\n" + hunks;
 }
 
 }  // namespace cli

@@ -16,6 +16,11 @@ struct DiffLine {
   bool operator==(const DiffLine&) const = default;
 };
 
+// How a diff names a file on its "a/" and "b/" sides: the path as shown, without the leading "/"
+// of an absolute one ("a/tmp/x.bas", as git prints a file outside the work tree), so that
+// patch -p1 finds it from the root folder.
+std::string DiffSide(char side, const std::string& path);
+
 // Empty when the two are equal.
 std::string UnifiedDiff(const std::string& path, const std::vector<DiffLine>& before,
                         const std::vector<DiffLine>& after);

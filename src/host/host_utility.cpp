@@ -17,6 +17,7 @@
 #include "automation/process.h"
 #include "host/launch.h"
 #include "host/object_table.h"
+#include "host/run_view.h"
 #include "platform/files.h"
 #include "platform/home.h"
 #include "platform/paths.h"
@@ -101,7 +102,7 @@ const automation::ClassInfo& HostUtility::Class() const {
 }
 
 bool HostUtility::FileExists(const std::string& path) {
-  return !path.empty() && platform::FileExists(path);
+  return !path.empty() && (platform::FileExists(path) || RunView::Current().HasFile(path));
 }
 
 automation::ObjectRef HostUtility::LaunchAndConnect(const std::string& commandLine,

@@ -26,7 +26,8 @@ class HostUtility : public automation::Object {
 
   const automation::ClassInfo& Class() const override;
 
-  // True exactly when a file (not a folder) exists at the path; false for an empty path.
+  // True exactly when a file (not a folder) exists at the path, or the run's view takes it as
+  // there (run_view.h); false for an empty path.
   bool FileExists(const std::string& path);
   // Starts the Windows command line detached (see launch.h) and waits, serving calls into this
   // process, until an object is registered under the name (returned, as a proxy), the started

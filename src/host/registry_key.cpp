@@ -1,6 +1,7 @@
 #include "host/registry_key.h"
 
 #include "automation/error.h"
+#include "host/run_view.h"
 #include "platform/registry.h"
 
 namespace host {
@@ -44,7 +45,8 @@ std::string RegistryKey::ReadValue(const std::string& name, const std::string& d
 }
 
 bool RegistryKey::Exists() {
-  return !path_.empty() && platform::Registry::Instance().KeyExists(path_);
+  return !path_.empty() &&
+         (platform::Registry::Instance().KeyExists(path_) || RunView::Current().HasKey(path_));
 }
 
 }  // namespace host

@@ -25,7 +25,7 @@ class RegistryKey : public automation::Object {
   // The text of the named value (the empty name is the key's default value), or the default
   // when the key or the value is absent.
   std::string ReadValue(const std::string& name, const std::string& defaultValue);
-  // Whether the key exists; needs no Open.
+  // Whether the key exists, or the run's view takes it as present (run_view.h); needs no Open.
   bool Exists();
 
   bool IsOpen() const { return open_; }

@@ -50,10 +50,10 @@ TEST_F(QxProgram, UsageErrorsExitTwoWithTheirMessageAndHelpExitsZero) {
            {{"rename", vbp, "frmMain.Option1"}, "qx: NEWNAME is required" + retry},
            // A name that cannot be a control's is refused before any IDE starts.
            {{"rename", vbp, "frmMain.Option1", "1st"},
-            "qx: error -32767: " + vbp +
-                ": frmMain.Option1 -> 1st: Invalid control name syntax.\n"},
+            "qx: " + vbp +
+                ": error -32767: frmMain.Option1 -> 1st: Invalid control name syntax.\n"},
            {{"rename", vbp, "Option1", "Choice"},
-            "qx: error 5: " + vbp + ": \"Option1\": name the control as COMPONENT.OLDNAME\n"},
+            "qx: " + vbp + ": error 5: \"Option1\": name the control as COMPONENT.OLDNAME\n"},
            {{"list", "--bogus", vbp},
             "qx: The following argument was not expected: --bogus" + retry},
            {{"list"}, "qx: PROJECT is required" + retry},

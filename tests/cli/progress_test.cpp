@@ -80,7 +80,7 @@ TEST(ProgressLine, OnATerminalAfterASecondThenClearedBeforeResultsAndAtTheEnd) {
 TEST(ProgressLine, NeverWhenStandardErrorIsNoTerminalNorInJson) {
   std::ostringstream out, err;
   const auto notTerminal = cli::MakeTextPrinter(out, err, {true, false, false});
-  const auto json = cli::MakeJsonPrinter(out, {true, true, false}, &err);
+  const auto json = cli::MakeJsonPrinter(out, {true, true, false});
   for (cli::Printer* printer : {notTerminal.get(), json.get()}) {
     StoppedClock clock;
     ProgressLine progress(*printer, 1, clock.Now());

@@ -11,10 +11,12 @@
 #include "automation/error.h"
 #include "cli/printer.h"
 #include "cli/project_files.h"
+#include "cli/project_survey.h"
 #include "cli/scan_results.h"
 #include "cli/scratch_copy.h"
 #include "cli/search_options.h"
 #include "cli/unified_diff.h"
+#include "host/run_view.h"
 #include "support/driver_env.h"
 #include "support/errors.h"
 
@@ -127,6 +129,57 @@ TEST(SearchPaths, AScratchCopyIsPrivateFreshAndHoldsNoLinks) {
   EXPECT_FALSE(fs::exists(first));
   const std::vector<cli::ComponentFile> absolute = {{"Modules", "M", root / "Module1.bas", true}};
   EXPECT_EQ(qxtest::ErrorOf([&] { cli::ScratchCopy(root / "P.vbp", absolute); }), 5);
+}
+
+// Before a project is opened, the driver's own check is run with the run's view: each library
+// it stops at is a note, each missing component file an error, both with their line, and the view
+// answers for exactly those; a line nothing can stand in for leaves the project unopened.
+TEST(SearchPaths, TheSurveyNotesLibrariesAndMissingFilesAndTheViewAnswersForThem) {
+  DriverEnv env;
+  const fs::path estate = env.CopyFixture("estate");
+  const host::RunView::Scope scope;
+
+  const cli::ProjectSurvey orders = cli::SurveyProject(estate / "Orders" / "Orders.vbp");
+  EXPECT_TRUE(orders.opens);
+  ASSERT_EQ(orders.problems.size(), 2u);
+  EXPECT_TRUE(orders.problems[0].note);
+  EXPECT_EQ(orders.problems[0].line, 3u);
+  EXPECT_EQ(orders.problems[0].message,
+            "library {6C3A0C1E-4B2D-4E8A-9A51-2F7D3B1C0E91}#1.1 (Vendor Library) not registered "
+            "on this machine; searched anyway");
+  EXPECT_EQ(orders.problems[1].line, 4u);
+  EXPECT_NE(orders.problems[1].message.find("#2.0 (VENDOR.OCX)"), std::string::npos);
+  EXPECT_TRUE(host::RunView::Current().HasKey(
+      "HKEY_CLASSES_ROOT\\TypeLib\\{8B1E4F2A-3C5D-4A6B-9E7F-1A2B3C4D5E6F}"));
+
+  const cli::ProjectSurvey gaps = cli::SurveyProject(estate / "Gaps" / "Gaps.vbp");
+  EXPECT_FALSE(host::RunView::Current().HasKey(
+      "HKEY_CLASSES_ROOT\\TypeLib\\{8B1E4F2A-3C5D-4A6B-9E7F-1A2B3C4D5E6F}"))
+      << "each project has its own view";
+  ASSERT_EQ(gaps.problems.size(), 1u);
+  EXPECT_FALSE(gaps.problems[0].note);
+  EXPECT_EQ(gaps.problems[0].line, 4u);
+  EXPECT_EQ(gaps.problems[0].component, "modShared");
+  EXPECT_EQ(*gaps.problems[0].number, 53);
+  EXPECT_EQ(gaps.missing.size(), 1u);
+  EXPECT_EQ(gaps.files.size(), 3u);
+  EXPECT_TRUE(host::RunView::Current().HasFile((estate / "Shared" / "modShared.bas").string()));
+  EXPECT_FALSE(fs::exists(estate / "Shared"));
+
+  const cli::ProjectSurvey linked = cli::SurveyProject(estate / "Linked" / "Linked.vbp");
+  EXPECT_FALSE(linked.opens);
+  ASSERT_EQ(linked.problems.size(), 1u);
+  EXPECT_EQ(linked.problems[0].line, 2u);
+  EXPECT_NE(linked.problems[0].message.find("Reference=*\\A..\\Orders\\Orders.vbp"),
+            std::string::npos)
+      << linked.problems[0].message;
+
+  // A library line that the check cannot take apart is no library the view can stand in for.
+  EXPECT_EQ(cli::LibraryKey("*\\G{00020430-0000-0000-C000-000000000046}#2.0#0#x.tlb#OLE"),
+            "HKEY_CLASSES_ROOT\\TypeLib\\{00020430-0000-0000-C000-000000000046}");
+  EXPECT_EQ(cli::LibraryKey("*\\G{00020430-0000-0000-C000-000000000046}#2.0"), std::nullopt);
+  EXPECT_EQ(cli::CheckedLineOf("One ... missing.\r\nLine 12: Form=a.frm")->number, 12u);
+  EXPECT_FALSE(cli::CheckedLineOf("File not found: x"));
 }
 
 TEST(SearchOptions, BadKindsScopesPatternsAndReplacementsStopTheRun) {
@@ -360,15 +413,16 @@ TEST(SearchOutput, TextInRipgrepsShapes) {
 }
 
 TEST(SearchOutput, JsonIsRipgrepsMessagesWithThePlaceAdded) {
-  std::ostringstream out, err;
-  auto printer = cli::MakeJsonPrinter(out, {}, &err);
+  std::ostringstream out;
+  auto printer = cli::MakeJsonPrinter(out, {});
   printer->SearchFile(Sample(), cli::SearchStyle::Grouped);
-  printer->Error(automation::Error(53, "qx", "File not found: x"));
+  printer->Report({false, "p/P.vbp", "Module2", 4, 53, "File not found: p/Module2.bas"});
   std::istringstream lines(out.str());
-  std::string begin, match, end;
+  std::string begin, match, end, problem;
   std::getline(lines, begin);
   std::getline(lines, match);
   std::getline(lines, end);
+  std::getline(lines, problem);
   EXPECT_EQ(begin, R"({"type":"begin","data":{"path":{"text":"p/Module1.bas"}}})");
   EXPECT_EQ(match,
             R"({"type":"match","data":{"path":{"text":"p/Module1.bas"},)"
@@ -383,7 +437,10 @@ TEST(SearchOutput, JsonIsRipgrepsMessagesWithThePlaceAdded) {
   EXPECT_NE(end.find(R"("searches":1,"searches_with_match":1,"bytes_searched":100,)"),
             std::string::npos);
   EXPECT_NE(end.find(R"("matched_lines":1,"matches":2})"), std::string::npos);
-  EXPECT_EQ(err.str(), "qx: error 53: File not found: x\n");
+  // Errors and notes are records with their place, among the others on standard output.
+  EXPECT_EQ(problem,
+            R"({"type":"error","project":"p/P.vbp","component":"Module2","line":4,"number":53,)"
+            R"("message":"File not found: p/Module2.bas"})");
 
   // The code page the file was read in is our own field of "begin", beside ripgrep's path.
   cli::FileMatches file = Sample();

@@ -245,14 +245,49 @@ TEST_F(ScannerTest, ReplacingWithoutWritingShowsTheNewTextAndChangesNothing) {
             "Public Sub AddItem()\r\n  countTotal = countTotal + 1\r\nEnd Sub");
   EXPECT_EQ(preview["places"][1]["written"], false);
 
+  // Asked to write a component that cannot be written (its file is read-only), each change is
+  // the error of its place: never skipped without a word.
   const json result =
       Scan({{"patterns", {"mTotal"}}, {"replacement", "x"}, {"write", true}}, false);
   EXPECT_EQ(result["updatable"], false);
   EXPECT_EQ(result["places"][1]["replacement"], "Public Sub AddItem()\r\n  x = x + 1\r\nEnd Sub");
   EXPECT_EQ(result["places"][1]["written"], false);
-  EXPECT_EQ(result["places"][1]["error"], nullptr);
+  EXPECT_EQ(result["places"][1]["error"]["number"], automation::err::kPathFileAccess);
   EXPECT_TRUE(module->modeCalls.empty());
   EXPECT_EQ(module->Procedure(1).writes, 0);
+}
+
+// A place's id names it in every scan; a request that names ids writes those places only, and
+// still shows every match.
+TEST_F(ScannerTest, OnlyTheNamedPlacesAreWritten) {
+  const json all = Scan({{"patterns", {"mTotal"}}, {"replacement", "x"}});
+  ASSERT_EQ(all["places"].size(), 3U);
+  EXPECT_EQ(all["places"][2]["id"], "Stock/procedure/Total.Get");
+  const json result = Scan({{"patterns", {"mTotal"}},
+                            {"replacement", "x"},
+                            {"write", true},
+                            {"only", {all["places"][2]["id"]}}});
+  EXPECT_EQ(result["places"].size(), 3U);
+  for (size_t i = 0; i < 3; ++i)
+    EXPECT_EQ(result["places"][i]["written"], i == 2) << i;
+  EXPECT_EQ(module->Procedure(1).writes, 0);
+  EXPECT_EQ(module->Procedure(2).writes, 1);
+}
+
+// A pattern that needs more backtracking than PCRE2 allows on one place's text is that place's
+// error, with the matches found before; the other places are searched and written as usual.
+TEST_F(ScannerTest, APatternTooCostlyForOnePlaceIsThatPlacesError) {
+  module->Add("Noise", "Sub Noise()\r\n  s = \"" + std::string(60, 'a') + "!\"\r\nEnd Sub");
+  const json result =
+      Scan({{"patterns", {"(a|aa)+$|mTotal"}}, {"replacement", "n"}, {"write", true}});
+  ASSERT_EQ(result["places"].size(), 4U);
+  const json& noise = result["places"][3];
+  EXPECT_EQ(noise["name"], "Noise");
+  EXPECT_EQ(noise["error"]["description"],
+            "the pattern needs more backtracking than allowed; simplify it");
+  EXPECT_EQ(noise["written"], false);
+  EXPECT_EQ(result["places"][1]["written"], true);
+  EXPECT_EQ(module->Procedure(4).writes, 0);
 }
 
 TEST_F(ScannerTest, WritesOnlyTheChangedPlacesAfterOneSwitchToWriting) {

@@ -236,7 +236,7 @@ TEST_F(IdeProcesses, AStoppedIdeIsMarkedSkippedWith462AndEndedBySignals) {
   start = std::chrono::steady_clock::now();
   const auto search = Qx({"search", "-l", "oldValue", work().string()});
   EXPECT_EQ(search.status, 2) << search.err;
-  EXPECT_NE(search.err.find("qx: error 462: "), std::string::npos) << search.err;
+  EXPECT_NE(search.err.find("Inventory.vbp: error 462: "), std::string::npos) << search.err;
   EXPECT_NE(search.out.find("Other/CStockItem.cls"), std::string::npos) << search.out;
   EXPECT_EQ(search.out.find("Inventory/CStockItem.cls"), std::string::npos) << search.out;
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));

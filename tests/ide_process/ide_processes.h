@@ -17,6 +17,8 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -36,6 +38,15 @@ struct RunResult {
 inline std::string ReadAll(const std::filesystem::path& path) {
   std::ifstream in(path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+// The records of qx's JSON lines.
+inline std::vector<nlohmann::json> JsonLines(const std::string& text) {
+  std::vector<nlohmann::json> records;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);)
+    records.push_back(nlohmann::json::parse(line));
+  return records;
 }
 
 // Gone: no such process, or one that ended and waits to be reaped.

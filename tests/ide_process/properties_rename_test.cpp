@@ -154,7 +154,9 @@ TEST_F(ScanFixture, RefusedNamesAreReportedWithTheirMessageAndTheRestIsWritten) 
               std::string::npos)
         << run.err;
   }
-  EXPECT_NE(run.out.find("4 replacements in 1 file, 2 places refused; written"), std::string::npos)
+  EXPECT_NE(run.out.find("frmScan.lstItems: ItemData (3 values) is reset by this change\n"
+                         "4 replacements in 1 file, 2 places refused; written\n"),
+            std::string::npos)
       << run.out;
   EXPECT_EQ(
       File("frmScan.frm"),
@@ -164,6 +166,14 @@ TEST_F(ScanFixture, RefusedNamesAreReportedWithTheirMessageAndTheRestIsWritten) 
   EXPECT_EQ(File("frmScan.frx"),
             Replaced(frx_.substr(kItemDataBytes), std::string("\x05\x00Pears", 7),
                      std::string("\x00\x00", 2)));
+
+  // The preview says it too, and JSON carries it in the match.
+  Fresh();
+  const auto json = Qx({"replace", "--json", "--in", "properties", "Pears", "Plums", vbp_});
+  EXPECT_EQ(json.status, 0) << json.out;
+  EXPECT_NE(json.out.find("\"property\":\"List\",\"resets\":\"ItemData (3 values)\""),
+            std::string::npos)
+      << json.out;
 
   // A name that is no VB name: the IDE's refusal.
   const auto invalid = Qx({"replace", "--write", "--in", "names", "lstItems", "1st", vbp_});
@@ -198,19 +208,20 @@ TEST_F(ScanFixture, RenameRenamesAControlArrayWithItsEventProceduresAndPreviewIs
   // Refused, changing nothing: a name taken by another control, no such control, a name that
   // is no control name; and the name it has already is nothing to rename.
   const std::string before = File("frmScan.frm");
-  const std::string place = vbp_ + ": frmScan.";
+  const std::string place = "qx: " + vbp_ + ": line 2: frmScan: ";
   const struct {
     std::string control, name;
     int status;
     std::string err;
   } refusals[] = {
       {"frmScan.optChoice", "LSTITEMS", 2,
-       "qx: error 5: " + place +
-           "optChoice -> LSTITEMS: frmScan already has a control named lstItems\n"},
+       place + "error 5: frmScan.optChoice -> LSTITEMS: frmScan already has a control named "
+               "lstItems\n"},
       {"frmScan.optSize", "optOther", 2,
-       "qx: error 5: " + place + "optSize -> optOther: frmScan has no control named optSize\n"},
+       place + "error 5: frmScan.optSize -> optOther: frmScan has no control named optSize\n"},
       {"frmScan.optChoice", "opt-Choice", 2,
-       "qx: error -32767: " + place + "optChoice -> opt-Choice: Invalid control name syntax.\n"},
+       "qx: " + vbp_ +
+           ": error -32767: frmScan.optChoice -> opt-Choice: Invalid control name syntax.\n"},
       {"frmScan.optChoice", "optChoice", 1,
        "qx: frmScan.optChoice is named optChoice already: nothing to rename\n"},
   };
@@ -238,7 +249,7 @@ TEST_F(ScanFixture, APreviewShowsTheCompanionsItChangesAndWriteChangesThemAlike)
                                          "stock of", "much too", vbp_};
   const auto shown = Qx(replace);
   ASSERT_EQ(shown.status, 0) << shown.err;
-  const std::string frx = (folder_ / "FRMSCAN.FRX").string();
+  const std::string frx = (folder_ / "FRMSCAN.FRX").relative_path().string();
   EXPECT_NE(shown.out.find("Binary files a/" + frx + " and b/" + frx + " differ\n"),
             std::string::npos)
       << shown.out;

@@ -3,6 +3,7 @@
 // behind by a run that started it.
 
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <string>
 
@@ -121,6 +122,94 @@ TEST_F(IdeProcesses, ReplaceWritesExactlyWhatItsPreviewShowed) {
 
   const auto again = Qx(InCode("replace", {"--write", "old(Value)", "previous$1", vbp_}));
   EXPECT_EQ(again.status, 1) << "nothing left to replace";
+}
+
+// The project's code page is taken before anything of it is read, in every project of a folder
+// run: the preview then finds the very files the write changes, in every code page and in a folder
+// that mixes them (the last project's code page is not the next one's).
+TEST_F(IdeProcesses, PreviewAndWriteShowTheSameFilesInEveryCodePage) {
+  fs::copy(fs::path(QX_FIXTURES) / "codepage", work() / "cp", fs::copy_options::recursive);
+  const auto diff = [](const std::string& out) {
+    return out.substr(0, out.rfind('\n', out.size() - 2) + 1);
+  };
+  const auto summary = [](const std::string& out) {
+    const std::string last = out.substr(out.rfind('\n', out.size() - 2) + 1);
+    return last.substr(0, last.find(';'));
+  };
+  for (const std::string path : {"cp/gbk", "cp/sjis", "cp/cyrillic", "cp/german", "cp"}) {
+    SCOPED_TRACE(path);
+    const auto before = Snapshot(work() / "cp");
+    const std::vector<std::string> args{"-F", "Option Explicit", "Option  Explicit", path};
+    std::vector<std::string> shown{"replace"}, written{"replace", "--write"};
+    shown.insert(shown.end(), args.begin(), args.end());
+    written.insert(written.end(), args.begin(), args.end());
+    const auto preview = Qx(shown, work().string());
+    ASSERT_EQ(preview.status, 0) << preview.err;
+    EXPECT_EQ(preview.err, "");
+    EXPECT_EQ(Snapshot(work() / "cp"), before);
+    const auto write = Qx(written, work().string());
+    ASSERT_EQ(write.status, 0) << write.err;
+    EXPECT_EQ(diff(write.out), diff(preview.out));
+    EXPECT_EQ(summary(write.out), summary(preview.out));
+    // Every file the write changed is one the preview showed.
+    for (const auto& [file, bytes] : Snapshot(work() / "cp")) {
+      if (bytes == before.at(file) || file.ends_with(".vbw")) continue;
+      EXPECT_NE(preview.out.find("+++ b/cp/" + file + "\n"), std::string::npos) << file;
+    }
+    // Back to the fixtures for the next path.
+    fs::remove_all(work() / "cp");
+    fs::copy(fs::path(QX_FIXTURES) / "codepage", work() / "cp", fs::copy_options::recursive);
+  }
+}
+
+// Renaming a module renames its entry in the project file: the preview shows that change too, and
+// the write makes exactly it.
+TEST_F(IdeProcesses, ARenamedModulesProjectFileLineIsInThePreview) {
+  const fs::path folder = work() / "Inventory";
+  const auto preview = Qx({"replace", "--in", "names", "^modGlobals$", "modShared", vbp_});
+  ASSERT_EQ(preview.status, 0) << preview.err;
+  EXPECT_NE(preview.out.find("-Module=modGlobals; modGlobals.bas\r\n+Module=modShared; "
+                             "modGlobals.bas\r\n"),
+            std::string::npos)
+      << preview.out;
+  EXPECT_NE(preview.out.find("2 files"), std::string::npos) << preview.out;
+  const std::string vbp = ReadAll(folder / "Inventory.vbp");
+  const auto write = Qx({"replace", "--write", "--in", "names", "^modGlobals$", "modShared", vbp_});
+  ASSERT_EQ(write.status, 0) << write.err;
+  EXPECT_EQ(ReadAll(folder / "Inventory.vbp"), vbp.substr(0, vbp.find("Module=modGlobals")) +
+                                                   "Module=modShared" +
+                                                   vbp.substr(vbp.find("Module=modGlobals") + 17));
+}
+
+// Nothing is skipped without a word: a read-only component asked to change is an error naming
+// it, in the preview and the write alike; a file the IDE cannot read (a database table saved as
+// .frm) is an error of its own, also as the first component, and the rest is searched.
+TEST_F(IdeProcesses, ReadOnlyAndUnreadableComponentsAreErrorsNamingThem) {
+  const fs::path folder = work() / "Inventory";
+  const fs::path module = folder / "modGlobals.bas";
+  fs::permissions(module, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+                  fs::perm_options::remove);
+  const std::string before = ReadAll(module);
+  for (const bool write : {false, true}) {
+    std::vector<std::string> args{"replace", "--kind", "Modules", "MAX_QUANTITY", "MAX_QTY", vbp_};
+    if (write) args.insert(args.begin() + 1, "--write");
+    const auto run = Qx(args);
+    EXPECT_EQ(run.status, 2) << run.out;
+    EXPECT_NE(run.err.find("modGlobals.bas:"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("error 75: The component's file is read-only"), std::string::npos)
+        << run.err;
+    EXPECT_EQ(ReadAll(module), before);
+  }
+
+  const fs::path table = folder / "Table.frm";
+  std::ofstream(table, std::ios::binary) << std::string("\xFE\x01\x00\x00Customers\x00", 14);
+  std::string vbp = ReadAll(folder / "Inventory.vbp");
+  vbp.insert(vbp.find("Form=mdiMain.frm"), "Form=Table.frm\r\n");
+  std::ofstream(folder / "Inventory.vbp", std::ios::binary) << vbp;
+  const auto run = Qx({"search", "-c", "MAX_QUANTITY", vbp_});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_NE(run.err.find("Table.frm not searched"), std::string::npos) << run.err;
+  EXPECT_NE(run.out.find("modGlobals.bas:"), std::string::npos) << run.out;
 }
 
 }  // namespace

@@ -23,15 +23,8 @@ namespace {
 namespace fs = std::filesystem;
 using qxtest::ChildProcesses;
 using qxtest::IdeProcesses;
+using qxtest::JsonLines;
 using qxtest::ReadAll;
-
-std::vector<nlohmann::json> JsonLines(const std::string& text) {
-  std::vector<nlohmann::json> records;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);)
-    records.push_back(nlohmann::json::parse(line));
-  return records;
-}
 
 // What the IDE processes left in the run folder of the qx home.
 std::vector<std::string> RunFolder(const fs::path& home) {

@@ -201,10 +201,12 @@ bool Matcher::Attempt(std::string_view text, std::size_t length, std::size_t fro
           ? pcre2_jit_match(code_.get(), subject, length, from, flags, data_.get(), context_.get())
           : pcre2_match(code_.get(), subject, length, from, flags, data_.get(), context_.get());
   if (rc == PCRE2_ERROR_NOMATCH) return false;
-  if (rc < 0) {
-    // The pattern is valid but too costly for this text (a match or stack limit).
-    automation::Raise(kInvalidPattern, "matching failed: " + ErrorText(rc));
+  if (rc == PCRE2_ERROR_MATCHLIMIT || rc == PCRE2_ERROR_DEPTHLIMIT || rc == PCRE2_ERROR_HEAPLIMIT ||
+      rc == PCRE2_ERROR_JIT_STACKLIMIT) {
+    // The pattern is valid but too costly for this text.
+    automation::RaiseMessage(kInvalidPattern, std::string(kTooMuchBacktracking));
   }
+  if (rc < 0) automation::Raise(kInvalidPattern, "matching failed: " + ErrorText(rc));
   const PCRE2_SIZE* ovector = pcre2_get_ovector_pointer(data_.get());
   match.start = ovector[0];
   match.end = ovector[1];

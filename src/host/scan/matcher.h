@@ -33,6 +33,10 @@ namespace host::scan {
 // replacement and what is wrong with it, e.g.
 // `Invalid pattern string: "(ab": missing closing parenthesis at offset 3`.
 inline constexpr int32_t kInvalidPattern = 93;
+// What the same number says when a valid pattern meets a text on which it would backtrack beyond
+// PCRE2's limits.
+inline constexpr std::string_view kTooMuchBacktracking =
+    "the pattern needs more backtracking than allowed; simplify it";
 
 enum class CaseMode {
   kSensitive,
@@ -90,7 +94,7 @@ class Matcher {
   int GroupNumber(std::string_view name) const;
 
   // The first match in `text` that starts at or after `from`, or false. A pattern that backtracks
-  // beyond PCRE2's limits on a text raises kInvalidPattern with PCRE2's message.
+  // beyond PCRE2's limits on a text raises kInvalidPattern with kTooMuchBacktracking.
   bool Find(std::string_view text, std::size_t from, Match& match);
   bool IsMatch(std::string_view text) {
     Match m;

@@ -73,6 +73,10 @@ ScanRequest ScanRequest::Parse(std::string_view text) {
     out.replacement = it->get<std::string>();
   }
   out.write = Flag(request, "write");
+  if (auto it = request.find("only"); it != request.end() && !it->is_null()) {
+    const std::vector<std::string> ids = Strings(request, "only");
+    out.only.emplace(ids.begin(), ids.end());
+  }
   if (out.write && !out.replacement) Bad("writing needs a \"replacement\"");
   if (auto it = request.find("scope"); it == request.end() || it->is_null()) return out;
   out.scopes = Strings(request, "scope");
@@ -92,6 +96,10 @@ bool ScanRequest::WantsControl(std::string_view name) const {
   if (!control) return true;
   // An element of a control array is named with its index: Option1(2).
   return automation::SameVbName(name.substr(0, name.find('(')), *control);
+}
+
+bool ScanRequest::Selects(std::string_view id) const {
+  return !only || only->contains(id);
 }
 
 }  // namespace host::scan

@@ -6,6 +6,7 @@
 
 #include "automation/error.h"
 #include "host/host_utility.h"
+#include "host/scan/dropped_data.h"
 #include "host/scan/matcher.h"
 #include "host/scan/places.h"
 #include "host/scan/replacement.h"
@@ -28,9 +29,11 @@ json ErrorJson(const automation::Error& error) {
 // One ScanObject: the walk over the component's places and the result document it fills.
 class Walk {
  public:
-  Walk(const ScanRequest& request, const ObjectRef& component, bool updatable)
+  Walk(const ScanRequest& request, const ObjectRef& component, std::string componentName,
+       bool updatable)
       : request_(request),
         component_(component),
+        componentName_(std::move(componentName)),
         updatable_(updatable),
         matcher_(request.patterns, request.options) {
     if (request.replacement) replacement_.emplace(*request.replacement, matcher_);
@@ -82,6 +85,7 @@ class Walk {
       return;
     }
     json matches = json::array();
+    std::optional<automation::Error> failed;
     try {
       matcher_.ForEachLocated(text, [&](const LocatedMatch& located) {
         const std::size_t start = located.column - 1;
@@ -92,14 +96,14 @@ class Walk {
                                {"text", text.substr(located.match.start, length)}});
       });
     } catch (const automation::Error& error) {
-      // A pattern that exceeds the matcher's limits on this text; the other places may still
-      // be searched.
-      Problem(error, place.name);
-      return;
+      // A pattern that exceeds the matcher's limits on this text: the place is listed with the
+      // matches found before and the error, and never written; the other places are searched.
+      failed = error;
     }
-    if (matches.empty()) return;
+    if (matches.empty() && !failed) return;
 
-    json entry{{"kind", place.kind}, {"name", place.name}};
+    const std::string id = componentName_ + "/" + std::string(place.kind) + "/" + place.name;
+    json entry{{"id", id}, {"kind", place.kind}, {"name", place.name}};
     if (place.kind != "procedure" && place.kind != "name") {
       entry["control"] = place.control.empty() ? json(nullptr) : json(place.control);
       entry["property"] = place.property;
@@ -108,12 +112,18 @@ class Walk {
                       {"matches", std::move(matches)},
                       {"replacement", nullptr},
                       {"written", false},
-                      {"error", nullptr}});
-    if (replacement_) {
+                      {"error", failed ? ErrorJson(*failed) : json(nullptr)}});
+    if (replacement_ && !failed) {
       std::string replaced;
       ReplaceAll(matcher_, text, *replacement_, replaced);
-      if (request_.write && updatable_ && replaced != text) {
-        changes_.push_back(Change{std::move(place), places_.size(), replaced});
+      if (request_.write && replaced != text && request_.Selects(id)) {
+        if (updatable_) {
+          changes_.push_back(Change{std::move(place), places_.size(), replaced});
+        } else {
+          entry["error"] = ErrorJson(automation::Error(
+              automation::err::kPathFileAccess, "Scanner",
+              "The component's file is read-only: it is searched, not replaced."));
+        }
       }
       entry["replacement"] = std::move(replaced);
     }
@@ -143,8 +153,10 @@ class Walk {
     for (const Change& change : changes_) {
       json& entry = places_[change.entry];
       try {
+        const DroppedData dropped;
         change.place.Write(change.text);
         entry["written"] = true;
+        if (std::string resets = dropped.Said(); !resets.empty()) entry["resets"] = resets;
       } catch (const automation::Error& error) {
         entry["error"] = ErrorJson(error);
       }
@@ -153,6 +165,7 @@ class Walk {
 
   const ScanRequest& request_;
   const ObjectRef& component_;
+  const std::string componentName_;
   const bool updatable_;
   Matcher matcher_;
   std::optional<Replacement> replacement_;
@@ -190,7 +203,7 @@ void Scanner::ScanObject(const std::string& projectName, const std::string& coll
               {"collection", collectionName},
               {"component", objectName},
               {"updatable", objectIsUpdatable}};
-  Walk(request, object, objectIsUpdatable).Run(result);
+  Walk(request, object, objectName, objectIsUpdatable).Run(result);
   // Texts from the IDE are UTF-8; should one not be, its bad bytes become U+FFFD rather than
   // losing the whole result.
   bufferCalls.Call("AddResult", result.dump(-1, ' ', false, json::error_handler_t::replace));

@@ -7,7 +7,8 @@
 // place whose text changes. All it found goes to the buffer in one AddResult call:
 //
 //   {"project": "...", "collection": "Modules", "component": "Module1", "updatable": true,
-//    "places": [{"kind": "procedure" | "name", "name": "<declarations>" | "Foo" | "Value.Get",
+//    "places": [{"id": "Module1/procedure/Foo",
+//                "kind": "procedure" | "name", "name": "<declarations>" | "Foo" | "Value.Get",
 //                "text": "the text as read",
 //                "matches": [{"line": 1, "start": 0, "end": 3, "text": "Foo"}],
 //                "replacement": null | "the whole new text",
@@ -16,11 +17,14 @@
 //    "problems": [{"number": 91, "description": "...", "place": "..."}]}
 //
 // Only places with a match are listed, in the order of the component's file; a match's line is
-// 1-based within the place's text, its start and end are byte offsets in that line. A place that
-// cannot be read, or a kind of place that cannot be enumerated, is a problem; a write that fails
-// (the refusal of mode 2, the procedure-list check, any other error) is the error of its place;
-// either way the walk goes on. A refused switch to mode 2 is the error of every place that would
-// have changed, and nothing is written.
+// 1-based within the place's text, its start and end are byte offsets in that line. A place's id
+// (component, kind and name) is the same in every scan of the component as long as its names are,
+// so that a request can name the places it writes ("only", scan_request.h). A place that cannot
+// be read, or a kind of place that cannot be enumerated, is a problem; a write that fails (the
+// refusal of mode 2, the procedure-list check, any other error), a change of a component that
+// cannot be written (its file is read-only) and a pattern that needs more backtracking than PCRE2
+// allows on the place's text are the error of the place; either way the walk goes on. A refused
+// switch to mode 2 is the error of every place that would have changed, and nothing is written.
 //
 // ScanObject itself raises only when there is no buffer under the name, the request is not
 // valid, a pattern or the replacement does not compile, or the buffer does not take the result.

@@ -138,15 +138,21 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
 }
 
 ComponentType ComponentFile::Type() const {
-  switch (kind_) {
+  if (kind_ == FileKind::kForm && description_ &&
+      EqualsAsciiNoCase(description_->Root().Type(), "VB.MDIForm")) {
+    return ComponentType::kVBMDIForm;
+  }
+  return TypeOf(kind_);
+}
+
+ComponentType ComponentFile::TypeOf(FileKind kind) {
+  switch (kind) {
     case FileKind::kModule:
       return ComponentType::kStdModule;
     case FileKind::kClass:
       return ComponentType::kClassModule;
     case FileKind::kForm:
-      return description_ && EqualsAsciiNoCase(description_->Root().Type(), "VB.MDIForm")
-                 ? ComponentType::kVBMDIForm
-                 : ComponentType::kVBForm;
+      return ComponentType::kVBForm;
     case FileKind::kUserControl:
       return ComponentType::kUserControl;
     case FileKind::kPropertyPage:

@@ -62,6 +62,9 @@ class ComponentFile {
 
   FileKind Kind() const { return kind_; }
   ComponentType Type() const;
+  // The type a file of that kind has, a form being a plain form (only its file tells an MDI
+  // form).
+  static ComponentType TypeOf(FileKind kind);
   // The name in `Attribute VB_Name = "..."`; empty when the file has none.
   const std::string& Name() const { return name_; }
   // Renames: the VB_Name attribute and, for files with a form description, the root object's

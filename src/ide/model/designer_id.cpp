@@ -45,8 +45,8 @@ bool LooksLikeUserConnection(const ComponentFile& file) {
 
 }  // namespace
 
-std::string DesignerIdOf(const ComponentFile& file) {
-  switch (file.Type()) {
+std::string DesignerIdOf(ComponentType type) {
+  switch (type) {
     case ComponentType::kStdModule:
     case ComponentType::kClassModule:
       return {};
@@ -63,6 +63,11 @@ std::string DesignerIdOf(const ComponentFile& file) {
     case ComponentType::kActiveXDesigner:
       break;
   }
+  return {};
+}
+
+std::string DesignerIdOf(const ComponentFile& file) {
+  if (file.Type() != ComponentType::kActiveXDesigner) return DesignerIdOf(file.Type());
   std::string clsid = file.DesignerClsid();
   for (const KnownDesigner& known : kKnown) {
     if (automation::EqualsAsciiNoCase(clsid, known.clsid)) return std::string(known.progId);

@@ -135,19 +135,28 @@ void Component::SetName(std::string_view name) {
 }
 
 ComponentType Component::Type() {
-  switch (Kind()) {
-    case FileKind::kModule:
-      return ComponentType::kStdModule;
-    case FileKind::kClass:
-      return ComponentType::kClassModule;
-    default:
-      return File().Type();  // a form may be an MDI form
+  // A form may be an MDI form, which only its file tells; one whose file cannot be read is what
+  // its project file line says, a form.
+  if (Kind() == FileKind::kForm) {
+    try {
+      return File().Type();
+    } catch (const automation::Error&) {
+      // Listed as a form; the load error comes where the file is needed.
+    }
   }
+  return ComponentFile::TypeOf(Kind());
 }
 
 std::string Component::DesignerID() {
   if (Kind() == FileKind::kModule || Kind() == FileKind::kClass) return {};
-  return DesignerIdOf(File());
+  try {
+    return DesignerIdOf(File());
+  } catch (const automation::Error&) {
+    // Listing the components must not fail for one whose file cannot be read: it is listed by
+    // its type (an ActiveX designer of unknown class), and reports its error where its file is
+    // needed.
+    return DesignerIdOf(Type());
+  }
 }
 
 DesignerPage* Component::Page() {

@@ -60,8 +60,10 @@ class Component {
   // the project file's entry; both are written when saved.
   void SetName(std::string_view name);
 
-  // Type and DesignerID; they read the file where the project file does not tell (forms,
-  // designers) and raise its load error when it cannot be read.
+  // Type and DesignerID; they read the file where the project file does not tell (an MDI form,
+  // a designer's class). A file that cannot be read leaves them with what the project file tells
+  // (a form; an ActiveX designer of no known class, DesignerID ""), so that listing a project's
+  // components never fails for one of them: its load error comes where its file is needed.
   ComponentType Type();
   std::string DesignerID();
 

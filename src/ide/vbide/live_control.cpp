@@ -7,6 +7,7 @@
 #include "automation/casefold.h"
 #include "automation/error.h"
 #include "automation/process.h"
+#include "host/scan/dropped_data.h"
 #include "ide/form/object_properties.h"
 #include "ide/form/property_catalog.h"
 #include "ide/vbide/data_format.h"
@@ -123,6 +124,20 @@ void AddProperty(Builder& builder, const PropertyInfo& property) {
   });
 }
 
+// Clearing a list sets its items' ItemData back to 0: a list whose items carry values says how
+// many it loses, for whoever writes it (the Scanner reports it with the place).
+void NoteDroppedItemData(const form::ObjectProperties& model) {
+  if (model.Class() == nullptr || model.Class()->FindMember("ItemData") == nullptr) return;
+  const int32_t count = model.ListCount("ItemData");
+  int32_t values = 0;
+  for (int32_t i = 0; i < count; ++i) {
+    if (model.ListItem("ItemData", i).ToLong() != 0) ++values;
+  }
+  if (values == 0) return;
+  host::scan::DroppedData::Note("ItemData (" + std::to_string(values) +
+                                (values == 1 ? " value)" : " values)"));
+}
+
 automation::ClassInfo BuildClass(const form::ClassInfo& known) {
   Builder builder{std::string(known.className)};
   bool hasList = false;
@@ -144,6 +159,7 @@ automation::ClassInfo BuildClass(const form::ClassInfo& known) {
   }
   if (ownsItems) {
     builder.Raw("Clear", MemberKind::Method, VarType::Empty, {}, [](LiveControl& self, Args&) {
+      NoteDroppedItemData(self.Control().Model());
       self.Control().Model().ClearList();
       self.Control().NoteChanged();
       return Variant();
