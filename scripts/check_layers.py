@@ -9,8 +9,8 @@ themselves must point down the order. The driver folders never depend on host or
 the host and the IDE only through contracts and dispatch. A test folder may include what its
 test executable links (tests/<folder>/CMakeLists.txt). The main file of qxvb6.exe stands above
 every layer and may include anything: as the IDE process it links the driver's IDE side for the
-add-in. qx (src/cli) reaches the IDE only as another process; with QX_IS_CHECKED on, its files
-may include what its library links and nothing of the IDE.
+add-in. qx (src/cli) reaches the IDE only as another process: its files may include what its
+library links and nothing of the IDE.
 
 Exits 1 and names every include that goes up or sideways.
 """
@@ -23,8 +23,6 @@ ORDER = ["automation", "platform", "host", "ide", "ide/tool", "contracts", "foun
 DRIVER = {"contracts", "foundation", "project", "collections", "components", "controls",
           "special"}
 PLATFORM_SIDE = {"host", "ide", "ide/tool"}
-# Off: qx may include anything, as a program may. On: qx is checked like a layer and refused ide/.
-QX_IS_CHECKED = False
 
 root = pathlib.Path(__file__).resolve().parent.parent
 problems = []
@@ -106,11 +104,11 @@ for path in sorted((root / "src").rglob("*")):
         continue
     parts = path.relative_to(root / "src").parts
     layer = "ide/tool" if parts[:2] == ("ide", "tool") else parts[0]
-    if parts == ("ide", "tool", "main.cpp") or (layer == "cli" and not QX_IS_CHECKED):
-        continue  # a program: it may include anything
+    if parts == ("ide", "tool", "main.cpp"):
+        continue  # the IDE's program: it may include anything
     allowed = closure(deps, [layer])
     if layer == "cli":
-        allowed -= {"ide", "ide/tool"}
+        allowed -= {"ide", "ide/tool"}  # qx reaches the IDE only as another process
     check(path, allowed, f"the layer {layer}")
 
 for cmake in sorted((root / "tests").glob("*/CMakeLists.txt")):

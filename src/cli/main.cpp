@@ -5,9 +5,11 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
 #include <map>
 #include <string_view>
+#include <vector>
 
 #include "automation/apartment.h"
 #include "automation/error.h"
@@ -143,89 +145,173 @@ std::string ManualPage(const std::string& help) {
   return page + ".fi\n";
 }
 
+constexpr const char* kJsonHelp =
+    "Print JSON lines for tools (problems and errors included) instead of text";
+
+// The options of every verb, filled in by parsing.
+struct Options {
+  bool trace = false;
+  bool json = false;
+  int codePage = 0;
+  bool manual = false;
+  cli::ListOptions list;
+  cli::CheckOptions check;
+  cli::IdeOptions ide;
+  cli::SearchOptions search;
+  cli::SearchOptions replace;
+  std::string replacement;
+  cli::RenameOptions rename;
+};
+
+// A verb as the command line declares it, and what running it does once it is the one parsed.
+struct Verb {
+  CLI::App* command = nullptr;
+  std::function<int(cli::Printer&)> run;
+  const cli::ColorChoice* color = nullptr;  // the verb's --color, for the verbs that search
+  bool startsIdes = false;                  // Ctrl-C must end the IDEs it starts, not just qx
+};
+
+void AddGlobalOptions(CLI::App& app, Options& o) {
+  app.add_flag("--trace", o.trace, "Write the driver's call trace to standard error");
+  app.add_option("--codepage", o.codePage,
+                 "ANSI code page of the project's files (default: QX_CODEPAGE, else detected from "
+                 "the files)");
+}
+
+Verb AddList(CLI::App& app, Options& o) {
+  CLI::App* verb = app.add_subcommand("list", "List the components of a project");
+  verb->add_option("PROJECT", o.list.projectFile, "The project file (.vbp)")->required();
+  verb->add_flag("--raw", o.list.raw,
+                 "Print each collection's enumeration string exactly as the driver returns it");
+  verb->add_flag("--json", o.json, kJsonHelp);
+  return {verb, [&o](cli::Printer& printer) { return cli::RunList(o.list, printer); }};
+}
+
+Verb AddCheck(CLI::App& app, Options& o) {
+  CLI::App* verb = app.add_subcommand(
+      "check", "Check that the IDE's settings and every file the project names are in order");
+  verb->add_option("PROJECT", o.check.projectFile, "The project file (.vbp)")->required();
+  verb->add_flag("--json", o.json, kJsonHelp);
+  return {verb, [&o](cli::Printer& printer) { return cli::RunCheck(o.check, printer); }};
+}
+
+// qx ide start, list and stop: one verb with three of its own.
+std::vector<Verb> AddIde(CLI::App& app, Options& o) {
+  CLI::App* ide = app.add_subcommand("ide", "Start, list and stop the IDE processes");
+  ide->require_subcommand(1);
+  CLI::App* start = ide->add_subcommand(
+      "start", "Connect the project to its IDE, starting one when none has it open");
+  start->add_option("PROJECT", o.ide.projectFile, "The project file (.vbp)")->required();
+  start->add_flag("--json", o.json, kJsonHelp);
+  CLI::App* list = ide->add_subcommand(
+      "list", "List the IDE processes: process id, open projects, time since the last call");
+  list->add_flag("--json", o.json, kJsonHelp);
+  CLI::App* stop = ide->add_subcommand("stop", "End the IDE that has the project open, and wait");
+  stop->add_option("PROJECT", o.ide.projectFile, "The project file (.vbp)");
+  stop->add_flag("--all", o.ide.all, "End every IDE process of this qx home");
+  stop->add_flag("--json", o.json, kJsonHelp);
+  stop->callback([&o] {
+    if (o.ide.all == o.ide.projectFile.empty()) return;
+    throw CLI::ValidationError("stop takes a project file or --all, not both and not neither");
+  });
+  return {{start, [&o](cli::Printer& printer) { return cli::RunIdeStart(o.ide, printer); }},
+          {list, [](cli::Printer& printer) { return cli::RunIdeList(printer); }},
+          {stop, [&o](cli::Printer& printer) { return cli::RunIdeStop(o.ide, printer); }}};
+}
+
+Verb AddSearch(CLI::App& app, Options& o) {
+  CLI::App* verb = app.add_subcommand(
+      "search", "Search the code and names of projects, groups (.vbg) or folders of projects");
+  AddSearchOptions(*verb, o.search, o.json, kJsonHelp);
+  return {verb, [&o](cli::Printer& printer) { return cli::RunSearch(o.search, printer); },
+          &o.search.color, true};
+}
+
+Verb AddReplace(CLI::App& app, Options& o) {
+  CLI::App* verb =
+      app.add_subcommand("replace", "Show what replacing would change; with --write, change it");
+  AddSearchOptions(*verb, o.replace, o.json, kJsonHelp, &o.replacement);
+  verb->add_flag("--write", o.replace.write, "Write the replacements into the projects");
+  return {verb,
+          [&o](cli::Printer& printer) {
+            o.replace.replacement = o.replacement;
+            return cli::RunSearch(o.replace, printer);
+          },
+          &o.replace.color, true};
+}
+
+Verb AddRename(CLI::App& app, Options& o) {
+  CLI::App* verb = app.add_subcommand(
+      "rename",
+      "Show what renaming a control (every element of a control array) would change: its name, "
+      "its event procedures and the references to it in its component's code; with --write, "
+      "change it");
+  verb->add_option("PROJECT", o.rename.projectFile, "The project file (.vbp)")->required();
+  verb->add_option("CONTROL", o.rename.control,
+                   "COMPONENT.OLDNAME: the form-like component and the control's name, without "
+                   "an index")
+      ->required();
+  verb->add_option("NEWNAME", o.rename.newName, "The control's new name")->required();
+  verb->add_flag("--write", o.rename.write, "Write the rename into the project");
+  verb->add_flag("--json", o.json, kJsonHelp);
+  verb->add_flag("--no-keep", o.rename.noKeep, kNoKeepHelp);
+  return {verb, [&o](cli::Printer& printer) { return cli::RunRename(o.rename, printer); }, nullptr,
+          true};
+}
+
+// qx help: the help of the program itself and of every verb, not of the verb that was given.
+Verb AddHelp(CLI::App& app, Options& o) {
+  CLI::App* verb = app.add_subcommand("help", "Print the help of qx and of every verb at once");
+  verb->add_flag("--man", o.manual, "As a manual page (roff), as installed for man qx");
+  return {verb, [&app, &o](cli::Printer&) {
+            app.clear();
+            app.name("qx");
+            std::string help;
+            AllHelp(app, "", help);
+            std::cout << (o.manual ? ManualPage(help) : help);
+            return cli::kExitMatch;
+          }};
+}
+
+// Runs the verb that was parsed, printing through a printer made for it.
+int RunVerb(const Verb& verb, const Options& o) {
+  cli::Terminals terminals{::isatty(STDOUT_FILENO) == 1, ::isatty(STDERR_FILENO) == 1};
+  const cli::ColorChoice color = verb.color != nullptr ? *verb.color : cli::ColorChoice::Auto;
+  terminals.color = verb.startsIdes && (color == cli::ColorChoice::Always ||
+                                        (color == cli::ColorChoice::Auto && terminals.out));
+  // With --json, errors, problems and refusals are records among the others, as --help says.
+  const std::unique_ptr<cli::Printer> printer = cli::MakePrinter(
+      o.json ? cli::Format::Json : cli::Format::Text, std::cout, std::cerr, terminals);
+  if (o.trace) ::setenv("QX_TRACE", "1", 1);
+  try {
+    if (o.codePage != 0) {
+      platform::SetCurrentCodePage(o.codePage);
+      // The IDE that the driver starts reads the same files: it is told too.
+      ::setenv("QX_CODEPAGE", std::to_string(o.codePage).c_str(), 1);
+    }
+  } catch (const automation::Error& e) {
+    printer->Error(e);
+    return cli::kExitError;
+  }
+  if (!verb.startsIdes) return verb.run(*printer);
+  // Before the run starts any thread: Ctrl-C then ends the IDEs it started, not just qx.
+  const cli::InterruptionWatch watch;
+  return verb.run(*printer);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   const automation::QuietDisconnections quiet;
   CLI::App app{"qx: search and replace in Visual Basic 6 projects, in code, forms and controls."};
   app.require_subcommand(1);
-  bool trace = false;
-  bool json = false;
-  int codePage = 0;
-  app.add_flag("--trace", trace, "Write the driver's call trace to standard error");
-  app.add_option("--codepage", codePage,
-                 "ANSI code page of the project's files (default: QX_CODEPAGE, else detected from "
-                 "the files)");
-  constexpr const char* kJsonHelp =
-      "Print JSON lines for tools (problems and errors included) instead of text";
-
-  cli::ListOptions list;
-  CLI::App* listCommand = app.add_subcommand("list", "List the components of a project");
-  listCommand->add_option("PROJECT", list.projectFile, "The project file (.vbp)")->required();
-  listCommand->add_flag("--raw", list.raw,
-                        "Print each collection's enumeration string exactly as the driver "
-                        "returns it");
-  listCommand->add_flag("--json", json, kJsonHelp);
-
-  cli::CheckOptions check;
-  CLI::App* checkCommand = app.add_subcommand(
-      "check", "Check that the IDE's settings and every file the project names are in order");
-  checkCommand->add_option("PROJECT", check.projectFile, "The project file (.vbp)")->required();
-  checkCommand->add_flag("--json", json, kJsonHelp);
-
-  cli::IdeOptions ide;
-  CLI::App* ideCommand = app.add_subcommand("ide", "Start, list and stop the IDE processes");
-  ideCommand->require_subcommand(1);
-  CLI::App* ideStart = ideCommand->add_subcommand(
-      "start", "Connect the project to its IDE, starting one when none has it open");
-  ideStart->add_option("PROJECT", ide.projectFile, "The project file (.vbp)")->required();
-  ideStart->add_flag("--json", json, kJsonHelp);
-  CLI::App* ideList = ideCommand->add_subcommand(
-      "list", "List the IDE processes: process id, open projects, time since the last call");
-  ideList->add_flag("--json", json, kJsonHelp);
-  CLI::App* ideStop =
-      ideCommand->add_subcommand("stop", "End the IDE that has the project open, and wait");
-  ideStop->add_option("PROJECT", ide.projectFile, "The project file (.vbp)");
-  ideStop->add_flag("--all", ide.all, "End every IDE process of this qx home");
-  ideStop->add_flag("--json", json, kJsonHelp);
-  ideStop->callback([&] {
-    if (ide.all == ide.projectFile.empty()) return;
-    throw CLI::ValidationError("stop takes a project file or --all, not both and not neither");
-  });
-
-  cli::SearchOptions search;
-  CLI::App* searchCommand = app.add_subcommand(
-      "search", "Search the code and names of projects, groups (.vbg) or folders of projects");
-  AddSearchOptions(*searchCommand, search, json, kJsonHelp);
-
-  cli::SearchOptions replace;
-  std::string replacement;
-  CLI::App* replaceCommand =
-      app.add_subcommand("replace", "Show what replacing would change; with --write, change it");
-  AddSearchOptions(*replaceCommand, replace, json, kJsonHelp, &replacement);
-  replaceCommand->add_flag("--write", replace.write, "Write the replacements into the projects");
-
-  cli::RenameOptions rename;
-  CLI::App* renameCommand = app.add_subcommand(
-      "rename",
-      "Show what renaming a control (every element of a control array) would change: its name, "
-      "its event procedures and the references to it in its component's code; with --write, "
-      "change it");
-  renameCommand->add_option("PROJECT", rename.projectFile, "The project file (.vbp)")->required();
-  renameCommand
-      ->add_option("CONTROL", rename.control,
-                   "COMPONENT.OLDNAME: the form-like component and the control's name, without "
-                   "an index")
-      ->required();
-  renameCommand->add_option("NEWNAME", rename.newName, "The control's new name")->required();
-  renameCommand->add_flag("--write", rename.write, "Write the rename into the project");
-  renameCommand->add_flag("--json", json, kJsonHelp);
-  renameCommand->add_flag("--no-keep", rename.noKeep, kNoKeepHelp);
-
-  bool manual = false;
-  CLI::App* helpCommand =
-      app.add_subcommand("help", "Print the help of qx and of every verb at once");
-  helpCommand->add_flag("--man", manual, "As a manual page (roff), as installed for man qx");
+  Options options;
+  AddGlobalOptions(app, options);
+  std::vector<Verb> verbs = {AddList(app, options), AddCheck(app, options)};
+  for (Verb& verb : AddIde(app, options))
+    verbs.push_back(std::move(verb));
+  for (const auto add : {AddSearch, AddReplace, AddRename, AddHelp})
+    verbs.push_back(add(app, options));
 
   try {
     app.parse(argc, argv);
@@ -236,54 +322,8 @@ int main(int argc, char** argv) {
         std::find(argv + 1, argv + argc, std::string_view("--json")) != argv + argc;
     return UsageError(app, e, ::isatty(STDERR_FILENO) == 1, jsonAsked);
   }
-
-  if (helpCommand->parsed()) {
-    // The help of the program itself, not of the verb that was given.
-    app.clear();
-    app.name("qx");
-    std::string help;
-    AllHelp(app, "", help);
-    std::cout << (manual ? ManualPage(help) : help);
-    return cli::kExitMatch;
-  }
-
-  cli::Terminals terminals{::isatty(STDOUT_FILENO) == 1, ::isatty(STDERR_FILENO) == 1};
-  const bool searching =
-      searchCommand->parsed() || replaceCommand->parsed() || renameCommand->parsed();
-  if (searching) {
-    const cli::ColorChoice color = searchCommand->parsed()    ? search.color
-                                   : replaceCommand->parsed() ? replace.color
-                                                              : cli::ColorChoice::Auto;
-    terminals.color =
-        color == cli::ColorChoice::Always || (color == cli::ColorChoice::Auto && terminals.out);
-  }
-  // With --json, errors, problems and refusals are records among the others, as --help says.
-  const std::unique_ptr<cli::Printer> printer = cli::MakePrinter(
-      json ? cli::Format::Json : cli::Format::Text, std::cout, std::cerr, terminals);
-  if (trace) ::setenv("QX_TRACE", "1", 1);
-  try {
-    if (codePage != 0) {
-      platform::SetCurrentCodePage(codePage);
-      // The IDE that the driver starts reads the same files: it is told too.
-      ::setenv("QX_CODEPAGE", std::to_string(codePage).c_str(), 1);
-    }
-  } catch (const automation::Error& e) {
-    printer->Error(e);
-    return cli::kExitError;
-  }
-  if (listCommand->parsed()) return cli::RunList(list, *printer);
-  if (checkCommand->parsed()) return cli::RunCheck(check, *printer);
-  if (ideStart->parsed()) return cli::RunIdeStart(ide, *printer);
-  if (ideList->parsed()) return cli::RunIdeList(*printer);
-  if (ideStop->parsed()) return cli::RunIdeStop(ide, *printer);
-
-  if (searching) {
-    // Before the run starts any thread: Ctrl-C then ends the IDEs it started, not just qx.
-    const cli::InterruptionWatch watch;
-    if (searchCommand->parsed()) return cli::RunSearch(search, *printer);
-    if (renameCommand->parsed()) return cli::RunRename(rename, *printer);
-    replace.replacement = replacement;
-    return cli::RunSearch(replace, *printer);
+  for (const Verb& verb : verbs) {
+    if (verb.command->parsed()) return RunVerb(verb, options);
   }
   return cli::kExitError;
 }

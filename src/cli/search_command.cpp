@@ -37,13 +37,11 @@
 #include "cli/session.h"
 #include "cli/unified_diff.h"
 #include "cli/warm_ides.h"
-#include "contracts/component_kinds.h"
 #include "contracts/driver_interfaces.h"
 #include "contracts/enumeration.h"
 #include "host/run_view.h"
 #include "platform/files.h"
 #include "platform/paths.h"
-#include "project/dispatcher.h"
 
 namespace cli {
 namespace fs = std::filesystem;
@@ -133,7 +131,6 @@ class Run {
     if (printer_.OutputClosed()) return totals_.matches > 0 ? kExitMatch : kExitNoMatch;
     for (const Problem& problem : session.Problems())
       printer_.Problem(problem);
-    NoticeSkipped();
     totals_.seconds = Since(start_);
     totals_.replace = options_.replacement.has_value();
     totals_.written = options_.write;
@@ -161,15 +158,6 @@ class Run {
     }
   }
 
-  // Without --kind, the kinds whose components the driver cannot open yet are left out, and said
-  // once; named with --kind, each of their components is an error of its own.
-  static bool Openable(const std::string& collection) {
-    for (const auto& kind : contracts::kComponentKinds) {
-      if (kind.collection == collection) return project::CanBuildComponents(kind.factory);
-    }
-    return false;
-  }
-
   static KeepSettings Keep(const SearchOptions& options) {
     KeepSettings settings = KeepSettingsFromEnvironment();
     if (options.noKeep) settings.count = 0;
@@ -179,19 +167,6 @@ class Run {
   bool Asked(const std::string& collection) const {
     return std::find(options_.kinds.begin(), options_.kinds.end(), collection) !=
            options_.kinds.end();
-  }
-
-  void NoticeSkipped() {
-    size_t total = 0;
-    std::string kinds;
-    for (const auto& [collection, count] : skipped_) {
-      total += count;
-      kinds += (kinds.empty() ? "" : ", ") + collection + " (" + std::to_string(count) + ")";
-    }
-    if (total == 0) return;
-    totals_.componentsSkipped += total;
-    printer_.Notice(std::to_string(total) + (total == 1 ? " component" : " components") +
-                    " not searched, of kinds qx cannot open yet: " + kinds);
   }
 
   void Report(const RunProblem& problem) {
@@ -268,19 +243,12 @@ class Run {
         reached = true;
       }
       for (const CollectionEnumeration& collection : EnumerateCollections(project)) {
-        const bool asked = Asked(collection.name);
-        if (!options_.kinds.empty() && !asked) continue;
-        const bool skip = !asked && !Openable(collection.name);
+        if (!options_.kinds.empty() && !Asked(collection.name)) continue;
         for (const contracts::EnumerationEntry& entry :
              contracts::ParseEnumeration(collection.text)) {
           if (Interrupted() != 0 || printer_.OutputClosed()) return;
           if (entry.name.empty() || !ComponentSelected(options_, entry.name)) continue;
           const ComponentFile* file = FileOf(files, collection.name, entry.name);
-          if (skip) {
-            if (file == nullptr || skippedFiles_.insert(FileKey(file->file)).second)
-              ++skipped_[collection.name];
-            continue;
-          }
           // A missing file has been said, with its line; the IDE is not asked for it.
           if (file != nullptr && survey.missing.contains(FileKey(file->file))) continue;
           if (file != nullptr && !done_.insert(FileKey(file->file)).second) continue;
@@ -354,12 +322,9 @@ class Run {
   void Unreached(const ProjectSurvey& survey) {
     for (const ComponentFile& file : survey.files) {
       const std::string key = FileKey(file.file);
-      if (done_.contains(key) || survey.missing.contains(key) || skippedFiles_.contains(key))
+      if (done_.contains(key) || survey.missing.contains(key)) continue;
+      if (!options_.kinds.empty() && (!Asked(file.collection) || file.collection == kDesigners))
         continue;
-      if (!options_.kinds.empty() ? !Asked(file.collection) || file.collection == kDesigners
-                                  : !Openable(file.collection)) {
-        continue;
-      }
       if (!file.name.empty() ? !ComponentSelected(options_, file.name)
                              : !options_.componentGlob.empty()) {
         continue;
@@ -737,8 +702,6 @@ class Run {
   std::optional<RegisteredBuffer> registration_;
   const Clock::time_point start_ = Clock::now();
   std::set<std::string> done_;  // component files already searched in this run
-  std::set<std::string> skippedFiles_;
-  std::map<std::string, size_t> skipped_;  // components left out, by collection
   ProgressLine* progress_ = nullptr;
   SearchTotals totals_;
   bool error_ = false;

@@ -36,13 +36,6 @@ void RegisterComponentClass(std::string className, ComponentFactory factory) {
   Factories()[std::move(className)] = std::move(factory);
 }
 
-bool CanBuildComponents(std::string_view operation) {
-  for (const contracts::ComponentKind& kind : contracts::kComponentKinds) {
-    if (operation == kind.factory) return Factories().contains(kind.component);
-  }
-  return false;
-}
-
 const automation::ClassInfo& Dispatcher::Class() const {
   static const automation::ClassInfo info = [] {
     automation::ClassBuilder<Dispatcher> builder("Dispatcher");

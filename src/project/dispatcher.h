@@ -26,10 +26,6 @@ namespace project {
 using ComponentFactory = std::function<automation::ObjectRef()>;
 void RegisterComponentClass(std::string className, ComponentFactory factory);
 
-// Whether the dispatcher's operation of that name ("GetForm") can build its component objects in
-// this version of the driver, or would refuse every component of its kind.
-bool CanBuildComponents(std::string_view operation);
-
 class Dispatcher : public automation::Object {
  public:
   static constexpr const char* kProgId = "qxvb60.Dispatcher";
