@@ -13,4 +13,10 @@ bool IsVbName(std::string_view name) {
   return true;
 }
 
+bool IsIdentChar(char c) {
+  const auto u = static_cast<unsigned char>(c);
+  return (u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || (u >= '0' && u <= '9') || u == '_' ||
+         u >= 0x80;
+}
+
 }  // namespace automation

@@ -13,6 +13,7 @@
 
 #include "automation/error.h"
 #include "ide/form/companion.h"
+#include "ide/model/component_file.h"
 #include "support/errors.h"
 
 namespace {
@@ -53,14 +54,12 @@ automation::Error ReadError(const std::string& bytes, uint32_t offset, Kind kind
 }
 
 TEST(CompanionFile, NamedAfterTheComponentByItsKind) {
-  EXPECT_EQ(ide::form::CompanionFileName("Forms\\frmMain.FRM", ide::FileKind::kForm),
-            "frmMain.frx");
-  EXPECT_EQ(ide::form::CompanionFileName("ctl/Gauge.ctl", ide::FileKind::kUserControl),
-            "Gauge.ctx");
-  EXPECT_EQ(ide::form::CompanionFileName("Page", ide::FileKind::kPropertyPage), "Page.pgx");
-  EXPECT_EQ(ide::form::CompanionFileName("Doc.dob", ide::FileKind::kUserDocument), "Doc.dox");
-  EXPECT_EQ(ide::form::CompanionFileName("v1.0\\Page.Dsr", ide::FileKind::kDesigner), "Page.dsx");
-  EXPECT_EQ(ide::form::CompanionFileName("Module1.bas", ide::FileKind::kModule), "");
+  EXPECT_EQ(ide::CompanionFileName("Forms\\frmMain.FRM", ide::FileKind::kForm), "frmMain.frx");
+  EXPECT_EQ(ide::CompanionFileName("ctl/Gauge.ctl", ide::FileKind::kUserControl), "Gauge.ctx");
+  EXPECT_EQ(ide::CompanionFileName("Page", ide::FileKind::kPropertyPage), "Page.pgx");
+  EXPECT_EQ(ide::CompanionFileName("Doc.dob", ide::FileKind::kUserDocument), "Doc.dox");
+  EXPECT_EQ(ide::CompanionFileName("v1.0\\Page.Dsr", ide::FileKind::kDesigner), "Page.dsx");
+  EXPECT_EQ(ide::CompanionFileName("Module1.bas", ide::FileKind::kModule), "");
 }
 
 TEST(CompanionRecord, EachKindRoundTripsWithVb6sLayout) {

@@ -7,14 +7,6 @@
 
 namespace ide {
 
-// Letters of other scripts (any byte from 0x80) count as identifier characters: VB6 projects have
-// Chinese and Cyrillic names.
-bool IsIdentChar(char c) {
-  auto u = static_cast<unsigned char>(c);
-  return (u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || (u >= '0' && u <= '9') || u == '_' ||
-         u >= 0x80;
-}
-
 namespace {
 
 using platform::IsBlank;

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "automation/vb_name.h"
+
 namespace ide {
 
 // Procedure kinds as the IDE numbers them.
@@ -63,7 +65,6 @@ Statement ParseStatement(std::string_view text);
 // Joins continued physical lines into one statement text: each line's final "_" becomes a blank.
 void AppendContinued(std::string& out, std::string_view line, bool continues);
 
-// Whether a character can be part of an identifier (letters of every script, digits, "_").
-bool IsIdentChar(char c);
+using automation::IsIdentChar;
 
 }  // namespace ide

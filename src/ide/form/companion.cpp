@@ -34,38 +34,6 @@ std::string HexOffset(std::size_t offset) {
 
 }  // namespace
 
-std::string_view CompanionExtension(FileKind kind) {
-  switch (kind) {
-    case FileKind::kForm:
-      return ".frx";
-    case FileKind::kUserControl:
-      return ".ctx";
-    case FileKind::kPropertyPage:
-      return ".pgx";
-    case FileKind::kUserDocument:
-      return ".dox";
-    case FileKind::kDesigner:
-      return ".dsx";
-    case FileKind::kModule:
-    case FileKind::kClass:
-      break;
-  }
-  return {};
-}
-
-std::string CompanionFileName(std::string_view componentFileName, FileKind kind) {
-  const std::string_view extension = CompanionExtension(kind);
-  if (extension.empty()) return {};
-  const std::size_t slash = componentFileName.find_last_of("\\/");
-  std::string_view name =
-      slash == std::string_view::npos ? componentFileName : componentFileName.substr(slash + 1);
-  const std::size_t dot = name.rfind('.');
-  if (dot != std::string_view::npos) name = name.substr(0, dot);
-  std::string result(name);
-  result += extension;
-  return result;
-}
-
 CompanionFile::CompanionFile(std::string fileName, std::string bytes,
                              std::vector<uint32_t> references)
     : fileName_(std::move(fileName)),

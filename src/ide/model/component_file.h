@@ -120,4 +120,13 @@ class ComponentFile {
   bool headerDirty_ = false;
 };
 
+// The extension of the companion of a component file of this kind: ".frx" for forms, ".ctx",
+// ".pgx", ".dox", ".dsx"; empty for modules and classes, which have none.
+std::string_view CompanionExtension(FileKind kind);
+
+// The companion's bare name, as references write it, for a component file: the component's
+// file name (a folder before it, with either slash, is dropped) with the extension of its kind
+// in place of its own, "Form1.frm" giving "Form1.frx". Empty for modules and classes.
+std::string CompanionFileName(std::string_view componentFileName, FileKind kind);
+
 }  // namespace ide

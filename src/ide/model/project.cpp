@@ -95,7 +95,7 @@ ComponentFile& Component::File() {
     file_ = ComponentFile::Parse(std::move(bytes), Kind(), *project_.codePage_, fileName_);
     ++reads_;
     if (file_->Description() != nullptr) {
-      const std::string bareName = form::CompanionFileName(fileName_, Kind());
+      const std::string bareName = CompanionFileName(fileName_, Kind());
       const std::string path =
           platform::ToNative((fs::path(fileName_).parent_path() / bareName).string()).string();
       companion_ = std::make_unique<form::CompanionStore>(bareName, path, *file_->Description());
@@ -264,7 +264,7 @@ void Component::SaveAs(std::string_view path) {
   // name it: the companion first, then the file, which is never left naming records that are
   // not there.
   form::CompanionStore::Plan plan = companion_->Layout(*description);
-  const std::string bareName = form::CompanionFileName(target, Kind());
+  const std::string bareName = CompanionFileName(target, Kind());
   const std::string companionPath =
       platform::ToNative((fs::path(target).parent_path() / bareName).string()).string();
   std::string companionBytes = plan.write ? plan.bytes : std::string();

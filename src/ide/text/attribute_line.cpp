@@ -1,7 +1,7 @@
 #include "ide/text/attribute_line.h"
 
 #include "automation/casefold.h"
-#include "ide/code/statement.h"
+#include "automation/vb_name.h"
 #include "platform/text.h"
 
 namespace ide {
@@ -27,7 +27,7 @@ std::optional<AttributeLine> ParseAttributeLine(std::string_view line) {
   pos += kKeyword.size();
   skipBlanks();
   const std::size_t start = pos;
-  while (pos < line.size() && (IsIdentChar(line[pos]) || line[pos] == '.'))
+  while (pos < line.size() && (automation::IsIdentChar(line[pos]) || line[pos] == '.'))
     ++pos;
   AttributeLine attribute;
   attribute.name = line.substr(start, pos - start);
