@@ -1,6 +1,6 @@
 #pragma once
 // What the scanner found in a component, as the scan buffer hands it back (one document per
-// component scanned), and where each match lies in the component's file.
+// component scanned). Where each match lies in the component's file is file_matches.h's.
 
 #include <cstddef>
 #include <cstdint>
@@ -51,35 +51,5 @@ struct ComponentScan {
 // The buffer's Results: a JSON array of component documents. Raises 5 naming what is wrong when
 // the document is not one.
 std::vector<ComponentScan> ParseScanResults(std::string_view json);
-
-// One line of a component file, decoded to UTF-8.
-struct FileLine {
-  std::string text;   // without its line end
-  std::string end;    // "\r\n", "\n", "\r" or "" (the last line without one)
-  size_t offset = 0;  // where the line starts in the file's bytes
-};
-
-std::vector<FileLine> SplitFileLines(std::string_view bytes);
-
-// A match's place in the file: the 1-based line (0 when the place's text was not found in the
-// file) and the bytes of the match within that line's UTF-8 text.
-struct FilePlace {
-  size_t line = 0;
-  size_t start = 0;
-  size_t end = 0;
-};
-
-// Finds each place's text among the file's lines and gives every match of the place its line
-// in the file, in the order of the place's matches. Places come in file order; hidden member
-// "Attribute" lines between a procedure's lines are skipped. A name's matches lie in the file's
-// "Attribute VB_Name" line. A property's matches lie in the line that sets it in the object's
-// block of the form description ("Caption = ..."; for a value kept in the binary companion, the
-// line that refers to it); a property left at its default has no line of its own, and its
-// matches are given the object's Begin line.
-std::vector<std::vector<FilePlace>> MapToFile(const std::vector<FileLine>& lines,
-                                              const std::vector<ScanPlace>& places);
-
-// The text split into lines at CR LF, CR or LF.
-std::vector<std::string_view> TextLines(std::string_view text);
 
 }  // namespace cli

@@ -25,6 +25,7 @@
 
 #include "automation/casefold.h"
 #include "cli/commands.h"
+#include "cli/file_matches.h"
 #include "cli/ide_processes.h"
 #include "cli/interruption.h"
 #include "cli/listing.h"
@@ -596,52 +597,23 @@ class Run {
       Report({false, project_, scan.component, scanned.line, problem.number,
               (problem.place.empty() ? "" : problem.place + ": ") + problem.description});
     }
-    const std::vector<FileLine> lines = SplitFileLines(scanned.before);
-    const std::vector<std::vector<FilePlace>> places = MapToFile(lines, scan.places);
-
-    ++totals_.files;
-    totals_.bytes += scanned.before.size();
+    std::vector<size_t> placeLines;
     FileMatches matches;
     matches.path = path;
     matches.bytes = scanned.before.size();
     matches.seconds = scanned.seconds;
     matches.codePage = scanned.codePage;
+    matches.hits = GroupMatches(scan, SplitFileLines(scanned.before), placeLines);
+    ++totals_.files;
+    totals_.bytes += scanned.before.size();
     for (size_t p = 0; p < scan.places.size(); ++p) {
       const ScanPlace& place = scan.places[p];
-      const std::string procedure = place.kind == "name" ? std::string() : place.name;
-      for (size_t m = 0; m < place.matches.size(); ++m) {
-        const FilePlace& at = places[p][m];
-        const ScanMatch& match = place.matches[m];
-        ++matches.matches;
-        SearchHit* hit = matches.hits.empty() ? nullptr : &matches.hits.back();
-        if (hit == nullptr || hit->line != at.line || hit->procedure != procedure ||
-            (at.line == 0 && (m == 0 || match.line != place.matches[m - 1].line))) {
-          SearchHit fresh;
-          fresh.collection = scan.collection;
-          fresh.component = scan.component;
-          fresh.procedure = procedure;
-          fresh.control = place.control;
-          fresh.property = place.property;
-          fresh.line = at.line;
-          fresh.resets = place.resets;
-          if (at.line != 0) {
-            fresh.text = lines[at.line - 1].text;
-            fresh.lineEnd = lines[at.line - 1].end;
-            fresh.offset = lines[at.line - 1].offset;
-          } else if (const auto text = TextLines(place.text); match.line <= text.size()) {
-            fresh.text = place.kind == "name" ? place.text : std::string(text[match.line - 1]);
-          }
-          matches.hits.push_back(std::move(fresh));
-          hit = &matches.hits.back();
-        }
-        hit->submatches.push_back({at.start, at.end, match.text});
-      }
-      if (place.error) {
-        ++totals_.refused;
-        printer_.Refused({path, place.matches.empty() ? 0 : places[p][0].line, scan.collection,
-                          scan.component, procedure, place.error->number,
-                          place.error->description});
-      }
+      matches.matches += place.matches.size();
+      if (!place.error) continue;
+      ++totals_.refused;
+      printer_.Refused({path, placeLines[p], scan.collection, scan.component,
+                        place.kind == "name" ? std::string() : place.name, place.error->number,
+                        place.error->description});
     }
     totals_.matches += matches.matches;
     totals_.matchedLines += matches.hits.size();
@@ -659,35 +631,17 @@ class Run {
     ++totals_.filesChanged;
     if (options_.style == SearchStyle::Quiet) return;
     if (scanned.after != scanned.before) {
-      printer_.Diff({path, UnifiedDiff(path, DiffLines(scanned.before), DiffLines(scanned.after))});
+      printer_.Diff({path, DiffOfBytes(path, scanned.before, scanned.after)});
     }
     for (const FileChange& change : scanned.companions)
       ShowChange(change);
   }
 
-  static std::vector<DiffLine> DiffLines(const std::string& bytes) {
-    std::vector<DiffLine> out;
-    for (FileLine& line : SplitFileLines(bytes))
-      out.push_back({std::move(line.text), std::move(line.end)});
-    return out;
-  }
-
-  // A file that changed besides a component's own: a text file (a page's HTML, the project file)
-  // as a unified diff, a binary one (a NUL among its first bytes, as diff decides) in diff's words.
+  // A file that changed besides a component's own (a page's HTML, the project file, a companion).
   void ShowChange(const FileChange& change) {
     if (change.before == change.after) return;
     const std::string path = ShowPath(change.original);
-    const auto binary = [](const std::optional<std::string>& bytes) {
-      return bytes && std::string_view(*bytes).substr(0, 8000).find('\0') != std::string::npos;
-    };
-    if (!binary(change.before) && !binary(change.after)) {
-      printer_.Diff({path, UnifiedDiff(path, DiffLines(change.before.value_or("")),
-                                       DiffLines(change.after.value_or("")))});
-      return;
-    }
-    printer_.Diff({path, "Binary files " + (change.before ? DiffSide('a', path) : "/dev/null") +
-                             " and " + (change.after ? DiffSide('b', path) : "/dev/null") +
-                             " differ\n"});
+    printer_.Diff({path, DiffOfBytes(path, change.before, change.after)});
   }
 
   const SearchOptions& options_;

@@ -3,6 +3,7 @@
 #include <git2.h>
 
 #include "automation/error.h"
+#include "cli/file_matches.h"
 
 namespace cli {
 namespace {
@@ -34,6 +35,17 @@ int AddHunk(const git_diff_delta*, const git_diff_hunk* hunk, void* out) {
   return 0;
 }
 
+std::vector<DiffLine> DiffLines(const std::string& bytes) {
+  std::vector<DiffLine> out;
+  for (FileLine& line : SplitFileLines(bytes))
+    out.push_back({std::move(line.text), std::move(line.end)});
+  return out;
+}
+
+bool IsBinary(const std::optional<std::string>& bytes) {
+  return bytes && std::string_view(*bytes).substr(0, 8000).find('\0') != std::string::npos;
+}
+
 }  // namespace
 
 std::string DiffSide(char side, const std::string& path) {
@@ -61,6 +73,16 @@ std::string UnifiedDiff(const std::string& path, const std::vector<DiffLine>& be
   }
   if (hunks.empty()) return {};
   return "--- " + DiffSide('a', path) + "\n+++ " + DiffSide('b', path) + "\n" + hunks;
+}
+
+std::string DiffOfBytes(const std::string& path, const std::optional<std::string>& before,
+                        const std::optional<std::string>& after) {
+  if (before == after) return {};
+  if (!IsBinary(before) && !IsBinary(after)) {
+    return UnifiedDiff(path, DiffLines(before.value_or("")), DiffLines(after.value_or("")));
+  }
+  return "Binary files " + (before ? DiffSide('a', path) : "/dev/null") + " and " +
+         (after ? DiffSide('b', path) : "/dev/null") + " differ\n";
 }
 
 }  // namespace cli

@@ -5,6 +5,7 @@
 // end, so a changed line end shows and the diff applies to the file as it is (git apply,
 // patch -p1); a last line without one is followed by "\ No newline at end of file".
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,5 +25,11 @@ std::string DiffSide(char side, const std::string& path);
 // Empty when the two are equal.
 std::string UnifiedDiff(const std::string& path, const std::vector<DiffLine>& before,
                         const std::vector<DiffLine>& after);
+
+// The diff of two versions of a file's bytes (nullopt: the file is not there): a unified diff of
+// its lines, or, when either holds a NUL among its first 8000 bytes (as diff decides), "Binary
+// files a/PATH and b/PATH differ". Empty when the two are equal.
+std::string DiffOfBytes(const std::string& path, const std::optional<std::string>& before,
+                        const std::optional<std::string>& after);
 
 }  // namespace cli
