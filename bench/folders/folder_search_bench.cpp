@@ -26,6 +26,7 @@
 #include <vector>
 
 #include "bench/generator/project_generator.h"
+#include "bench/support/processes.h"
 #include "support/child_processes.h"
 #include "support/temp_home.h"
 
@@ -34,6 +35,7 @@ extern char** environ;
 namespace {
 
 namespace fs = std::filesystem;
+using qxbench::StatusKb;
 
 struct ProcessInfo {
   long parent = 0;
@@ -52,16 +54,6 @@ ProcessInfo Stat(long pid) {
   std::istringstream fields(line.substr(close + 1));
   fields >> info.state >> info.parent;
   return info;
-}
-
-// A field of /proc/PID/status in kB ("VmHWM", "VmRSS"); 0 when gone.
-long StatusKb(long pid, const std::string& field) {
-  std::ifstream in("/proc/" + std::to_string(pid) + "/status");
-  for (std::string line; std::getline(in, line);) {
-    if (line.rfind(field + ":", 0) == 0)
-      return std::strtol(line.c_str() + field.size() + 1, nullptr, 10);
-  }
-  return 0;
 }
 
 std::vector<long> ChildrenOf(long parent) {
@@ -87,15 +79,9 @@ int main(int argc, char** argv) {
   qxtest::TempDir work;
 
   const fs::path folder = work.path() / "projects";
-  qxbench::GeneratorOptions options;
-  options.totalLines = lines;
-  options.proceduresPerComponent = 4;
-  size_t components = 0, totalLines = 0, bytes = 0;
-  for (size_t i = 0; i < projects; ++i) {
-    const auto project = qxbench::GenerateProject(folder / ("p" + std::to_string(i)), options);
-    components += project.components;
-    totalLines += project.lines;
-  }
+  const qxbench::GeneratedProject generated = qxbench::GenerateFolder(folder, projects, lines);
+  const size_t components = generated.components, totalLines = generated.lines;
+  size_t bytes = 0;
   for (const auto& entry : fs::recursive_directory_iterator(folder))
     if (entry.is_regular_file()) bytes += entry.file_size();
   std::printf("folder: %zu projects, %zu components, %zu lines, %.1f MB\n", projects, components,

@@ -311,4 +311,23 @@ inline GeneratedProject GenerateProject(const std::filesystem::path& folder,
   return result;
 }
 
+// A folder of `projects` small projects (p0, p1, ...), each of modules, classes and forms of four
+// procedures up to `linesPerProject` lines, as a source tree of many projects has them; the
+// totals over all of them (`vbp` is the folder).
+inline GeneratedProject GenerateFolder(const std::filesystem::path& folder, std::size_t projects,
+                                       std::size_t linesPerProject) {
+  GeneratorOptions options;
+  options.totalLines = linesPerProject;
+  options.proceduresPerComponent = 4;
+  GeneratedProject total;
+  total.vbp = folder;
+  for (std::size_t i = 0; i < projects; ++i) {
+    const auto project = GenerateProject(folder / ("p" + std::to_string(i)), options);
+    total.components += project.components;
+    total.procedures += project.procedures;
+    total.lines += project.lines;
+  }
+  return total;
+}
+
 }  // namespace qxbench

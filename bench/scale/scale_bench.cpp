@@ -1,141 +1,116 @@
-// qx against ripgrep on generated projects of a million lines and more: the real `qx` and
-// `qxvb6.exe` programs and `rg`, each run as a process, timed from start to exit, over the same
-// component files in the same run.
+// qx against ripgrep and sed on generated projects of a million lines and more: the real `qx`
+// and `qxvb6.exe` programs, `rg` and `sed`, each run as a process and timed from start to exit,
+// over the same files in the same run. Every figure is printed with its target.
 //
-//   qx_bench_scale [--lines 1000000,3000000] [--repeat 5] [--work DIR] [--forms 1]
+//   qx_bench_scale [--lines 1000000,3000000] [--repeat 3] [--work DIR] [--forms 0|1]
+//                  [--replace-all 0|1] [--folder 300]
 //
-// For each size it generates a project of modules and classes (about 600 lines a component, as
-// real projects have); with --forms 1, each module and class is followed by three data-entry
-// forms of 50 controls (captions, texts, tool tips, tags, combo box items in the .frx; the rare
-// word is in 1% of the tool tips too) and 20 procedures, so that 3,000,000 lines hold about
-// 2,000 forms, and every place is searched. Then it measures, each `--repeat` times and reported as
-// the median:
-//   rg        `rg -n --column WORD FOLDER`, the rare word that is in 1% of the procedures
-//   cold      `qx search --no-keep WORD PROJECT` with no IDE running: the run starts one and
-//             ends it
-//   warm      the same search while an IDE started by `qx ide start` holds the project
-//   replace   `qx replace --write WORD2 NEW PROJECT` changing every procedure, cold, on a fresh
-//             copy of the project each time (up to 1,000,000 lines, unless --replace-all 1)
-//   memory    the peak resident size (VmHWM) of the IDE holding the project, after the warm
-//             searches, against the bytes of the component files
-// Every program runs in the project's folder, as a user would run it, and writes its output into
-// a file (not /dev/null, which rg treats as -q). Each IDE
-// the benchmark starts is ended; QX_HOME is a temporary folder of its own.
+// For each size it generates a project as real ones are made (about 600 lines a component): a
+// module, a class and a form by turns, so a third of the components are forms, each a data-entry
+// form of 50 controls with its .frx (captions, texts, tool tips, tags, combo box items) and 20
+// procedures (--forms 0: modules and classes only). Then it measures, each `--repeat` times and
+// reported as the median with every run:
+//   search -c        the common word (in every procedure), the rare word (in 1% of the
+//                    procedures and of the tool tips) and a regular expression with -i:
+//                      rg     `rg -c` with the same pattern and options over the project's folder
+//                      cold   `qx search -c` with no IDE running: the run starts one
+//                      warm   the same while an IDE started by `qx ide start` holds the project
+//                    targets: cold within 10x rg for the common word and the expression, 5x for
+//                    the rare word; warm within 2x
+//   IDE memory       the IDE's peak resident size (VmHWM) after the warm searches, against the
+//                    bytes of the component files and companions: target 3x those + 50 MB
+//   replace --write  `qx replace --write` changing the common word in every procedure, cold, on
+//                    a fresh copy of the project each time (up to 1,000,000 lines unless
+//                    --replace-all 1), against `sed -i` making the same textual change in the
+//                    component files of another fresh copy: target under 3 s and within 10x sed;
+//                    the two copies are compared afterwards, and must hold the same lines
+// and, once, `qx search -c` of the common word over a folder of --folder projects of 300 lines
+// each (0: none), against `rg -c` over the same folder: target within 20x.
+// Before every cold run each IDE is ended (`qx ide stop --all`, not timed), so IDEs that a run
+// leaves running do not make the next one warm. Every program runs in the project's folder, as a
+// user would run it, and writes its output into a file (not /dev/null, which rg treats as -q).
+// QX_HOME is a temporary folder of its own; each IDE the benchmark starts is ended. The machine
+// may be shared: the load average is printed with every size.
 
-#include <sys/resource.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "bench/generator/project_generator.h"
+#include "bench/support/processes.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* kRareWord = "Reconcile";  // in every 100th procedure
+using qxbench::Median;
+using qxbench::Run;
+using qxbench::RunResult;
+
+constexpr const char* kRareWord = "Reconcile";  // in every 100th procedure and tool tip
 constexpr const char* kCommonWord = "running";  // in every procedure
+constexpr const char* kNewWord = "walking";     // what replace writes for it
+// A regular expression for -i: the rare word's places, in any letter case.
+constexpr const char* kExpression = "reconc[a-z]+ (it|field)";
 
-struct RunResult {
-  double seconds = 0;
-  int status = -1;
-  long maxRssKb = 0;  // the program's own peak, from wait4
+struct Settings {
+  std::vector<std::size_t> sizes{1000000, 3000000};
+  int repeat = 3;
+  bool replaceAll = false;
+  bool forms = true;
+  std::size_t folderProjects = 300;
+  fs::path work;
 };
-
-// Runs `argv` in `folder` (when given) with its standard output and error into `output`, and
-// times it.
-RunResult Run(const std::vector<std::string>& argv, const fs::path& output,
-              const fs::path& folder = {}) {
-  std::vector<char*> args;
-  for (const std::string& a : argv)
-    args.push_back(const_cast<char*>(a.c_str()));
-  args.push_back(nullptr);
-  const auto start = std::chrono::steady_clock::now();
-  const pid_t pid = ::fork();
-  if (pid == 0) {
-    std::FILE* out = std::fopen(output.c_str(), "wb");
-    if (out == nullptr) ::_exit(127);
-    if (!folder.empty() && ::chdir(folder.c_str()) != 0) ::_exit(127);
-    ::dup2(::fileno(out), 1);
-    ::dup2(::fileno(out), 2);
-    ::execvp(args[0], args.data());
-    ::_exit(127);
-  }
-  RunResult result;
-  int status = 0;
-  struct rusage usage {};
-  ::wait4(pid, &status, 0, &usage);
-  result.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  result.maxRssKb = usage.ru_maxrss;
-  return result;
-}
-
-double Median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  if (values.empty()) return 0;
-  const std::size_t n = values.size();
-  return n % 2 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2;
-}
-
-std::string LoadAverage() {
-  std::ifstream in("/proc/loadavg");
-  std::string one, five, fifteen;
-  in >> one >> five >> fifteen;
-  return one + " " + five + " " + fifteen;
-}
-
-std::size_t CountLines(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return static_cast<std::size_t>(
-      std::count(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>(), '\n'));
-}
-
-// The process id of the qxvb6.exe that has `vbp` on its command line, or 0.
-long FindIde(const fs::path& vbp) {
-  for (const auto& entry : fs::directory_iterator("/proc")) {
-    const std::string name = entry.path().filename().string();
-    if (name.empty() || !std::isdigit(static_cast<unsigned char>(name[0]))) continue;
-    std::ifstream in(entry.path() / "cmdline", std::ios::binary);
-    std::string cmdline((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (cmdline.find("qxvb6.exe") != std::string::npos &&
-        cmdline.find(vbp.string()) != std::string::npos)
-      return std::stol(name);
-  }
-  return 0;
-}
-
-// A field of /proc/PID/status in kB ("VmHWM", "VmRSS"), or -1.
-long StatusKb(long pid, const std::string& field) {
-  std::ifstream in("/proc/" + std::to_string(pid) + "/status");
-  std::string line;
-  while (std::getline(in, line)) {
-    if (line.rfind(field + ":", 0) == 0) return std::stol(line.substr(field.size() + 1));
-  }
-  return -1;
-}
 
 // The bytes of the component files and their companions: what rg reads and the IDE loads.
 std::uintmax_t ComponentBytes(const fs::path& folder) {
   std::uintmax_t bytes = 0;
-  for (const auto& entry : fs::directory_iterator(folder)) {
+  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
     const std::string ext = entry.path().extension().string();
     if (ext == ".bas" || ext == ".cls" || ext == ".frm" || ext == ".frx")
       bytes += entry.file_size();
   }
   return bytes;
+}
+
+std::vector<std::string> SourceFiles(const fs::path& folder) {
+  std::vector<std::string> files;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    const std::string ext = entry.path().extension().string();
+    if (ext == ".bas" || ext == ".cls" || ext == ".frm") files.push_back(entry.path().string());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+std::string Contents(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// A file's text with every line end as LF: a procedure that qx rewrites takes the file's usual
+// line end, where sed keeps each line's own (the generator mixes them in some files).
+std::string Lines(const fs::path& file) {
+  const std::string bytes = Contents(file);
+  std::string text;
+  text.reserve(bytes.size());
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    if (bytes[i] != '\r') {
+      text += bytes[i];
+    } else if (i + 1 >= bytes.size() || bytes[i + 1] != '\n') {
+      text += '\n';
+    }
+  }
+  return text;
 }
 
 qxbench::GeneratedProject Generate(const fs::path& folder, std::size_t lines, bool forms) {
@@ -145,7 +120,7 @@ qxbench::GeneratedProject Generate(const fs::path& folder, std::size_t lines, bo
   options.proceduresPerComponent = 55;  // about 600 lines a component
   options.forms = forms;
   if (forms) {
-    options.formsPerCycle = 3;
+    options.formsPerCycle = 1;
     options.controlsPerForm = 50;
     options.proceduresPerForm = 20;
   }
@@ -155,134 +130,289 @@ qxbench::GeneratedProject Generate(const fs::path& folder, std::size_t lines, bo
   return qxbench::GenerateProject(folder, options);
 }
 
-struct Settings {
-  std::vector<std::size_t> sizes{1000000, 3000000};
-  int repeat = 5;
-  bool replaceAll = false;
-  bool forms = false;
-  fs::path work;
-};
-
-void Report(const std::string& what, const std::vector<double>& times, const std::string& note) {
-  std::ostringstream line;
-  line.precision(3);
-  line << std::fixed << "  " << what << ": median " << Median(times) << " s  (runs:";
-  for (double t : times)
-    line << " " << t;
-  line << ")" << note;
-  std::cout << line.str() << std::endl;
+std::string Fixed(double value, int precision) {
+  std::ostringstream text;
+  text.precision(precision);
+  text << std::fixed << value;
+  return text.str();
 }
 
-int Main(const Settings& settings) {
-  const std::string qx = QX_BIN;
-  const bool haveRg = Run({"rg", "--version"}, settings.work / "rg-version.txt").status == 0;
-  if (!haveRg) std::cout << "rg not found: install ripgrep (scripts/install-deps.sh bench)\n";
-  const auto stopAll = [&] { Run({qx, "ide", "stop", "--all"}, settings.work / "stop.txt"); };
-  stopAll();
-  for (std::size_t size : settings.sizes) {
-    const fs::path folder = settings.work / ("p" + std::to_string(size));
-    const auto project = Generate(folder, size, settings.forms);
-    const std::uintmax_t bytes = ComponentBytes(folder);
-    std::cout << "== " << project.lines << " lines, " << project.components << " components ("
-              << project.forms << " forms, " << project.controls << " controls), "
-              << project.procedures << " procedures, " << bytes << " bytes; load " << LoadAverage()
-              << std::endl;
-    const fs::path out = settings.work / "out.txt";
-    std::vector<double> rg, cold, warm;
-    std::size_t rgLines = 0, qxLines = 0;
-    for (int i = 0; i < settings.repeat && haveRg; ++i) {
-      rg.push_back(Run({"rg", "-n", "--column", kRareWord, folder.string()}, out, folder).seconds);
-      rgLines = CountLines(out);
-    }
-    long coldQxRss = 0;
-    for (int i = 0; i < settings.repeat; ++i) {
-      // Cold each time: the run does not keep its IDE warm.
-      const RunResult r =
-          Run({qx, "search", "--no-keep", "--color", "never", kRareWord, project.vbp}, out, folder);
-      if (r.status != 0) std::cout << "  qx search exited with " << r.status << "\n";
-      cold.push_back(r.seconds);
-      coldQxRss = r.maxRssKb;
-      qxLines = CountLines(out);
-      if (FindIde(project.vbp) != 0) std::cout << "  (an IDE is left running after a cold run)\n";
-    }
-    const RunResult start = Run({qx, "ide", "start", project.vbp}, out);
-    const long pid = FindIde(project.vbp);
-    const long loadedHwm = pid ? StatusKb(pid, "VmHWM") : -1;
-    std::cout << "  ide start: " << start.seconds << " s, pid " << pid << std::endl;
-    for (int i = 0; i < settings.repeat; ++i) {
-      const RunResult r =
-          Run({qx, "search", "--color", "never", kRareWord, project.vbp}, out, folder);
-      warm.push_back(r.seconds);
-    }
-    const long hwm = pid ? StatusKb(pid, "VmHWM") : -1;
-    const long rss = pid ? StatusKb(pid, "VmRSS") : -1;
-    stopAll();
-    const double rgMedian = Median(rg);
-    std::ostringstream ratio;
-    ratio.precision(2);
-    ratio << std::fixed;
-    if (haveRg) Report("rg", rg, "  output lines " + std::to_string(rgLines));
-    ratio << "  " << Median(cold) / rgMedian << "x rg; qx peak RSS " << coldQxRss / 1024
-          << " MB; output lines " << qxLines;
-    Report("qx search, cold", cold, ratio.str());
-    ratio.str("");
-    ratio << "  " << Median(warm) / rgMedian << "x rg";
-    Report("qx search, warm", warm, ratio.str());
-    const double limitMb = 3.0 * static_cast<double>(bytes) / 1048576 + 50;
-    std::cout << "  IDE memory: VmHWM after load " << loadedHwm / 1024 << " MB, after searches "
-              << hwm / 1024 << " MB, VmRSS " << rss / 1024 << " MB; project " << bytes / 1048576.0
-              << " MB; " << (hwm / 1024.0) / (bytes / 1048576.0) << "x the bytes; target "
-              << limitMb << " MB" << std::endl;
+// One timed figure: the median of its runs, and the runs.
+std::string Timing(const std::vector<double>& runs) {
+  std::string text = Fixed(Median(runs), 3) + " s  (";
+  for (std::size_t i = 0; i < runs.size(); ++i)
+    text += (i ? " " : "") + Fixed(runs[i], 3);
+  return text + ")";
+}
 
-    if (size <= 1000000 || settings.replaceAll) {
-      std::vector<double> replace;
-      for (int i = 0; i < settings.repeat; ++i) {
-        const fs::path copy = settings.work / ("r" + std::to_string(size));
-        const auto fresh = Generate(copy, size, settings.forms);
-        const RunResult r = Run({qx, "replace", "--write", "--no-keep", "--color", "never",
-                                 kCommonWord, "walking", fresh.vbp},
-                                out);
-        if (r.status != 0) std::cout << "  qx replace exited with " << r.status << "\n";
-        replace.push_back(r.seconds);
-        if (i == 0) {
-          const RunResult check = Run({"grep", "-rlc", kCommonWord, "--include=*.bas",
-                                       "--include=*.cls", "--include=*.frm", copy.string()},
-                                      settings.work / "check.txt");
-          if (check.status == 0) std::cout << "  (replace left matches behind)\n";
-        }
-        fs::remove_all(copy);
-      }
-      Report("qx replace --write, cold", replace,
-             "  (" + std::to_string(project.procedures) + " procedures changed)");
+// "  12.3x rg  target <= 10x: missed by 1.23x" for a figure against its baseline.
+std::string Against(double value, double base, const std::string& baseName, double target) {
+  if (base <= 0) return "  (no " + baseName + " figure)";
+  const double ratio = value / base;
+  std::string text =
+      "  " + Fixed(ratio, 1) + "x " + baseName + "  target <= " + Fixed(target, 0) + "x: ";
+  return text + (ratio <= target ? "met" : "missed by " + Fixed(ratio / target, 2) + "x");
+}
+
+void Print(const std::string& label, const std::string& figure, const std::string& note = {}) {
+  std::cout << "    " << label << std::string(label.size() < 14 ? 14 - label.size() : 1, ' ')
+            << figure << note << std::endl;
+}
+
+class Bench {
+ public:
+  explicit Bench(const Settings& settings) : settings_(settings), out_(settings.work / "out.txt") {
+    haveRg_ = Run({"rg", "--version"}, out_).status == 0;
+    if (!haveRg_) std::cout << "rg not found: install ripgrep (scripts/install-deps.sh bench)\n";
+  }
+
+  int Main() {
+    StopAll();
+    std::vector<double> coldCommon;  // per size, for the growth
+    for (const std::size_t size : settings_.sizes)
+      coldCommon.push_back(Size(size));
+    if (settings_.sizes.size() > 1 && coldCommon.front() > 0) {
+      std::cout << "growth: cold common-word search "
+                << Fixed(coldCommon.back() / coldCommon.front(), 2) << "x the time for "
+                << Fixed(static_cast<double>(settings_.sizes.back()) /
+                             static_cast<double>(settings_.sizes.front()),
+                         2)
+                << "x the lines" << std::endl;
     }
+    if (settings_.folderProjects > 0) Folder();
+    StopAll();
+    return failures_ == 0 ? 0 : 1;
+  }
+
+ private:
+  // The search figures of one pattern: rg, and qx cold and warm (filled in two passes, so that
+  // every cold run comes before the IDE is started for the warm ones).
+  struct Search {
+    std::string title;
+    std::vector<std::string> options;  // for both programs: "-F", "-i"
+    std::string pattern;
+    double coldTarget;
+    std::vector<double> rg, cold, warm;
+    std::size_t rgFiles = 0, qxFiles = 0;
+  };
+
+  void StopAll() { Run({qx_, "ide", "stop", "--all"}, settings_.work / "stop.txt"); }
+
+  // Runs a qx command and says so when it did not end as a search should (0 or 1).
+  RunResult Qx(std::vector<std::string> args, const fs::path& folder) {
+    args.insert(args.begin(), qx_);
+    const RunResult r = Run(args, out_, folder);
+    if (r.status != 0 && r.status != 1) {
+      ++failures_;
+      std::cout << "    (qx " << args[1] << " exited with " << r.status
+                << (r.timedOut ? ", timed out" : "") << ": " << Contents(out_).substr(0, 300)
+                << ")\n";
+    }
+    return r;
+  }
+
+  std::vector<std::string> SearchArgs(const Search& search, const std::string& where) {
+    std::vector<std::string> args{"search", "-c", "--color", "never"};
+    args.insert(args.end(), search.options.begin(), search.options.end());
+    args.push_back(search.pattern);
+    args.push_back(where);
+    return args;
+  }
+
+  double Size(std::size_t size) {
+    const fs::path folder = settings_.work / ("p" + std::to_string(size));
+    const auto project = Generate(folder, size, settings_.forms);
+    const std::uintmax_t bytes = ComponentBytes(folder);
+    std::cout << "== " << project.lines << " lines: " << project.components << " components ("
+              << project.forms << " forms, " << project.controls << " controls), "
+              << project.procedures << " procedures, " << Fixed(bytes / 1048576.0, 1)
+              << " MB of component files and companions; load " << qxbench::LoadAverage()
+              << std::endl;
+
+    std::vector<Search> searches{
+        {"search -c -F " + std::string(kCommonWord) + " (every procedure)",
+         {"-F"},
+         kCommonWord,
+         10,
+         {},
+         {},
+         {}},
+        {"search -c -F " + std::string(kRareWord) + " (1% of procedures and tool tips)",
+         {"-F"},
+         kRareWord,
+         5,
+         {},
+         {},
+         {}},
+        {"search -c -i '" + std::string(kExpression) + "' (a regular expression)",
+         {"-i"},
+         kExpression,
+         10,
+         {},
+         {},
+         {}},
+    };
+    const std::string vbp = project.vbp.string();
+    for (int i = 0; i < settings_.repeat; ++i) {
+      for (Search& search : searches) {
+        if (haveRg_) {
+          std::vector<std::string> rg{"rg", "-c"};
+          rg.insert(rg.end(), search.options.begin(), search.options.end());
+          rg.push_back(search.pattern);
+          rg.push_back(folder.string());
+          search.rg.push_back(Run(rg, out_, folder).seconds);
+          search.rgFiles = qxbench::CountLines(out_);
+        }
+        StopAll();
+        search.cold.push_back(Qx(SearchArgs(search, vbp), folder).seconds);
+        search.qxFiles = qxbench::CountLines(out_);
+      }
+    }
+    StopAll();
+    const RunResult start = Run({qx_, "ide", "start", vbp}, out_);
+    const std::vector<long> ides = qxbench::FindProcesses({"qxvb6.exe", vbp});
+    const long pid = ides.empty() ? 0 : ides.front();
+    if (pid == 0) {
+      ++failures_;
+      std::cout << "    (qx ide start left no IDE running: " << Contents(out_).substr(0, 300)
+                << ")\n";
+    }
+    const long loadedKb = pid ? qxbench::StatusKb(pid, "VmHWM") : 0;
+    for (int i = 0; i < settings_.repeat; ++i) {
+      for (Search& search : searches)
+        search.warm.push_back(Qx(SearchArgs(search, vbp), folder).seconds);
+    }
+    const long peakKb = pid ? qxbench::StatusKb(pid, "VmHWM") : 0;
+    StopAll();
+
+    for (const Search& search : searches) {
+      std::cout << "  " << search.title << std::endl;
+      if (haveRg_) Print("rg", Timing(search.rg), "  " + std::to_string(search.rgFiles) + " files");
+      Print("qx cold", Timing(search.cold),
+            Against(Median(search.cold), Median(search.rg), "rg", search.coldTarget) + "  " +
+                std::to_string(search.qxFiles) + " components");
+      Print("qx warm", Timing(search.warm),
+            Against(Median(search.warm), Median(search.rg), "rg", 2));
+    }
+    const double megabytes = static_cast<double>(bytes) / 1048576;
+    const double limit = 3 * megabytes + 50;
+    std::cout << "  IDE memory (ide start " << Fixed(start.seconds, 3) << " s)" << std::endl;
+    Print("peak",
+          Fixed(peakKb / 1024.0, 0) + " MB (" + Fixed(loadedKb / 1024.0, 0) +
+              " MB after loading)  " + Fixed(peakKb / 1024.0 / megabytes, 2) +
+              "x the bytes  target <= " + Fixed(limit, 0) + " MB: " +
+              (peakKb / 1024.0 <= limit ? "met"
+                                        : "missed by " + Fixed(peakKb / 1024.0 / limit, 2) + "x"));
+    if (size <= 1000000 || settings_.replaceAll) Replace(size, project.procedures);
+    fs::remove_all(folder);
+    return Median(searches.front().cold);
+  }
+
+  void Replace(std::size_t size, std::size_t procedures) {
+    std::vector<double> qx, sed;
+    bool same = true;
+    const fs::path qxCopy = settings_.work / ("r" + std::to_string(size));
+    const fs::path sedCopy = settings_.work / ("s" + std::to_string(size));
+    for (int i = 0; i < settings_.repeat; ++i) {
+      StopAll();
+      const auto fresh = Generate(qxCopy, size, settings_.forms);
+      qx.push_back(Qx({"replace", "--write", "--color", "never", "-F", kCommonWord, kNewWord,
+                       fresh.vbp.string()},
+                      qxCopy)
+                       .seconds);
+      Generate(sedCopy, size, settings_.forms);
+      std::vector<std::string> args{"sed", "-i", "-e",
+                                    std::string("s/") + kCommonWord + "/" + kNewWord + "/g"};
+      const std::vector<std::string> files = SourceFiles(sedCopy);
+      args.insert(args.end(), files.begin(), files.end());
+      sed.push_back(Run(args, out_, sedCopy).seconds);
+      if (i == 0) {
+        for (const std::string& file : files) {
+          const fs::path name = fs::path(file).filename();
+          same = same && Lines(qxCopy / name) == Lines(sedCopy / name);
+        }
+      }
+      fs::remove_all(qxCopy);
+      fs::remove_all(sedCopy);
+    }
+    StopAll();
+    std::cout << "  replace --write -F " << kCommonWord << " " << kNewWord << " (" << procedures
+              << " procedures)" << std::endl;
+    Print("sed -i", Timing(sed));
+    const double median = Median(qx);
+    Print("qx cold", Timing(qx),
+          "  target < 3 s: " +
+              std::string(median < 3 ? "met" : "missed by " + Fixed(median / 3, 2) + "x") + ";" +
+              Against(median, Median(sed), "sed", 10));
+    if (!same) {
+      ++failures_;
+      std::cout << "    (qx and sed wrote different lines)\n";
+    }
+  }
+
+  void Folder() {
+    const fs::path folder = settings_.work / "folder";
+    fs::remove_all(folder);
+    const auto generated = qxbench::GenerateFolder(folder, settings_.folderProjects, 300);
+    std::cout << "== a folder of " << settings_.folderProjects
+              << " projects: " << generated.components << " components, " << generated.lines
+              << " lines, " << Fixed(ComponentBytes(folder) / 1048576.0, 1) << " MB; load "
+              << qxbench::LoadAverage() << std::endl;
+    std::vector<double> rg, qx;
+    std::size_t rgFiles = 0, qxFiles = 0;
+    for (int i = 0; i < settings_.repeat; ++i) {
+      if (haveRg_) {
+        rg.push_back(Run({"rg", "-c", "-F", kCommonWord, folder.string()}, out_, folder).seconds);
+        rgFiles = qxbench::CountLines(out_);
+      }
+      StopAll();
+      qx.push_back(
+          Qx({"search", "-c", "--color", "never", "-F", kCommonWord, folder.string()}, folder)
+              .seconds);
+      qxFiles = qxbench::CountLines(out_);
+    }
+    StopAll();
+    std::cout << "  search -c -F " << kCommonWord << std::endl;
+    if (haveRg_) Print("rg", Timing(rg), "  " + std::to_string(rgFiles) + " files");
+    Print(
+        "qx", Timing(qx),
+        Against(Median(qx), Median(rg), "rg", 20) + "  " + std::to_string(qxFiles) + " components");
     fs::remove_all(folder);
   }
-  stopAll();
-  return 0;
-}
+
+  const Settings& settings_;
+  const std::string qx_ = QX_BIN;
+  const fs::path out_;
+  bool haveRg_ = false;
+  int failures_ = 0;
+};
 
 }  // namespace
 
 int main(int argc, char** argv) {
   Settings settings;
-  for (int i = 1; i + 1 < argc; i += 2) {
+  for (int i = 1; i < argc; i += 2) {
     const std::string option = argv[i];
+    const std::string value = i + 1 < argc ? argv[i + 1] : "";
     if (option == "--lines") {
       settings.sizes.clear();
-      std::stringstream list(argv[i + 1]);
+      std::stringstream list(value);
       std::string item;
       while (std::getline(list, item, ','))
         settings.sizes.push_back(std::stoul(item));
     } else if (option == "--repeat") {
-      settings.repeat = std::max(1, std::atoi(argv[i + 1]));
+      settings.repeat = std::max(1, std::atoi(value.c_str()));
     } else if (option == "--work") {
-      settings.work = argv[i + 1];
+      settings.work = value;
     } else if (option == "--forms") {
-      settings.forms = std::string(argv[i + 1]) == "1";
+      settings.forms = value == "1";
     } else if (option == "--replace-all") {
-      settings.replaceAll = std::string(argv[i + 1]) == "1";
+      settings.replaceAll = value == "1";
+    } else if (option == "--folder") {
+      settings.folderProjects = std::strtoul(value.c_str(), nullptr, 10);
     } else {
-      std::cerr << "usage: qx_bench_scale [--lines N,N] [--repeat N] [--work DIR] [--forms 0|1]\n";
+      std::cerr << "usage: qx_bench_scale [--lines N,N] [--repeat N] [--work DIR] [--forms 0|1] "
+                   "[--replace-all 0|1] [--folder PROJECTS]\n";
       return 2;
     }
   }
@@ -290,10 +420,9 @@ int main(int argc, char** argv) {
   if (::mkdtemp(home) == nullptr) return 2;
   ::setenv("QX_HOME", home, 1);
   ::setenv("QX_VB6_EXE", QXVB6_BIN, 1);
-  const bool ownWork = settings.work.empty();
-  if (ownWork) settings.work = fs::path(home) / "work";
+  if (settings.work.empty()) settings.work = fs::path(home) / "work";
   fs::create_directories(settings.work);
-  const int status = Main(settings);
+  const int status = Bench(settings).Main();
   fs::remove_all(home);
   return status;
 }

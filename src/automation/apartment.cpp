@@ -40,8 +40,8 @@ void Apartment::Wake() {
   }
 }
 
-void Apartment::Serve(const bool& done) {
-  while (!done) {
+void Apartment::Serve(const bool& done, const bool* stop) {
+  while (!done && (stop == nullptr || !*stop)) {
     if (!jobs_.empty()) {
       kj::Function<void()> job = kj::mv(jobs_.front());
       jobs_.pop_front();
@@ -64,6 +64,21 @@ void Apartment::Await(kj::Promise<void> promise) {
 void Apartment::ServeFor(std::chrono::milliseconds duration) {
   const auto nanos = std::chrono::duration_cast<std::chrono::nanoseconds>(duration).count();
   Await(io_.provider->getTimer().afterDelay(nanos * kj::NANOSECONDS));
+}
+
+void Apartment::ServeFor(std::chrono::milliseconds duration, const bool& stop) {
+  const auto nanos = std::chrono::duration_cast<std::chrono::nanoseconds>(duration).count();
+  bool elapsed = false;
+  kj::Promise<void> timer = io_.provider->getTimer()
+                                .afterDelay(nanos * kj::NANOSECONDS)
+                                .then([&] {
+                                  elapsed = true;
+                                  Wake();
+                                })
+                                .eagerlyEvaluate(nullptr);
+  Serve(elapsed, &stop);
+  // The answer to the call that asked to stop goes out before the caller of this ends anything.
+  if (stop) io_.waitScope.poll();
 }
 
 bool Apartment::ServeUntil(const std::function<bool()>& done,

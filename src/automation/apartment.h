@@ -48,6 +48,9 @@ class Apartment {
 
   // Serves calls for this long.
   void ServeFor(std::chrono::milliseconds duration);
+  // Serves calls for this long, or until a call it serves sets `stop` (a request to end, which
+  // is then answered at once rather than at the end of the period).
+  void ServeFor(std::chrono::milliseconds duration, const bool& stop);
 
   // Serves calls until `done` answers true (asked at least every `step`) or the deadline
   // passes; true when done.
@@ -57,8 +60,8 @@ class Apartment {
  private:
   Apartment();
 
-  // Runs jobs and waits for events until *done is true.
-  void Serve(const bool& done);
+  // Runs jobs and waits for events until `done` (or `stop`, when given) is true.
+  void Serve(const bool& done, const bool* stop = nullptr);
   void Wake();
 
   kj::AsyncIoContext io_;

@@ -1,6 +1,7 @@
 #include "automation/object.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <map>
 
 #include "automation/casefold.h"
@@ -26,6 +27,27 @@ std::string DispIdName(int32_t dispId) {
   return "#" + std::to_string(dispId);
 }
 
+size_t Interface::KeyHash::operator()(std::string_view name) const {
+  // FNV-1a over the bytes, ASCII letters lowered.
+  uint64_t hash = 14695981039346656037ULL;
+  for (char c : name) {
+    hash ^= static_cast<unsigned char>(LowerAscii(c));
+    hash *= 1099511628211ULL;
+  }
+  return static_cast<size_t>(hash);
+}
+
+bool Interface::KeyEqual::operator()(std::string_view a, std::string_view b) const {
+  return EqualsAsciiNoCase(a, b);
+}
+
+Interface::Table::const_iterator Interface::Lookup(std::string_view memberName) const {
+  const bool ascii = std::all_of(memberName.begin(), memberName.end(),
+                                 [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  // Folding a name beyond ASCII may change more than letter case, and its length.
+  return ascii ? byName_.find(memberName) : byName_.find(VbNameKey(memberName));
+}
+
 void Interface::Index() {
   byName_.clear();
   for (size_t i = 0; i < members.size(); ++i) {
@@ -35,7 +57,7 @@ void Interface::Index() {
 }
 
 const Member* Interface::Find(std::string_view memberName, MemberKind kind) const {
-  auto it = byName_.find(VbNameKey(memberName));
+  auto it = Lookup(memberName);
   if (it == byName_.end()) return nullptr;
   for (size_t i : it->second) {
     if (members[i].kind == kind) return &members[i];
@@ -44,7 +66,7 @@ const Member* Interface::Find(std::string_view memberName, MemberKind kind) cons
 }
 
 bool Interface::Has(std::string_view memberName) const {
-  return byName_.count(VbNameKey(memberName)) != 0;
+  return Lookup(memberName) != byName_.end();
 }
 
 const Interface* ClassInfo::FindInterface(std::string_view interfaceName) const {

@@ -71,7 +71,21 @@ struct Interface {
   void Index();  // builds the look-up table once the members are complete
 
  private:
-  std::unordered_map<std::string, std::vector<size_t>> byName_;
+  // The table's keys are names folded as VB folds them (VbNameKey). Every call by name looks a
+  // member up, so a name in ASCII, as callers spell members, is looked up as it is, without
+  // folding it into a new string: hashing and comparing ignore the case of ASCII letters.
+  struct KeyHash {
+    using is_transparent = void;
+    size_t operator()(std::string_view name) const;
+  };
+  struct KeyEqual {
+    using is_transparent = void;
+    bool operator()(std::string_view a, std::string_view b) const;
+  };
+  using Table = std::unordered_map<std::string, std::vector<size_t>, KeyHash, KeyEqual>;
+  Table::const_iterator Lookup(std::string_view memberName) const;
+
+  Table byName_;
 };
 
 struct ClassInfo {

@@ -373,7 +373,12 @@ std::string FormatDouble(double value, int significantDigits) {
   return buffer;
 }
 
-std::string Variant::ToString() const {
+std::string Variant::ToString() && {
+  if (auto* s = std::get_if<std::string>(&value_)) return std::move(*s);
+  return static_cast<const Variant&>(*this).ToString();
+}
+
+std::string Variant::ToString() const& {
   return std::visit(Overloaded{
                         [](std::monostate) { return std::string(); },
                         [](bool b) { return std::string(b ? "True" : "False"); },

@@ -72,7 +72,9 @@ class Variant {
   float ToSingle() const;
   double ToDouble() const;
   Currency ToCurrency() const;
-  std::string ToString() const;
+  std::string ToString() const&;
+  // The same from a value about to go (what a call returned): a string is moved out, not copied.
+  std::string ToString() &&;
   // The object reference; Empty is Nothing (a null reference); any other value raises 424.
   ObjectRef ToObject() const;
 

@@ -9,7 +9,7 @@ namespace cli {
 namespace {
 
 void AppendEscape(std::string& out, const char* format, unsigned value) {
-  char buffer[8];
+  char buffer[16];  // room for any unsigned value, which -O3 checks
   std::snprintf(buffer, sizeof buffer, format, value);
   out += buffer;
 }

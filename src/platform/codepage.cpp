@@ -6,7 +6,9 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -57,9 +59,20 @@ int Encode1252(char32_t cp) {
   return -1;
 }
 
+// Eight bytes at a time: source files are long, and mostly ASCII.
 bool IsAscii(std::string_view bytes) {
-  return std::all_of(bytes.begin(), bytes.end(),
-                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  constexpr uint64_t kHighBits = 0x8080808080808080ULL;
+  const char* p = bytes.data();
+  std::size_t left = bytes.size();
+  uint64_t any = 0;
+  for (; left >= 8; p += 8, left -= 8) {
+    uint64_t word;
+    std::memcpy(&word, p, sizeof word);
+    any |= word;
+  }
+  for (; left > 0; ++p, --left)
+    any |= static_cast<unsigned char>(*p);
+  return (any & kHighBits) == 0;
 }
 
 // The byte an escape character stands for, when the UTF-8 at text[pos] is one (F4 8F BC..BF xx).
@@ -273,6 +286,10 @@ std::string CodePage::Decode(std::string_view bytes) const {
     }
   }
   return out;
+}
+
+bool CodePage::DecodesToItself(std::string_view bytes) const {
+  return asciiCompatible_ && IsAscii(bytes);
 }
 
 std::string CodePage::DecodeWithIconv(std::string_view bytes) const {

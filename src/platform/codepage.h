@@ -22,6 +22,9 @@ class CodePage {
 
   // Bytes to UTF-8; never fails.
   std::string Decode(std::string_view bytes) const;
+  // Whether Decode gives these bytes back as they are (ASCII text, in a code page that keeps
+  // ASCII as it is), so that the bytes can stand for their own text.
+  bool DecodesToItself(std::string_view bytes) const;
 
   // UTF-8 to bytes. A character the code page cannot represent raises 5 naming it; so does
   // text that is not UTF-8. Nothing is ever replaced by "?".

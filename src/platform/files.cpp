@@ -11,7 +11,10 @@
 #include <ctime>
 #include <filesystem>
 #include <random>
+#include <string>
 #include <system_error>
+#include <unordered_map>
+#include <vector>
 
 #include "automation/casefold.h"
 #include "automation/error.h"
@@ -122,8 +125,113 @@ bool IsTemporaryOf(std::string_view name, std::string_view target) {
 
 // A writer holds an exclusive lock on its temporary file from creating it until it has been
 // renamed or removed; one that nobody holds was left by a save that died (killed, power cut).
-// Such files are removed; a live writer's are left alone.
+// Such a file is removed; a live writer's is left alone. Whether the name is gone.
+bool RemoveIfStale(int dirFd, const char* name) {
+  Descriptor fd(::openat(dirFd, name, O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+  struct stat held;
+  struct stat named;
+  if (fd.get() < 0) return errno == ENOENT;
+  if (::fstat(fd.get(), &held) != 0 || !S_ISREG(held.st_mode)) return false;
+  if (::flock(fd.get(), LOCK_EX | LOCK_NB) != 0) return false;  // a live writer's
+  // Still the same file under that name (not replaced since we opened it).
+  if (::fstatat(dirFd, name, &named, AT_SYMLINK_NOFOLLOW) == 0 && named.st_ino == held.st_ino &&
+      named.st_dev == held.st_dev) {
+    return ::unlinkat(dirFd, name, 0) == 0;
+  }
+  return false;
+}
+
+// The file a name of one of our temporary files belongs to ("" for other names).
+std::string_view TemporaryTarget(std::string_view name) {
+  const std::size_t suffix = kTemporaryMark.size() + kTemporaryDigits;
+  if (name.size() <= 1 + suffix || name[0] != '.') return {};
+  const std::string_view target = name.substr(1, name.size() - 1 - suffix);
+  return IsTemporaryOf(name, target) ? target : std::string_view{};
+}
+
+// A batch of saves (flushes deferred) into a folder of thousands of components would list the
+// folder for every save, which grows with the square of the folder. The batch lists a folder
+// once, keeps the names of our temporary files there by the file they belong to, and lists it
+// again only when its modification time says that something else changed it since: each save
+// of ours notes the time it leaves. (A temporary file that another process leaves in the same
+// clock tick as a save of ours waits for a later listing; a live writer's is never removed.)
+class FolderTemporaries {
+ public:
+  static FolderTemporaries& Get() {
+    static FolderTemporaries index;
+    return index;
+  }
+
+  // The temporary files of `target` in `folder`, listing it if it is new or changed; they are
+  // forgotten until the caller gives back (Keep) those it could not remove.
+  std::vector<std::string> Take(const fs::path& folder, const std::string& target) {
+    struct stat st;
+    if (::stat(folder.c_str(), &st) != 0) return {};
+    Folder& known = folders_[folder.string()];
+    if (!known.listed || !SameTime(known.modified, st.st_mtim)) {
+      known.byTarget.clear();
+      DIR* dir = ::opendir(folder.c_str());
+      if (dir == nullptr) return {};
+      while (const dirent* entry = ::readdir(dir)) {
+        if (entry->d_name[0] != '.') continue;
+        const std::string_view name = entry->d_name;
+        const std::string_view owner = TemporaryTarget(name);
+        if (!owner.empty()) known.byTarget[std::string(owner)].emplace_back(name);
+      }
+      ::closedir(dir);
+      known.listed = true;
+      known.modified = st.st_mtim;
+    }
+    const auto found = known.byTarget.find(target);
+    if (found == known.byTarget.end()) return {};
+    std::vector<std::string> names = std::move(found->second);
+    known.byTarget.erase(found);
+    return names;
+  }
+
+  // Temporary files of `target` still there after Take (a live writer's, say).
+  void Keep(const fs::path& folder, const std::string& target, std::vector<std::string> names) {
+    if (names.empty()) return;
+    std::vector<std::string>& known = folders_[folder.string()].byTarget[target];
+    for (std::string& name : names)
+      known.push_back(std::move(name));
+  }
+
+  // A change of ours to the folder: what it holds is still known.
+  void Changed(const fs::path& folder) {
+    const auto known = folders_.find(folder.string());
+    struct stat st;
+    if (known != folders_.end() && ::stat(folder.c_str(), &st) == 0) {
+      known->second.modified = st.st_mtim;
+    }
+  }
+
+ private:
+  static bool SameTime(const timespec& a, const timespec& b) {
+    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+  }
+  struct Folder {
+    bool listed = false;
+    timespec modified{};
+    std::unordered_map<std::string, std::vector<std::string>> byTarget;
+  };
+  std::unordered_map<std::string, Folder> folders_;
+};
+
+// Removes the temporary files of target in folder that no live writer holds.
 void RemoveStaleIn(const fs::path& folder, const std::string& target) {
+  if (DeferredFlush()) {
+    FolderTemporaries& temporaries = FolderTemporaries::Get();
+    std::vector<std::string> names = temporaries.Take(folder, target);
+    if (names.empty()) return;
+    const Descriptor dir(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (dir.get() < 0) return;
+    std::erase_if(names,
+                  [&](const std::string& name) { return RemoveIfStale(dir.get(), name.c_str()); });
+    temporaries.Changed(folder);
+    temporaries.Keep(folder, target, std::move(names));
+    return;
+  }
   // readdir, not directory_iterator: this runs before every save, over folders of thousands of
   // files, and most names are rejected by their first byte without building a path.
   DIR* dir = ::opendir(folder.c_str());
@@ -131,16 +239,7 @@ void RemoveStaleIn(const fs::path& folder, const std::string& target) {
   const int dirFd = ::dirfd(dir);
   while (const dirent* entry = ::readdir(dir)) {
     if (entry->d_name[0] != '.' || !IsTemporaryOf(entry->d_name, target)) continue;
-    Descriptor fd(::openat(dirFd, entry->d_name, O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
-    struct stat held;
-    struct stat named;
-    if (fd.get() < 0 || ::fstat(fd.get(), &held) != 0 || !S_ISREG(held.st_mode)) continue;
-    if (::flock(fd.get(), LOCK_EX | LOCK_NB) != 0) continue;  // a live writer's
-    // Still the same file under that name (not replaced since we opened it).
-    if (::fstatat(dirFd, entry->d_name, &named, AT_SYMLINK_NOFOLLOW) == 0 &&
-        named.st_ino == held.st_ino && named.st_dev == held.st_dev) {
-      ::unlinkat(dirFd, entry->d_name, 0);
-    }
+    RemoveIfStale(dirFd, entry->d_name);
   }
   ::closedir(dir);
 }
@@ -377,7 +476,11 @@ void WriteFileAtomic(std::string_view path, std::string_view bytes,
       RaiseOsError(errno, shown, err::kPathNotFound);
     }
     // Make the rename itself durable; a failure here no longer affects the contents.
-    if (!DeferredFlush()) ::fsync(lock.get());
+    if (!DeferredFlush()) {
+      ::fsync(lock.get());
+    } else {
+      FolderTemporaries::Get().Changed(folder);
+    }
   } catch (...) {
     ::unlink(temporary.c_str());
     throw;

@@ -9,10 +9,10 @@
 #include <sstream>
 
 #include "automation/error.h"
+#include "cli/file_matches.h"
 #include "cli/printer.h"
 #include "cli/project_files.h"
 #include "cli/project_survey.h"
-#include "cli/file_matches.h"
 #include "cli/scan_results.h"
 #include "cli/scratch_copy.h"
 #include "cli/search_options.h"

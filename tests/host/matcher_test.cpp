@@ -226,6 +226,33 @@ TEST(MatcherTest, ReplacementExpandsGroupsAndDollars) {
   EXPECT_EQ(r.Expand("x: Call Foo", m), "Foo()");
 }
 
+// A scan makes a Matcher per component: matchers of the same patterns and options share what
+// compiling gave, never what a match found; other options are another pattern.
+TEST(MatcherTest, MatchersOfOnePatternShareItsCodeButNotTheirMatches) {
+  const std::string pattern = "(\\w+) = (\\d+)";
+  Matcher first(pattern, {});
+  Matcher second(pattern, {});
+  host::scan::Match a;
+  host::scan::Match b;
+  ASSERT_TRUE(first.Find("total = 42", 0, a));
+  ASSERT_TRUE(second.Find("x = 7", 0, b));
+  EXPECT_EQ((std::vector<std::size_t>(a.groups.begin(), a.groups.end())),
+            (std::vector<std::size_t>{0, 10, 0, 5, 8, 10}));
+  EXPECT_EQ(b.groups[3], 1u);
+
+  EXPECT_EQ(SpansOf({"ABC"}, Options(CaseMode::kSensitive, true), "abc ABC"), (Spans{{4, 7}}));
+  EXPECT_EQ(SpansOf({"ABC"}, Options(CaseMode::kInsensitive, true), "abc ABC"),
+            (Spans{{0, 3}, {4, 7}}));
+  EXPECT_EQ(SpansOf({"ABC"}, Options(CaseMode::kSensitive, false, true), "ABCD ABC"),
+            (Spans{{5, 8}}));
+  // Many patterns later, the first is still right; one that does not compile raises each time.
+  for (int i = 0; i < 20; ++i)
+    SpansOf({"p" + std::to_string(i)}, {}, "p1");
+  EXPECT_EQ(SpansOf({"ABC"}, Options(CaseMode::kSensitive, true), "abc ABC"), (Spans{{4, 7}}));
+  for (int i = 0; i < 2; ++i)
+    EXPECT_EQ(Caught([] { Matcher("Foo(", {}); }).Number(), host::scan::kInvalidPattern);
+}
+
 TEST(MatcherTest, BadPatternsAndReplacementsRaiseNamingTheFault) {
   Matcher matcher("(?<word>\\w+) (\\d)", {});
   auto error = Caught([&] { Replacement("$3", matcher); });

@@ -28,7 +28,8 @@ constexpr int32_t kUndefinedProperty = -32749;
 constexpr const char* kInvalidName = "Invalid control name syntax.";
 
 // A control: Name (with its index), Caption, Tag, Text (a text box's only: other types refuse
-// it), List (list boxes only), Left (a number, never read for text).
+// it), List (list boxes only: other types flag it hidden, as the driver's controls do),
+// Left (a number, never read for text).
 class StandInControl : public automation::Object {
  public:
   StandInControl(std::string name, bool isList) : name_(std::move(name)), isList_(isList) {}
@@ -46,7 +47,13 @@ class StandInControl : public automation::Object {
                                                   .Put("Tag", &StandInControl::SetTag)
                                                   .Get("Text", &StandInControl::Text)
                                                   .Build();
-    return info;
+    static const automation::ClassInfo withoutList = [] {
+      automation::ClassInfo copy = info;
+      for (automation::Member& member : copy.defaultInterface.members)
+        member.hidden = member.name == "List";
+      return copy;
+    }();
+    return isList_ ? info : withoutList;
   }
 
   std::string Name() const { return name_; }
@@ -205,6 +212,9 @@ TEST_F(ScannerPropertiesTest, FindsStringPropertiesControlNamesAndListsInFileOrd
   EXPECT_EQ(option->reads["Caption"], 1);
   EXPECT_EQ(option->reads["Tag"], 1);
   EXPECT_EQ(option->reads.count("Left"), 0U);
+  // A type without a list is not asked for one.
+  EXPECT_EQ(option->reads.count("List"), 0U);
+  EXPECT_EQ(list->reads["List"], 1);
 
   const json& caption = result["places"][4];
   EXPECT_EQ(caption["control"], "Option1(2)");

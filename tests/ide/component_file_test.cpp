@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "automation/error.h"
 #include "fixture_copy.h"
@@ -45,10 +46,10 @@ TEST(ComponentFile, HeaderIsHiddenAndDescribedAsBlocks) {
   ASSERT_EQ(children.size(), 4u);
   EXPECT_EQ(children[0]->Type(), "MSComctlLib.ListView");
   EXPECT_EQ(children[0]->Groups()[0]->Name(), "ColumnHeader(1)");
-  EXPECT_EQ(children[0]->BeginLine().text, "   Begin MSComctlLib.ListView lvwAccounts ");
+  EXPECT_EQ(children[0]->BeginLine().Text(), "   Begin MSComctlLib.ListView lvwAccounts ");
   EXPECT_EQ(children[3]->Children()[0]->Name(), "mnuFileExit");
-  EXPECT_EQ(root.EndLine().text, "End");
-  EXPECT_EQ(form->HeaderLines()[0].text, "Attribute VB_Name = \"frmMain\"");
+  EXPECT_EQ(root.EndLine().Text(), "End");
+  EXPECT_EQ(form->HeaderLines()[0].Text(), "Attribute VB_Name = \"frmMain\"");
 
   EXPECT_EQ(Fixture("ledger/frmShell.frm", FileKind::kForm)->Type(),
             ide::ComponentType::kVBMDIForm);
@@ -160,6 +161,67 @@ TEST(ComponentFile, CodePagesAreDecodedAndEncodedLosslessly) {
   code.InsertLines(2, line);
   EXPECT_EQ(file->Render(), Crlf({"Attribute VB_Name = \"M\"", "Const A = \"\x80\xFF\"",
                                   "Const C = \"\xB9\xA4\" ' \xB9", "Sub S()", "End Sub"}));
+}
+
+// Every line of a file as the IDE keeps it: the description's, the header's and the code's.
+std::vector<const ide::SourceLine*> AllLines(const ComponentFile& file) {
+  std::vector<const ide::SourceLine*> lines;
+  if (file.Description() != nullptr) lines = file.Description()->Lines();
+  for (const ide::SourceLine& line : file.HeaderLines())
+    lines.push_back(&line);
+  for (const ide::CodeLine& line : file.Code().RawLines())
+    lines.push_back(&line.line);
+  return lines;
+}
+
+// Lines read from a file own no text: each views the file's text (its bytes, or for text beyond
+// ASCII the file's text decoded once), and only a line that an edit writes owns its own.
+TEST(ComponentFile, LinesViewTheFileUntilAnEditGivesThemTextOfTheirOwn) {
+  for (const int codePage : {1252, 936}) {
+    SCOPED_TRACE(codePage);
+    const std::string accent = codePage == 1252 ? "\xE9" : "\xB9\xA4";
+    const std::string decoded = codePage == 1252 ? "\xC3\xA9" : "\xE5\xB7\xA5";
+    const std::string bytes = "VERSION 5.00\r\nBegin VB.Form F \r\n   Caption         =   \"A" +
+                              accent + "\"\r\n   Begin VB.Label L \n      Caption         =   " +
+                              "\"x\"\r   End\r\nEnd\r\nAttribute VB_Name = \"F\"\r\nOption " +
+                              "Explicit\r\n' " + accent + "\r\nSub A()\r\nEnd Sub";
+    auto file = Module(bytes, FileKind::kForm, codePage);
+    for (const ide::SourceLine* line : AllLines(*file)) {
+      EXPECT_FALSE(line->OwnsText()) << line->Text();
+      EXPECT_TRUE(line->original) << line->Text();
+    }
+    EXPECT_EQ(file->Description()->Root().FindProperty("Caption")->Value(), "\"A" + decoded + "\"");
+    EXPECT_EQ(file->Code().Lines(2, 1), "' " + decoded);
+
+    // Edits: a line inserted, one deleted, one replaced, a rename (the VB_Name line and the
+    // root's Begin line), a property of a control.
+    ide::CodeModule& code = file->Code();
+    code.InsertLines(1, "' new");
+    code.DeleteLines(3);
+    code.DeleteLines(3);
+    code.InsertLines(3, "Public Sub B()");
+    file->SetName("G");
+    file->Description()->FindObject("L")->SetProperty("Caption", "\"y\"");
+    std::size_t owned = 0;
+    for (const ide::SourceLine* line : AllLines(*file)) {
+      EXPECT_NE(line->OwnsText(), line->original) << line->Text();
+      owned += line->OwnsText() ? 1 : 0;
+    }
+    EXPECT_EQ(owned, 5u);
+    EXPECT_EQ(file->Render(), "VERSION 5.00\r\nBegin VB.Form G \r\n   Caption         =   \"A" +
+                                  accent + "\"\r\n   Begin VB.Label L \n      Caption         " +
+                                  "=   \"y\"\r\n   End\r\nEnd\r\nAttribute VB_Name = \"G\"\r\n' " +
+                                  "new\r\nOption Explicit\r\nPublic Sub B()\r\nEnd Sub");
+  }
+
+  // A copy of a line that owns its text owns a copy; a new text may be a view of the old one.
+  ide::SourceLine line = ide::SourceLine::New("Dim total As Long");
+  ide::SourceLine copy = line;
+  copy.SetText(copy.Text().substr(4));
+  EXPECT_EQ(copy.Text(), "total As Long");
+  EXPECT_EQ(line.Text(), "Dim total As Long");
+  line = std::move(copy);
+  EXPECT_EQ(line.Text(), "total As Long");
 }
 
 // Headers with keys, blocks and versions we do not know are kept as they are; the code after

@@ -102,7 +102,7 @@ TEST(Description, ObjectsGroupsAndPropertiesAreReadInStoredOrder) {
   EXPECT_EQ(groups[2]->FindProperty("Object.Width")->Value(), "4410");
   std::vector<std::string> own;
   for (const PropertyEntry* p : list.Properties())
-    own.push_back(p->Name());
+    own.emplace_back(p->Name());
   EXPECT_EQ(own,
             (std::vector<std::string>{"Height", "Left", "TabIndex", "Top", "Width", "_ExtentX",
                                       "_ExtentY", "View", "LabelEdit", "FullRowSelect", "_Version",

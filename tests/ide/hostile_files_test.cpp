@@ -51,7 +51,7 @@ TEST(HostileFiles, AByteOrderMarkIsReadPastAndKept) {
   auto form = Module(frm, FileKind::kForm);
   EXPECT_EQ(form->Name(), "Main");
   EXPECT_EQ(form->Code().Lines(1, 1), "Option Explicit");
-  EXPECT_EQ(form->Description()->Root().FindProperty("Caption")->Line().text,
+  EXPECT_EQ(form->Description()->Root().FindProperty("Caption")->Line().Text(),
             "   Caption         =   \"Ä\"");
   EXPECT_EQ(form->Render(), frm);
 }

@@ -173,6 +173,45 @@ TEST(FileSafety, OnlyStaleTemporariesOfThatFileAreRemoved) {
   EXPECT_EQ(Names(folder), expected);
 }
 
+// A batch of saves (flushes deferred) lists a folder once, not once a save; what it found is
+// still removed file by file, and a folder changed by someone else since is listed again.
+TEST(FileSafety, InABatchOfSavesEachSaveStillClearsOldAndNewLeftovers) {
+  qxtest::TempDir dir;
+  const fs::path folder = dir.path();
+  struct Deferred {
+    Deferred() { platform::SetDeferredFlush(true); }
+    ~Deferred() { platform::SetDeferredFlush(false); }
+  } deferred;
+  for (const char* name : {"Module1.bas", "Module2.bas", ".Module1.bas.qx-0123456789ab",
+                           ".Module2.bas.qx-0123456789ab"}) {
+    platformtest::WriteBytes(folder / name, "x");
+  }
+  platform::WriteFileAtomic((folder / "Module1.bas").string(), "new");
+  EXPECT_EQ(Names(folder), (std::vector<std::string>{".Module2.bas.qx-0123456789ab", "Module1.bas",
+                                                     "Module2.bas"}));
+  // Another program leaves a temporary file: the folder's time changes, so it is listed again.
+  platformtest::WriteBytes(folder / ".Module1.bas.qx-aaaaaaaaaaaa", "x");
+  const timespec past[2] = {{1000000000, 0}, {1000000000, 0}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, folder.c_str(), past, 0), 0);
+  platform::WriteFileAtomic((folder / "Module1.bas").string(), "newer");
+  platform::WriteFileAtomic((folder / "Module2.bas").string(), "new");
+  EXPECT_EQ(Names(folder), (std::vector<std::string>{"Module1.bas", "Module2.bas"}));
+  EXPECT_EQ(platformtest::ReadBytes(folder / "Module1.bas"), "newer");
+
+  // A live writer's file outlives a save; once its writer is gone, the next save removes it,
+  // though nothing changed the folder in between.
+  const std::string live = ".Module1.bas.qx-11110000aaaa";
+  platformtest::WriteBytes(folder / live, "x");
+  const int held = ::open((folder / live).c_str(), O_RDONLY | O_CLOEXEC);
+  ASSERT_GE(held, 0);
+  ASSERT_EQ(::flock(held, LOCK_EX), 0);
+  platform::WriteFileAtomic((folder / "Module1.bas").string(), "again");
+  EXPECT_EQ(Names(folder), (std::vector<std::string>{live, "Module1.bas", "Module2.bas"}));
+  ::close(held);
+  platform::WriteFileAtomic((folder / "Module1.bas").string(), "last");
+  EXPECT_EQ(Names(folder), (std::vector<std::string>{"Module1.bas", "Module2.bas"}));
+}
+
 TEST(FileSafety, TheCheckBeforeReplacingHoldsTheFolderLock) {
   qxtest::TempDir dir;
   const fs::path file = dir.path() / "Module1.bas";

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <mutex>
 
 #include "automation/error.h"
 
@@ -135,12 +136,26 @@ std::size_t NextCharacter(std::string_view text, std::size_t at) {
 
 }  // namespace
 
-Matcher::Matcher(const std::vector<std::string>& patterns, const MatchOptions& options) {
-  if (patterns.empty()) automation::Raise(automation::err::kInvalidCall, "no pattern to match");
-  caseInsensitive_ =
+struct Matcher::Program {
+  struct CodeFree {
+    void operator()(pcre2_code* code) const { pcre2_code_free(code); }
+  };
+  std::unique_ptr<pcre2_code, CodeFree> code;
+  bool jit = false;
+  bool caseInsensitive = false;
+  std::size_t groupCount = 0;
+};
+
+namespace {
+
+// Compiles the patterns; raises kInvalidPattern for one that does not compile.
+std::shared_ptr<const Matcher::Program> CompileProgram(const std::vector<std::string>& patterns,
+                                                       const MatchOptions& options) {
+  auto program = std::make_shared<Matcher::Program>();
+  program->caseInsensitive =
       options.caseMode == CaseMode::kInsensitive ||
       (options.caseMode == CaseMode::kSmart && !HasUpperCase(patterns, options.literal));
-  const uint32_t flags = kCompileFlags | (caseInsensitive_ ? PCRE2_CASELESS : 0);
+  const uint32_t flags = kCompileFlags | (program->caseInsensitive ? PCRE2_CASELESS : 0);
 
   // Each pattern is compiled alone first, so that an error names its pattern and an offset in
   // it; then all of them as one alternation, tried left to right at each place.
@@ -169,26 +184,87 @@ Matcher::Matcher(const std::vector<std::string>& patterns, const MatchOptions& o
       joined += (joined.empty() ? "" : "\", \"") + pattern;
     RaiseInvalid(joined, ErrorText(all.error));
   }
-  code_.reset(all.code);
-  jit_ = pcre2_jit_compile(code_.get(), PCRE2_JIT_COMPLETE) == 0;
-  data_.reset(pcre2_match_data_create_from_pattern(code_.get(), nullptr));
-  context_.reset(pcre2_match_context_create(nullptr));
-  if (!data_ || !context_) throw std::bad_alloc();
-  if (jit_) {
-    // Room for patterns that backtrack deeply; the stack grows only when a pattern needs it.
-    jitStack_.reset(pcre2_jit_stack_create(32 * 1024, 4 * 1024 * 1024, nullptr));
-    if (!jitStack_) throw std::bad_alloc();
-    pcre2_jit_stack_assign(context_.get(), nullptr, jitStack_.get());
-  }
+  program->code.reset(all.code);
+  program->jit = pcre2_jit_compile(program->code.get(), PCRE2_JIT_COMPLETE) == 0;
   uint32_t captures = 0;
-  pcre2_pattern_info(code_.get(), PCRE2_INFO_CAPTURECOUNT, &captures);
-  groupCount_ = captures;
+  pcre2_pattern_info(program->code.get(), PCRE2_INFO_CAPTURECOUNT, &captures);
+  program->groupCount = captures;
+  return program;
+}
+
+// The programs compiled last in this process, the most recent first: a run asks for the same
+// few again and again.
+std::shared_ptr<const Matcher::Program> FindOrCompile(const std::vector<std::string>& patterns,
+                                                      const MatchOptions& options) {
+  constexpr std::size_t kKept = 8;
+  struct Entry {
+    std::string key;
+    std::shared_ptr<const Matcher::Program> program;
+  };
+  static std::mutex mutex;
+  static std::vector<Entry> kept;
+  std::string key{static_cast<char>(options.literal), static_cast<char>(options.caseMode),
+                  static_cast<char>(options.wholeWord), static_cast<char>(options.codeOnly)};
+  for (const std::string& pattern : patterns)
+    key.append(std::to_string(pattern.size())).append(":").append(pattern);
+  {
+    const std::lock_guard<std::mutex> lock(mutex);
+    for (auto it = kept.begin(); it != kept.end(); ++it) {
+      if (it->key != key) continue;
+      std::rotate(kept.begin(), it, it + 1);
+      return kept.front().program;
+    }
+  }
+  std::shared_ptr<const Matcher::Program> program = CompileProgram(patterns, options);
+  const std::lock_guard<std::mutex> lock(mutex);
+  kept.insert(kept.begin(), Entry{std::move(key), program});
+  if (kept.size() > kKept) kept.pop_back();
+  return program;
+}
+
+// The match context of this thread, with its JIT stack: room for patterns that backtrack
+// deeply, the stack growing only when a pattern needs it. A match uses the stack only while it
+// runs, and one thread runs one match at a time.
+pcre2_match_context* ThreadMatchContext() {
+  struct Context {
+    Context() {
+      context = pcre2_match_context_create(nullptr);
+      stack = pcre2_jit_stack_create(32 * 1024, 4 * 1024 * 1024, nullptr);
+      if (!context || !stack) throw std::bad_alloc();
+      pcre2_jit_stack_assign(context, nullptr, stack);
+    }
+    ~Context() {
+      pcre2_jit_stack_free(stack);
+      pcre2_match_context_free(context);
+    }
+    pcre2_match_context* context = nullptr;
+    pcre2_jit_stack* stack = nullptr;
+  };
+  thread_local Context context;
+  return context.context;
+}
+
+}  // namespace
+
+Matcher::Matcher(const std::vector<std::string>& patterns, const MatchOptions& options) {
+  if (patterns.empty()) automation::Raise(automation::err::kInvalidCall, "no pattern to match");
+  program_ = FindOrCompile(patterns, options);
+  data_.reset(pcre2_match_data_create_from_pattern(program_->code.get(), nullptr));
+  if (!data_) throw std::bad_alloc();
+}
+
+bool Matcher::CaseInsensitive() const {
+  return program_->caseInsensitive;
+}
+
+std::size_t Matcher::GroupCount() const {
+  return program_->groupCount;
 }
 
 int Matcher::GroupNumber(std::string_view name) const {
   std::string key(name);
-  int number =
-      pcre2_substring_number_from_name(code_.get(), reinterpret_cast<PCRE2_SPTR>(key.c_str()));
+  int number = pcre2_substring_number_from_name(program_->code.get(),
+                                                reinterpret_cast<PCRE2_SPTR>(key.c_str()));
   return number > 0 ? number : -1;
 }
 
@@ -196,10 +272,11 @@ bool Matcher::Attempt(std::string_view text, std::size_t length, std::size_t fro
                       Match& match) {
   auto subject = reinterpret_cast<PCRE2_SPTR>(text.data());
   // JIT code does not take a match-time PCRE2_ANCHORED; pcre2_match then interprets.
-  int rc =
-      jit_ && !(flags & PCRE2_ANCHORED)
-          ? pcre2_jit_match(code_.get(), subject, length, from, flags, data_.get(), context_.get())
-          : pcre2_match(code_.get(), subject, length, from, flags, data_.get(), context_.get());
+  pcre2_code* code = program_->code.get();
+  pcre2_match_context* context = ThreadMatchContext();
+  int rc = program_->jit && !(flags & PCRE2_ANCHORED)
+               ? pcre2_jit_match(code, subject, length, from, flags, data_.get(), context)
+               : pcre2_match(code, subject, length, from, flags, data_.get(), context);
   if (rc == PCRE2_ERROR_NOMATCH) return false;
   if (rc == PCRE2_ERROR_MATCHLIMIT || rc == PCRE2_ERROR_DEPTHLIMIT || rc == PCRE2_ERROR_HEAPLIMIT ||
       rc == PCRE2_ERROR_JIT_STACKLIMIT) {
@@ -210,7 +287,7 @@ bool Matcher::Attempt(std::string_view text, std::size_t length, std::size_t fro
   const PCRE2_SIZE* ovector = pcre2_get_ovector_pointer(data_.get());
   match.start = ovector[0];
   match.end = ovector[1];
-  match.groups = std::span<const std::size_t>(ovector, 2 * (groupCount_ + 1));
+  match.groups = std::span<const std::size_t>(ovector, 2 * (program_->groupCount + 1));
   return true;
 }
 

@@ -11,7 +11,11 @@
 // in). A pattern that could reach over a line break (`a\s+b`) matches only within one line.
 //
 // A Matcher keeps one match-data block that every call reuses, so it is not for several threads
-// at once; matching a text in which nothing matches allocates nothing.
+// at once; matching a text in which nothing matches allocates nothing. What compiling gives (the
+// pattern and its JIT code) is kept for the process and shared by every Matcher made for the
+// same patterns and options, and every Matcher of a thread shares that thread's JIT stack: a
+// scan makes one Matcher for each component, and compiling, JIT-compiling and mapping a stack for
+// each would cost more than matching.
 
 #ifndef PCRE2_CODE_UNIT_WIDTH
 #define PCRE2_CODE_UNIT_WIDTH 8
@@ -87,9 +91,9 @@ class Matcher {
       : Matcher(std::vector<std::string>{std::string(pattern)}, options) {}
 
   // Whether the patterns are matched without regard to case (after smart case has decided).
-  bool CaseInsensitive() const { return caseInsensitive_; }
+  bool CaseInsensitive() const;
   // The number of capture groups of the compiled patterns, taken together.
-  std::size_t GroupCount() const { return groupCount_; }
+  std::size_t GroupCount() const;
   // The number of the group with this name, or -1 when there is none.
   int GroupNumber(std::string_view name) const;
 
@@ -114,6 +118,9 @@ class Matcher {
   // Every match of the text (its groups are not kept).
   std::vector<Match> FindAll(std::string_view text);
 
+  // What compiling the patterns gives (matcher.cpp), shared by the Matchers of the same patterns.
+  struct Program;
+
   // Where a walk through a text's matches stands.
   struct Cursor {
     std::size_t from = 0;     // where the next search starts
@@ -123,18 +130,8 @@ class Matcher {
   bool Next(std::string_view text, Cursor& cursor, Match& match);
 
  private:
-  struct CodeFree {
-    void operator()(pcre2_code* code) const { pcre2_code_free(code); }
-  };
   struct MatchDataFree {
     void operator()(pcre2_match_data* data) const { pcre2_match_data_free(data); }
-  };
-
-  struct JitStackFree {
-    void operator()(pcre2_jit_stack* stack) const { pcre2_jit_stack_free(stack); }
-  };
-  struct ContextFree {
-    void operator()(pcre2_match_context* context) const { pcre2_match_context_free(context); }
   };
 
   // One attempt of PCRE2 at `from` over text[0, length); fills `match` on success.
@@ -143,13 +140,8 @@ class Matcher {
   // Find with PCRE2 flags, keeping to one line.
   bool FindInLine(std::string_view text, std::size_t from, uint32_t flags, Match& match);
 
-  std::unique_ptr<pcre2_code, CodeFree> code_;
+  std::shared_ptr<const Program> program_;
   std::unique_ptr<pcre2_match_data, MatchDataFree> data_;
-  std::unique_ptr<pcre2_jit_stack, JitStackFree> jitStack_;
-  std::unique_ptr<pcre2_match_context, ContextFree> context_;
-  bool jit_ = false;
-  bool caseInsensitive_ = false;
-  std::size_t groupCount_ = 0;
 };
 
 // Turns byte offsets of one text, given in increasing order, into 1-based lines and columns,

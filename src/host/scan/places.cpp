@@ -119,7 +119,10 @@ void EnumerateControls(const ObjectRef& component, const PlaceSink& sink) {
       }
       if (!properties) continue;
       EnumerateStringProperties(control, name, name + ".", sink);
-      if (!MembersOf(control).Has("List")) continue;
+      // A control whose type has no list flags the member hidden, as it does its other
+      // properties that the type lacks.
+      const automation::Member* list = MembersOf(control).Find("List", MemberKind::Get);
+      if (list == nullptr || list->hidden) continue;
       if (std::optional<std::string> items = ReadText(control, "List")) {
         sink.place(Make("list", name + ".List", control, "List", std::move(items), name));
       }

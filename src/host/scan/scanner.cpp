@@ -1,5 +1,6 @@
 #include "host/scan/scanner.h"
 
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <vector>
@@ -174,6 +175,17 @@ class Walk {
   std::vector<Change> changes_;
 };
 
+// A run hands every component the same request: it is parsed on its first use only.
+std::shared_ptr<const ScanRequest> ParsedRequest(std::string text) {
+  thread_local std::string lastText;
+  thread_local std::shared_ptr<const ScanRequest> last;
+  if (!last || text != lastText) {
+    last = std::make_shared<const ScanRequest>(ScanRequest::Parse(text));
+    lastText = std::move(text);
+  }
+  return last;
+}
+
 }  // namespace
 
 const automation::ClassInfo& Scanner::Class() const {
@@ -197,13 +209,14 @@ void Scanner::ScanObject(const std::string& projectName, const std::string& coll
         "No scan buffer is registered under the name \"" + scanBufferName + "\".");
   }
   const Dispatch bufferCalls(buffer);
-  const ScanRequest request = ScanRequest::Parse(bufferCalls.Get("Request").ToString());
+  const std::shared_ptr<const ScanRequest> request =
+      ParsedRequest(bufferCalls.Get("Request").ToString());
 
   json result{{"project", projectName},
               {"collection", collectionName},
               {"component", objectName},
               {"updatable", objectIsUpdatable}};
-  Walk(request, object, objectName, objectIsUpdatable).Run(result);
+  Walk(*request, object, objectName, objectIsUpdatable).Run(result);
   // Texts from the IDE are UTF-8; should one not be, its bad bytes become U+FFFD rather than
   // losing the whole result.
   bufferCalls.Call("AddResult", result.dump(-1, ' ', false, json::error_handler_t::replace));

@@ -128,7 +128,7 @@ void CodeModule::ReserveLines(std::size_t count) {
 }
 
 void CodeModule::AppendLoadedLine(SourceLine line) {
-  facts_.push_back(AnalyzeLine(line.text));
+  facts_.push_back(AnalyzeLine(line.Text()));
   CodeLine code;
   code.line = std::move(line);
   lines_.push_back(std::move(code));
@@ -162,7 +162,7 @@ void CodeModule::BuildIndex() const {
   Proc* open = nullptr;   // the procedure whose End has not come yet
   std::string joined;
   auto factsAt = [this](int32_t k) { return facts_[k]; };
-  auto textAt = [this](int32_t k) -> std::string_view { return lines_[k].line.text; };
+  auto textAt = [this](int32_t k) -> std::string_view { return lines_[k].line.Text(); };
 
   for (int32_t i = 0; i < n;) {
     Piece piece = ReadPiece(i, n, factsAt, textAt, joined);
@@ -324,7 +324,7 @@ bool CodeModule::IndexAfterInsert(int32_t at, const std::vector<CodeLine>& added
   Proc* open = nullptr;
   std::string joined;
   auto factsAt = [&](int32_t k) { return addedFacts[k]; };
-  auto textAt = [&](int32_t k) -> std::string_view { return added[k].line.text; };
+  auto textAt = [&](int32_t k) -> std::string_view { return added[k].line.Text(); };
   // After the last procedure, its lines below its End go to the first new procedure.
   const int32_t regionStart = append ? above->endLine + 1 : at;
   for (int32_t i = 0; i < count;) {
@@ -476,11 +476,15 @@ std::string CodeModule::Lines(int32_t start, int32_t count) const {
     return {};
   }
   CheckLine(start, n);
-  int32_t end = start - 1 + std::min(count, n - start + 1);
+  const int32_t end = start - 1 + std::min(count, n - start + 1);
+  std::size_t size = 0;
+  for (int32_t i = start - 1; i < end; ++i)
+    size += lines_[i].line.Text().size() + 2;
   std::string out;
+  out.reserve(size);
   for (int32_t i = start - 1; i < end; ++i) {
     if (i != start - 1) out += "\r\n";
-    out += lines_[i].line.text;
+    out += lines_[i].line.Text();
   }
   return out;
 }
@@ -506,7 +510,7 @@ void CodeModule::DeleteLines(int32_t start, int32_t count) {
   for (auto it = first; it != last; ++it) {
     if (!it->hidden) continue;
     for (SourceLine& hidden : *it->hidden) {
-      const auto attribute = ParseAttributeLine(hidden.text);
+      const auto attribute = ParseAttributeLine(hidden.Text());
       std::string member =
           automation::VbNameKey(attribute ? attribute->Member() : std::string_view{});
       auto group = std::find_if(detached_.begin(), detached_.end(),
@@ -532,7 +536,7 @@ void CodeModule::InsertLines(int32_t line, std::string_view text) {
   auto add = [&](std::string_view piece) {
     addedFacts.push_back(AnalyzeLine(piece));
     CodeLine code;
-    code.line = SourceLine::New(std::string(piece));
+    code.line = SourceLine::New(piece);
     added.push_back(std::move(code));
   };
   // Every line end starts a line, so text that ends with one (or is empty) adds an empty line.
@@ -582,7 +586,7 @@ void CodeModule::Reattach(int32_t first, int32_t count) {
     int32_t stop = std::min(first + count, idx.declarationLines);
     for (int32_t at = first; at < stop; ++at) {
       const LineFacts facts = facts_[at];
-      if (!facts.blank && !facts.comment && MentionsWord(lines_[at].line.text, group.member)) {
+      if (!facts.blank && !facts.comment && MentionsWord(lines_[at].line.Text(), group.member)) {
         attach(at, group);
         break;
       }

@@ -108,22 +108,29 @@ void CollectReferences(const DescriptionNode& node, std::vector<CompanionUse>& o
 
 void PropertyEntry::Assign(SourceLine line) {
   line_ = std::move(line);
-  const auto parts = SplitPropertyLine(line_.text);
+  const std::string_view text = line_.Text();
+  const auto parts = SplitPropertyLine(text);
   // Callers only assign lines that split (parsed ones, or ones formatted from a name).
-  name_.assign(parts->name);
-  value_.assign(parts->value);
-  comment_.assign(parts->comment);
+  const auto span = [&](std::string_view part) {
+    if (part.empty()) return Span{};
+    return Span{static_cast<uint32_t>(part.data() - text.data()),
+                static_cast<uint32_t>(part.size())};
+  };
+  name_ = span(parts->name);
+  value_ = span(parts->value);
+  comment_ = parts->hasComment ? span(parts->comment) : Span{};
   hasComment_ = parts->hasComment;
-  valueStart_ = static_cast<std::size_t>(parts->valueText.data() - line_.text.data());
-  reference_ = ParseCompanionReference(value_);
+  valueStart_ = static_cast<uint32_t>(text.size() - parts->valueText.size());
 }
 
 std::string PropertyEntry::ValueText() const {
-  return line_.text.substr(valueStart_);
+  return std::string(line_.Text().substr(valueStart_));
 }
 
 void PropertyEntry::Rewrite(std::string_view valueText) {
-  SourceLine line = SourceLine::New(line_.text.substr(0, valueStart_) + std::string(valueText));
+  std::string text(line_.Text().substr(0, valueStart_));
+  text += valueText;
+  SourceLine line = SourceLine::New(text);
   Assign(std::move(line));
 }
 
@@ -138,7 +145,7 @@ int32_t DescriptionNode::Index() const {
   const PropertyEntry* index = FindProperty("Index");
   if (!index) return -1;
   int32_t value = -1;
-  const std::string& text = index->Value();
+  const std::string_view text = index->Value();
   auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   return error == std::errc() && end == text.data() + text.size() ? value : -1;
 }
@@ -186,7 +193,7 @@ DescriptionNode* DescriptionNode::FindGroup(std::string_view name) const {
 }
 
 std::size_t DescriptionNode::ChildIndent() const {
-  return IndentOf(begin_.text) + 3;
+  return IndentOf(begin_.Text()) + 3;
 }
 
 void DescriptionNode::MarkChanged() {
@@ -264,7 +271,7 @@ bool DescriptionNode::RemoveProperty(std::string_view name) {
 
 void DescriptionNode::Rename(std::string_view name) {
   if (name == name_) return;
-  std::string& text = begin_.text;
+  std::string text(begin_.Text());
   const std::size_t typeAt = text.find(type_);
   const std::size_t nameAt = typeAt == std::string::npos || name_.empty()
                                  ? std::string::npos
@@ -274,7 +281,7 @@ void DescriptionNode::Rename(std::string_view name) {
   } else {
     text = std::string(IndentOf(text), ' ') + "Begin " + type_ + " " + std::string(name) + " ";
   }
-  begin_.original = false;
+  begin_.SetText(text);
   name_.assign(name);
   MarkChanged();
 }
@@ -335,14 +342,14 @@ std::unique_ptr<Description> Description::Parse(std::vector<SourceLine>& lines, 
   std::unique_ptr<Description> description(new Description());
   for (std::size_t i = first; i < begin; ++i)
     description->prelude_.push_back(std::move(lines[i]));
-  if (begin >= lines.size() || !IsKeywordLine(Words(lines[begin].text), "Begin")) {
+  if (begin >= lines.size() || !IsKeywordLine(Words(lines[begin].Text()), "Begin")) {
     Invalid(fileName, begin, "the form description does not start with a Begin line");
   }
   std::vector<DescriptionNode*> open;
   std::size_t i = begin;
   for (; i < lines.size(); ++i) {
     SourceLine& line = lines[i];
-    const std::vector<std::string_view> words = Words(line.text);
+    const std::vector<std::string_view> words = Words(line.Text());
     const bool object = IsKeywordLine(words, "Begin");
     if (object || IsKeywordLine(words, "BeginProperty")) {
       auto node = std::make_unique<DescriptionNode>();
@@ -368,8 +375,8 @@ std::unique_ptr<Description> Description::Parse(std::vector<SourceLine>& lines, 
         open.back()->items_.push_back(std::move(item));
       }
       open.push_back(raw);
-    } else if (IsEndLine(line.text, "End") || IsEndLine(line.text, "EndProperty")) {
-      const bool closesObject = IsEndLine(line.text, "End");
+    } else if (IsEndLine(line.Text(), "End") || IsEndLine(line.Text(), "EndProperty")) {
+      const bool closesObject = IsEndLine(line.Text(), "End");
       if (open.back()->isGroup_ == closesObject) {
         Invalid(fileName, i,
                 closesObject ? "End closes a BeginProperty (EndProperty expected)"
@@ -381,14 +388,14 @@ std::unique_ptr<Description> Description::Parse(std::vector<SourceLine>& lines, 
         ++i;
         break;
       }
-    } else if (TrimBlanks(line.text).empty()) {
+    } else if (TrimBlanks(line.Text()).empty()) {
       DescriptionNode::Item item;
-      item.blank = std::move(line);
+      item.blank = std::make_unique<SourceLine>(std::move(line));
       open.back()->items_.push_back(std::move(item));
     } else if (!words.empty() && EqualsAsciiNoCase(words[0], "Attribute")) {
       Invalid(fileName, i, "the form description ends before its End line (an End is missing)");
     } else {
-      if (!SplitPropertyLine(line.text)) {
+      if (!SplitPropertyLine(line.Text())) {
         Invalid(fileName, i, "a line of the form description that is not `Name = value`");
       }
       DescriptionNode::Item item;
@@ -409,7 +416,7 @@ std::unique_ptr<Description> Description::Parse(std::vector<SourceLine>& lines, 
 std::vector<std::string_view> Description::ObjectLines() const {
   std::vector<std::string_view> out;
   for (const SourceLine& line : prelude_) {
-    if (const auto parts = SplitPropertyLine(line.text);
+    if (const auto parts = SplitPropertyLine(line.Text());
         parts && EqualsAsciiNoCase(parts->name, "Object")) {
       out.push_back(parts->valueText);
     }

@@ -34,36 +34,42 @@ namespace ide::form {
 
 class DescriptionNode;
 
-// One `Name = value` line.
+// One `Name = value` line. A form of many controls has tens of thousands of these, so an entry
+// keeps its line and where the parts are in it, nothing more: every part is a view of the line.
 class PropertyEntry {
  public:
-  const std::string& Name() const { return name_; }
+  std::string_view Name() const { return Part(name_); }
   // The value as stored, without its comment: `"Hello"`, `-1`, `&H8000000F&`, `"F.frx":0000`.
-  const std::string& Value() const { return value_; }
+  std::string_view Value() const { return Part(value_); }
   // The comment after the value (`True`, `Center`, possibly localised); empty when none.
-  const std::string& Comment() const { return comment_; }
+  std::string_view Comment() const { return Part(comment_); }
   bool HasComment() const { return hasComment_; }
   // Everything after `=   `: the value and its comment as written.
   std::string ValueText() const;
   // The companion reference the value is, if it is one.
-  const std::optional<CompanionReference>& Reference() const { return reference_; }
+  std::optional<CompanionReference> Reference() const { return ParseCompanionReference(Value()); }
   const SourceLine& Line() const { return line_; }
   DescriptionNode* Owner() const { return owner_; }
 
  private:
   friend class DescriptionNode;
   friend class Description;
+  // Where a part is in the line's text.
+  struct Span {
+    uint32_t start = 0;
+    uint32_t length = 0;
+  };
+  std::string_view Part(Span span) const { return line_.Text().substr(span.start, span.length); }
   void Assign(SourceLine line);              // takes the line and splits it
   void Rewrite(std::string_view valueText);  // keeps the name part of the line as written
 
   SourceLine line_;
-  std::size_t valueStart_ = 0;
-  std::string name_;
-  std::string value_;
-  std::string comment_;
-  bool hasComment_ = false;
-  std::optional<CompanionReference> reference_;
   DescriptionNode* owner_ = nullptr;
+  Span name_;
+  Span value_;
+  Span comment_;
+  uint32_t valueStart_ = 0;  // where the value text starts
+  bool hasComment_ = false;
 };
 
 // The seven lines of a font group, in the order VB6 writes them.
@@ -86,7 +92,7 @@ class DescriptionNode {
   struct Item {
     std::unique_ptr<PropertyEntry> property;
     std::unique_ptr<DescriptionNode> node;  // a group or a child object
-    std::optional<SourceLine> blank;        // an empty line, kept where it was
+    std::unique_ptr<SourceLine> blank;      // an empty line, kept where it was
   };
 
   bool IsGroup() const { return isGroup_; }

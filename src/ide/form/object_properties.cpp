@@ -86,7 +86,7 @@ bool IsBooleanLine(const PropertyEntry& entry) {
 // A number written to a stored line of another library's control, its comment kept in mind.
 void StoreStoredNumber(DescriptionNode& node, const Description* description,
                        const PropertyEntry& entry, double number) {
-  const std::string name = entry.Name();
+  const std::string name(entry.Name());
   if (number != std::floor(number)) {
     node.SetProperty(name, FormatSingle(static_cast<float>(number)));
     return;
@@ -309,7 +309,7 @@ std::optional<FontValues> OwnFont(const DescriptionNode& node) {
   if (group == nullptr) return std::nullopt;
   FontValues font = DefaultFont();
   for (const PropertyEntry* entry : group->Properties()) {
-    const std::string& name = entry->Name();
+    const std::string_view name = entry->Name();
     std::optional<double> number = ParseNumber(entry->Value());
     if (Same(name, "Name")) {
       if (auto text = UnquoteString(entry->Value())) font.name = *text;
@@ -367,7 +367,8 @@ std::string ObjectProperties::NameAt(int32_t position) const {
       for (const auto& item : node_->Items()) {
         const bool counts = item.property || (item.node && item.node->IsGroup());
         if (!counts) continue;
-        if (index++ == position) return item.property ? item.property->Name() : item.node->Name();
+        if (index++ == position)
+          return item.property ? std::string(item.property->Name()) : item.node->Name();
       }
       // Then the extender's properties that the file leaves at their defaults.
       for (const PropertyInfo& info :
@@ -396,7 +397,7 @@ std::string ObjectProperties::Spelling(std::string_view name) const {
   if (class_ != nullptr) {
     if (const PropertyInfo* info = class_->FindMember(name)) return std::string(info->name);
   } else if (const PropertyEntry* entry = node_->FindProperty(name)) {
-    return entry->Name();
+    return std::string(entry->Name());
   } else if (const DescriptionNode* group = node_->FindGroup(name)) {
     return group->Name();
   } else if (const PropertyInfo* info = ExtenderInfo(name)) {
@@ -421,7 +422,7 @@ bool ObjectProperties::MultiLine() const {
 
 Variant ObjectProperties::ReadStored(const PropertyEntry& entry) const {
   if (entry.Reference()) {
-    if (context_.companion == nullptr) return Variant(entry.Value());
+    if (context_.companion == nullptr) return Variant(std::string(entry.Value()));
     CompanionRecord record = context_.companion->Read(entry, RecordKindOf(entry));
     if (record.Kind() == CompanionRecordKind::kText ||
         record.Kind() == CompanionRecordKind::kLongString) {
@@ -438,7 +439,7 @@ Variant ObjectProperties::ReadStored(const PropertyEntry& entry) const {
     }
     return Variant(*number);
   }
-  return Variant(entry.Value());
+  return Variant(std::string(entry.Value()));
 }
 
 Variant ObjectProperties::Read(const PropertyInfo& info) const {
@@ -468,7 +469,7 @@ Variant ObjectProperties::Read(const PropertyInfo& info) const {
   const PropertyEntry* entry = node_->FindProperty(stored);
   if (entry == nullptr) return DefaultOf(info, node_->Name());
   if (entry->Reference()) {
-    if (context_.companion == nullptr) return Variant(entry->Value());
+    if (context_.companion == nullptr) return Variant(std::string(entry->Value()));
     CompanionRecord record = context_.companion->Read(*entry, RecordKindOf(*entry));
     return Variant(context_.codePage->Decode(record.Content()));
   }

@@ -78,6 +78,7 @@ std::unique_ptr<ComponentFile> ComponentFile::Parse(std::string bytes, FileKind 
   if (body.find('\0') < text.tailOffset) {
     Invalid(fileName, "it holds binary data (NUL bytes), not VB source text");
   }
+  file->decoded_ = std::move(text.decoded);
   file->dominant_ = text.dominant;
   file->finalBreak_ = text.finalBreak;
   file->tailOffset_ = text.tailOffset;
@@ -89,7 +90,7 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
   const std::size_t n = lines.size();
   std::size_t i = 0;
   auto startsWith = [&](std::size_t at, std::string_view word) {
-    return at < n && EqualsAsciiNoCase(FirstWord(lines[at].text), word);
+    return at < n && EqualsAsciiNoCase(FirstWord(lines[at].Text()), word);
   };
 
   if (IsFormLike(kind_)) {
@@ -97,7 +98,7 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
       Invalid(fileName, n == 0 ? "the file is empty" : "it does not start with a VERSION line");
     }
     i = 1;
-    while (i < n && (startsWith(i, "Object") || TrimBlanks(lines[i].text).empty()))
+    while (i < n && (startsWith(i, "Object") || TrimBlanks(lines[i].Text()).empty()))
       ++i;
     if (!startsWith(i, "Begin"))
       Invalid(fileName, "the form description (Begin ... End) is missing");
@@ -105,8 +106,8 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
     i = description_->Next();
   } else if (kind_ == FileKind::kClass && startsWith(0, "VERSION")) {
     i = 1;
-    if (i < n && EqualsAsciiNoCase(TrimBlanks(lines[i].text), "BEGIN")) {
-      while (i < n && !EqualsAsciiNoCase(TrimBlanks(lines[i].text), "END"))
+    if (i < n && EqualsAsciiNoCase(TrimBlanks(lines[i].Text()), "BEGIN")) {
+      while (i < n && !EqualsAsciiNoCase(TrimBlanks(lines[i].Text()), "END"))
         ++i;
       if (i == n) Invalid(fileName, "the class header BEGIN has no END (the file is cut short)");
       ++i;
@@ -114,12 +115,12 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
   }
 
   attributesStart_ = static_cast<int32_t>(i);
-  while (i < n && ParseAttributeLine(lines[i].text)) {
+  while (i < n && ParseAttributeLine(lines[i].Text())) {
     std::size_t open = 0;
     std::size_t close = 0;
-    if (nameLine_ < 0 && NameAttribute(lines[i].text, open, close)) {
+    if (nameLine_ < 0 && NameAttribute(lines[i].Text(), open, close)) {
       nameLine_ = static_cast<int32_t>(i);
-      name_ = lines[i].text.substr(open + 1, close - open - 1);
+      name_ = lines[i].Text().substr(open + 1, close - open - 1);
     }
     ++i;
   }
@@ -132,7 +133,7 @@ void ComponentFile::ParseHeader(std::vector<SourceLine>& lines, std::string_view
     header_.push_back(std::move(lines[k]));
   code_->ReserveLines(n - i);
   for (std::size_t k = i; k < n; ++k) {
-    if (ParseAttributeLine(lines[k].text) && code_->AppendHiddenLine(lines[k])) continue;
+    if (ParseAttributeLine(lines[k].Text()) && code_->AppendHiddenLine(lines[k])) continue;
     code_->AppendLoadedLine(std::move(lines[k]));
   }
 }
@@ -176,10 +177,12 @@ void ComponentFile::SetName(std::string_view name) {
     SourceLine& line = header_[nameLine_];
     std::size_t open = 0;
     std::size_t close = 0;
-    NameAttribute(line.text, open, close);
-    line.text = line.text.substr(0, open + 1) + std::string(name) + "\"" +
-                (close < line.text.size() ? line.text.substr(close + 1) : std::string{});
-    line.original = false;
+    const std::string_view text = line.Text();
+    NameAttribute(text, open, close);
+    std::string renamed(text.substr(0, open + 1));
+    renamed.append(name).append("\"");
+    if (close < text.size()) renamed.append(text.substr(close + 1));
+    line.SetText(renamed);
   } else {
     // A file without the attribute gets one where VB6 writes it: first of the module's
     // attributes.

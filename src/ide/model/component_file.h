@@ -104,7 +104,9 @@ class ComponentFile {
   // The bytes as read after their byte-order mark, if any; unchanged lines point into them.
   std::string_view Body() const { return std::string_view(original_).substr(bomLength_); }
 
-  std::string original_;       // the bytes as read
+  std::string original_;  // the bytes as read
+  // Their text decoded, when it is not the bytes themselves; lines read view one or the other.
+  std::unique_ptr<std::string> decoded_;
   std::size_t bomLength_ = 0;  // the UTF-8 byte-order mark at their start, kept when saving
   std::string saved_;          // the bytes last saved, once they differ from the bytes read
   bool savedIsOriginal_ = true;

@@ -58,13 +58,14 @@ std::unique_ptr<ProjectFile> ProjectFile::Parse(std::string bytes,
   file->original_.erase(0, file->byteOrderMark_.size());
   SourceText text = SplitText(file->original_, codePage);
   file->lines_ = std::move(text.lines);
+  file->decoded_ = std::move(text.decoded);
   file->dominant_ = text.dominant;
   file->finalBreak_ = text.finalBreak;
   file->tailOffset_ = text.tailOffset;
 
   bool mainSection = true;
   for (std::size_t i = 0; i < file->lines_.size(); ++i) {
-    const std::string_view lineText = file->lines_[i].text;
+    const std::string_view lineText = file->lines_[i].Text();
     const std::string_view trimmed = TrimBlanks(lineText);
     if (!trimmed.empty() && trimmed.front() == '[') {
       mainSection = false;  // a tool's section: its keys are that tool's business
@@ -97,14 +98,15 @@ void ProjectFile::RenameEntry(std::size_t index, std::string_view name) {
   ProjectEntry& entry = entries_.at(index);
   if (entry.kind != FileKind::kModule && entry.kind != FileKind::kClass) return;
   SourceLine& line = lines_[entry.line];
+  std::string text(line.Text());
   if (entry.hasName) {
-    line.text.replace(entry.nameOffset, entry.name.size(), name);
+    text.replace(entry.nameOffset, entry.name.size(), name);
   } else {
     // A line that gave only the file gets the name part VB writes: "name; file".
-    line.text.insert(entry.nameOffset, std::string(name) + "; ");
+    text.insert(entry.nameOffset, std::string(name) + "; ");
     entry.hasName = true;
   }
-  line.original = false;
+  line.SetText(text);
   entry.name.assign(name);
   dirty_ = true;
 }

@@ -58,8 +58,9 @@ class ProjectFile {
   ProjectFile() = default;
 
   const platform::CodePage* codePage_ = nullptr;
-  std::string original_;       // as read, without its byte-order mark
-  std::string byteOrderMark_;  // the UTF-8 byte-order mark the file began with, if any
+  std::string original_;                  // as read, without its byte-order mark
+  std::unique_ptr<std::string> decoded_;  // its text, when not the bytes themselves (lines view it)
+  std::string byteOrderMark_;             // the UTF-8 byte-order mark the file began with, if any
   std::string disk_;
   std::vector<SourceLine> lines_;
   std::vector<ProjectEntry> entries_;

@@ -35,6 +35,8 @@ using Clock = std::chrono::steady_clock;
 using host::ControlName;
 using host::kControlClass;
 
+// How often the loop looks for what no call tells it: an idle period run out, a project file
+// changed on disk. A request to end is answered at once, not at the tick.
 constexpr std::chrono::milliseconds kTick{200};
 
 // One line of the log: local time, process, text.
@@ -161,7 +163,7 @@ int Serve(const ServeOptions& options) {
   std::string reason = "asked to end";
   automation::Apartment& apartment = automation::Apartment::Get();
   while (!activity.quit) {
-    apartment.ServeFor(kTick);
+    apartment.ServeFor(kTick, activity.quit);
     if (automation::ExportedObjectCount() > 0) {
       activity.lastHeld = Clock::now();
       activity.reached = true;

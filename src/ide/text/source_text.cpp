@@ -8,20 +8,6 @@
 
 namespace ide {
 
-std::string_view LineEndBytes(LineEnd end) {
-  switch (end) {
-    case LineEnd::kCrLf:
-      return "\r\n";
-    case LineEnd::kLf:
-      return "\n";
-    case LineEnd::kCr:
-      return "\r";
-    case LineEnd::kNone:
-      break;
-  }
-  return {};
-}
-
 namespace {
 
 struct Span {
@@ -82,33 +68,38 @@ SourceText SplitText(std::string_view bytes, const platform::CodePage& codePage)
     text.dominant = LineEnd::kCr;
   }
 
-  // Decode the whole text at once (the fast path) and cut it at the same line ends; the ASCII
-  // line-end bytes come through decoding unchanged in every code page we read. Should the cut
-  // not match the bytes' lines, decode line by line instead.
-  std::string decoded = codePage.Decode(body);
-  // Text that decodes to itself (ASCII) is cut where the bytes are.
-  const bool same = decoded == body;
-  std::vector<Span> decodedSpans;
-  if (!same) decodedSpans = SplitSpans(decoded);
-  bool parallel = same || decodedSpans.size() == spans.size();
-  for (std::size_t i = 0; parallel && !same && i < spans.size(); ++i) {
-    parallel = decodedSpans[i].end == spans[i].end;
-  }
   text.lines.reserve(spans.size());
-  for (std::size_t i = 0; i < spans.size(); ++i) {
-    SourceLine line;
-    line.rawOffset = static_cast<uint32_t>(spans[i].offset);
-    line.rawLength = static_cast<uint32_t>(spans[i].length);
-    line.end = spans[i].end;
-    line.original = true;
-    if (same) {
-      line.text.assign(decoded, spans[i].offset, spans[i].length);
-    } else if (parallel) {
-      line.text.assign(decoded, decodedSpans[i].offset, decodedSpans[i].length);
-    } else {
-      line.text = codePage.Decode(body.substr(spans[i].offset, spans[i].length));
+  // Text that decodes to itself (ASCII, the common case) is its own text: each line views its
+  // bytes.
+  if (codePage.DecodesToItself(body)) {
+    for (const Span& s : spans)
+      text.lines.push_back(
+          SourceLine::Read(body.substr(s.offset, s.length), s.offset, s.length, s.end));
+    return text;
+  }
+  // Otherwise the whole text is decoded at once and cut at the same line ends; the ASCII
+  // line-end bytes come through decoding unchanged in every code page we read. Should the cut
+  // not match the bytes' lines, the lines are decoded one by one into the same buffer instead.
+  text.decoded = std::make_unique<std::string>(codePage.Decode(body));
+  std::vector<Span> decodedSpans = SplitSpans(*text.decoded);
+  bool parallel = decodedSpans.size() == spans.size();
+  for (std::size_t i = 0; parallel && i < spans.size(); ++i)
+    parallel = decodedSpans[i].end == spans[i].end;
+  if (!parallel) {
+    std::string& decoded = *text.decoded;
+    decoded.clear();
+    decodedSpans.clear();
+    for (const Span& s : spans) {
+      const std::size_t at = decoded.size();
+      decoded += codePage.Decode(body.substr(s.offset, s.length));
+      decodedSpans.push_back({at, decoded.size() - at, s.end});
     }
-    text.lines.push_back(std::move(line));
+  }
+  const std::string_view decoded = *text.decoded;
+  for (std::size_t i = 0; i < spans.size(); ++i) {
+    text.lines.push_back(
+        SourceLine::Read(decoded.substr(decodedSpans[i].offset, decodedSpans[i].length),
+                         spans[i].offset, spans[i].length, spans[i].end));
   }
   return text;
 }
@@ -124,7 +115,7 @@ void TextWriter::Add(const SourceLine& line) {
   if (line.original) {
     out_.append(original_.substr(line.rawOffset, line.rawLength));
   } else {
-    out_ += codePage_.Encode(line.text);
+    out_ += codePage_.Encode(line.Text());
   }
   pending_ = line.end == LineEnd::kNone ? dominant_ : line.end;
   any_ = true;

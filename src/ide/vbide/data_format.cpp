@@ -12,7 +12,7 @@ int32_t NumberIn(const form::DescriptionNode& group, std::string_view name) {
   const form::PropertyEntry* entry = group.FindProperty(name);
   if (!entry) return 0;
   int32_t value = 0;
-  const std::string& text = entry->Value();
+  const std::string_view text = entry->Value();
   std::from_chars(text.data(), text.data() + text.size(), value);
   return value;
 }
@@ -24,7 +24,7 @@ DataFormat::DataFormat(const form::DescriptionNode& control) {
   if (!group) return;
   type_ = NumberIn(*group, "Type");
   if (const form::PropertyEntry* format = group->FindProperty("Format")) {
-    format_ = form::UnquoteString(format->Value()).value_or(format->Value());
+    format_ = form::UnquoteString(format->Value()).value_or(std::string(format->Value()));
   }
   subFormatType_ = NumberIn(*group, "SubFormatType");
   firstDayOfWeek_ = NumberIn(*group, "FirstDayOfWeek");

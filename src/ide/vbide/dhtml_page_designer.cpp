@@ -26,7 +26,7 @@ std::string DHTMLPageDesigner::Setting(std::string_view name) const {
   if (description == nullptr) return {};
   const form::PropertyEntry* entry = description->Root().FindProperty(name);
   if (entry == nullptr) return {};
-  return form::UnquoteString(entry->Value()).value_or(entry->Value());
+  return form::UnquoteString(entry->Value()).value_or(std::string(entry->Value()));
 }
 
 std::string DHTMLPageDesigner::SourceFile() const {
