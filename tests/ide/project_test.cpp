@@ -33,13 +33,16 @@ TEST(Project, SavingNeverOverwritesWorkItShouldNot) {
   ide::Component& account = project->Item("CAccount");
   account.Code().InsertLines(1, "' audited");
 
-  // Changed on disk since it was loaded: refused, both versions intact.
+  // Changed on disk since it was loaded: refused, and the refused change dropped, so that the
+  // model holds what the disk holds.
   std::string path = account.FileName();
-  std::string theirs = ReadBytes(path) + "' edited elsewhere\r\n";
+  std::string theirs = ReadBytes(path);
+  theirs.replace(theirs.find("Option Explicit"), 15, "Option Explicit ' edited elsewhere");
   WriteBytes(path, theirs);
   EXPECT_EQ(ErrorOf([&] { account.Save(); }), 75);
   EXPECT_EQ(ReadBytes(path), theirs);
-  EXPECT_TRUE(account.IsDirty());
+  EXPECT_FALSE(account.IsDirty());
+  EXPECT_EQ(account.Code().Lines(1, 1), "Option Explicit ' edited elsewhere");
 
   // (A read-only file is checked through resave, which reports it.)
   ide::Component& util = project->Item("modUtil");
@@ -49,6 +52,8 @@ TEST(Project, SavingNeverOverwritesWorkItShouldNot) {
   // SaveAs writes elsewhere, and the component's file is the new one from then on; a folder
   // that does not exist is VB's 76.
   EXPECT_EQ(ErrorOf([&] { util.SaveAs(copy.Path("Nowhere/modUtil.bas")); }), 76);
+  EXPECT_FALSE(util.IsDirty());
+  util.Code().InsertLines(1, "' audited");
   fs::create_directory(copy.dir() / "Saved");
   util.SaveAs(copy.Path("Saved/modUtil.bas"));
   EXPECT_EQ(util.FileName(), copy.Path("Saved/modUtil.bas"));

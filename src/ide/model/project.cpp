@@ -179,6 +179,32 @@ form::FormContext Component::Form() {
 }
 
 void Component::Save() {
+  try {
+    Write();
+  } catch (...) {
+    DropChanges();
+    throw;
+  }
+}
+
+void Component::SaveAs(std::string_view path) {
+  try {
+    WriteAs(path);
+  } catch (...) {
+    DropChanges();
+    throw;
+  }
+}
+
+void Component::DropChanges() {
+  file_.reset();
+  companion_.reset();
+  loadError_.reset();
+  loadedStamp_.reset();
+  project_.file_->RestoreEntry(entry_);
+}
+
+void Component::Write() {
   TakePageChanges();
   ComponentFile& file = File();
   form::Description* description = file.Description();
@@ -234,11 +260,11 @@ void Component::Save() {
   loadedStamp_ = platform::StampOf(fileName_);
 }
 
-void Component::SaveAs(std::string_view path) {
+void Component::WriteAs(std::string_view path) {
   ComponentFile& file = File();
   std::string target = platform::ToNative(path).string();
   if (target == fileName_) {
-    Save();
+    Write();
     return;
   }
   TakePageChanges();
@@ -378,9 +404,14 @@ Component& Project::Item(std::string_view name) {
 
 void Project::Save() {
   if (!file_->IsDirty()) return;
-  std::string bytes = file_->Render();
-  SaveOver(fileName_, file_->DiskBytes(), bytes);
-  file_->MarkSaved(std::move(bytes));
+  try {
+    std::string bytes = file_->Render();
+    SaveOver(fileName_, file_->DiskBytes(), bytes);
+    file_->MarkSaved(std::move(bytes));
+  } catch (...) {
+    file_->RestoreEntries();
+    throw;
+  }
   stamp_ = platform::StampOf(fileName_);
 }
 

@@ -102,13 +102,26 @@ class Component {
   // renumbered. Both files are checked (read-only, changed on disk) before either is written; the
   // companion is written first, then the file, and when writing the file fails the companion is put
   // back as it was, so that the file on disk never references records that are not there.
+  //
+  // A save that fails or is refused, at whatever step (a full disk, a file changed on disk, a
+  // character the code page cannot hold, a companion record that cannot be laid out), leaves
+  // nothing behind: the component's changes are dropped, its project-file entry included, and
+  // its file is read again on next use. What the IDE holds is then what the disk holds, so no
+  // later save writes the refused change, and the component is never left with changes that
+  // nobody can save.
   void Save();
   // Writes the file under another name, which becomes the component's file. A file with a
   // companion gets one beside it under its new name ("Copy.frm" and "Copy.frx"), written first,
-  // and its references name it; the old files stay as they are.
+  // and its references name it; the old files stay as they are. A failure drops the changes as
+  // Save's does.
   void SaveAs(std::string_view path);
 
  private:
+  void Write();
+  void WriteAs(std::string_view path);
+  // Forgets the file's model, with every change made to it: the next use reads the file.
+  void DropChanges();
+
   Project& project_;
   std::size_t entry_;
   std::string fileName_;
@@ -150,7 +163,8 @@ class Project {
   bool ChangedOnDisk() const { return platform::StampOf(fileName_) != stamp_; }
   // The project file needs writing (a module or class was renamed).
   bool IsDirty() const { return file_->IsDirty(); }
-  // Writes the project file when it needs writing; otherwise leaves it untouched.
+  // Writes the project file when it needs writing; otherwise leaves it untouched. When writing
+  // it fails, the renamed entries go back to what the file on disk says.
   void Save();
 
   // The folder of this process for the files that hold the pages of the project's DHTML pages
