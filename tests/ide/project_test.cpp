@@ -1,6 +1,7 @@
 // Projects over their files: the project file's entries, components found and read lazily,
 // saving that never changes a byte it need not and never loses work.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -211,6 +212,19 @@ TEST(Project, AChangedFileIsReadAgainUnlessTheComponentHoldsChanges) {
   const int32_t lines = util.Code().CountOfLines();
   WriteBytes(util.FileName(), ReadBytes(util.FileName()) + "' added elsewhere\r\n");
   EXPECT_EQ(util.Code().CountOfLines(), lines + 1);
+  // An edit of the same size with the old modification time put back (touch -r) is seen too.
+  const auto sameSizeEdit = [](const std::string& path, const std::string& from,
+                               const std::string& to) {
+    struct stat before {};
+    ASSERT_EQ(::stat(path.c_str(), &before), 0);
+    std::string bytes = ReadBytes(path);
+    bytes.replace(bytes.find(from), from.size(), to);
+    WriteBytes(path, bytes);
+    const timespec times[2] = {before.st_atim, before.st_mtim};
+    ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+  };
+  sameSizeEdit(util.FileName(), "' added elsewhere", "' edited anywhere");
+  EXPECT_EQ(util.Code().Lines(lines + 1, 1), "' edited anywhere");
 
   ide::Component& account = project->Item("CAccount");
   account.Code().InsertLines(1, "' mine");
@@ -218,6 +232,6 @@ TEST(Project, AChangedFileIsReadAgainUnlessTheComponentHoldsChanges) {
   WriteBytes(account.FileName(), ReadBytes(account.FileName()) + "' theirs\r\n");
   EXPECT_EQ(account.Code().CountOfLines(), mine);  // the unsaved change is kept
 
-  WriteBytes(copy.Path("Ledger.vbp"), ReadBytes(copy.Path("Ledger.vbp")) + "\r\n");
+  sameSizeEdit(copy.Path("Ledger.vbp"), "Name=", "name=");
   EXPECT_TRUE(project->ChangedOnDisk());
 }

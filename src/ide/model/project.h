@@ -121,6 +121,10 @@ class Component {
   void WriteAs(std::string_view path);
   // Forgets the file's model, with every change made to it: the next use reads the file.
   void DropChanges();
+  // The file's stamp, taken before it is read or just after it was written.
+  void NoteStamp();
+  // Whether the file is still the one read or written last (see platform::IsSettled).
+  bool UnchangedOnDisk();
 
   Project& project_;
   std::size_t entry_;
@@ -129,6 +133,7 @@ class Component {
   std::unique_ptr<form::CompanionStore> companion_;  // with file_, for kinds that have one
   std::optional<automation::Error> loadError_;
   std::optional<platform::FileStamp> loadedStamp_;  // of the file when it was last read
+  bool stampSettled_ = false;
   uint64_t reads_ = 0;
   std::uint64_t lookedInCall_ = 0;      // the served call in which the file was last looked at
   std::unique_ptr<DesignerPage> page_;  // last: it takes its changes in while the rest is alive
@@ -160,7 +165,7 @@ class Project {
 
   const ProjectFile& File() const { return *file_; }
   // The project file changed on disk since it was read or last saved.
-  bool ChangedOnDisk() const { return platform::StampOf(fileName_) != stamp_; }
+  bool ChangedOnDisk();
   // The project file needs writing (a module or class was renamed).
   bool IsDirty() const { return file_->IsDirty(); }
   // Writes the project file when it needs writing; otherwise leaves it untouched. When writing
@@ -178,11 +183,13 @@ class Project {
  private:
   friend class Component;
   Project() = default;
+  void NoteStamp();
 
   std::string fileName_;
   const platform::CodePage* codePage_ = nullptr;
   std::unique_ptr<ProjectFile> file_;
   std::optional<platform::FileStamp> stamp_;  // of the project file when read or saved
+  bool stampSettled_ = false;
   std::filesystem::path pageFolder_;
   std::vector<std::unique_ptr<Component>> components_;
   // Where Find saw each name (VbNameKey), so that a look-up does not read every name before
