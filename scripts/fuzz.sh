@@ -47,6 +47,36 @@ while IFS= read -r -d '' file; do
   esac
 done < <(find "$here/tests/fixtures" -type f -print0)
 
+# Generated seeds that reach what the fixtures do not: forms nested to the bound of 100 levels
+# and one beyond it (objects, then property groups inside the deepest object), and a long form
+# of 400 controls, half of them in control arrays. Form kind byte: 2.
+nested_form() {  # nested_form LEVELS GROUPS
+  printf '\002VERSION 5.00\r\nBegin VB.Form frmDeep \r\n   Caption         =   "Deep"\r\n'
+  local level
+  for ((level = 1; level < $1; level++)); do
+    printf 'Begin VB.Frame Frame%d \r\n   Caption = "%d"\r\n' "$level" "$level"
+  done
+  for ((level = 0; level < $2; level++)); do printf 'BeginProperty Font \r\n'; done
+  for ((level = 0; level < $2; level++)); do printf 'EndProperty\r\n'; done
+  for ((level = 0; level < $1; level++)); do printf 'End\r\n'; done
+  printf 'Attribute VB_Name = "frmDeep"\r\nOption Explicit\r\n'
+}
+nested_form 100 0 >"$dir/seeds/component_file/deep-100"
+nested_form 98 2 >"$dir/seeds/component_file/deep-98-groups"
+nested_form 101 0 >"$dir/seeds/component_file/deep-101"
+{
+  printf '\002VERSION 5.00\r\nBegin VB.Form frmWide \r\n   Caption         =   "Wide"\r\n'
+  for ((i = 0; i < 400; i++)); do
+    if ((i % 2)); then
+      printf '   Begin VB.OptionButton optChoice \r\n      Index           =   %d\r\n' "$((i / 2))"
+    else
+      printf '   Begin VB.TextBox txtField%d \r\n' "$i"
+    fi
+    printf '      Left            =   120\r\n      TabIndex        =   %d\r\n   End\r\n' "$i"
+  done
+  printf 'End\r\nAttribute VB_Name = "frmWide"\r\nOption Explicit\r\n'
+} >"$dir/seeds/component_file/wide-400"
+
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 status=0

@@ -263,32 +263,41 @@ automation::ObjectRef ObjectTable::Find(const std::string& name) {
     Entry entry;      // else the registration in another process
     fs::path file;
   };
-  std::vector<Candidate> candidates;
-  for (const auto& r : TheState().registrations) {
-    if (r.key == key) candidates.push_back(Candidate{r.stamp, r.object, {}, {}});
-  }
-  for (LiveEntry& live : OtherLiveEntries()) {
-    if (live.entry.key == key)
-      candidates.push_back(Candidate{live.entry.stamp, nullptr, std::move(live.entry), live.file});
-  }
+  // A registration may be withdrawn between reading its entry and asking its process for it
+  // (the IDE reopens a project whose file changed when it is asked, and registers its
+  // dispatcher anew): the table is then read once more.
+  bool withdrawn = true;
+  for (int pass = 0; pass < 2 && withdrawn; ++pass) {
+    withdrawn = false;
+    std::vector<Candidate> candidates;
+    for (const auto& r : TheState().registrations) {
+      if (r.key == key) candidates.push_back(Candidate{r.stamp, r.object, {}, {}});
+    }
+    for (LiveEntry& live : OtherLiveEntries()) {
+      if (live.entry.key == key)
+        candidates.push_back(
+            Candidate{live.entry.stamp, nullptr, std::move(live.entry), live.file});
+    }
 
-  std::sort(candidates.begin(), candidates.end(),
-            [](const Candidate& a, const Candidate& b) { return a.stamp > b.stamp; });
-  for (const Candidate& candidate : candidates) {
-    if (candidate.local) return candidate.local;
-    try {
-      ObjectRef registrations = automation::Connect(candidate.entry.socket);
-      ObjectRef found =
-          automation::Dispatch(registrations).Call("Find", candidate.entry.cookie).ToObject();
-      if (found) return found;
-    } catch (const automation::Error& e) {
-      // The process ended between the check and the call: its entry is stale. One that is
-      // there but does not answer is no stale entry: the caller hears of it.
-      if (e.Number() != automation::err::kServerUnavailable ||
-          automation::StateOf(candidate.entry.pid) != automation::ProcessState::Gone) {
-        throw;
+    std::sort(candidates.begin(), candidates.end(),
+              [](const Candidate& a, const Candidate& b) { return a.stamp > b.stamp; });
+    for (const Candidate& candidate : candidates) {
+      if (candidate.local) return candidate.local;
+      try {
+        ObjectRef registrations = automation::Connect(candidate.entry.socket);
+        ObjectRef found =
+            automation::Dispatch(registrations).Call("Find", candidate.entry.cookie).ToObject();
+        if (found) return found;
+        withdrawn = true;
+      } catch (const automation::Error& e) {
+        // The process ended between the check and the call: its entry is stale. One that is
+        // there but does not answer is no stale entry: the caller hears of it.
+        if (e.Number() != automation::err::kServerUnavailable ||
+            automation::StateOf(candidate.entry.pid) != automation::ProcessState::Gone) {
+          throw;
+        }
+        RemoveQuietly(candidate.file);
       }
-      RemoveQuietly(candidate.file);
     }
   }
   return nullptr;

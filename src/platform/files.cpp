@@ -358,8 +358,21 @@ LocalTime FileDateTime(std::string_view path) {
 std::optional<FileStamp> StampOf(std::string_view path) {
   struct stat st;
   if (path.empty() || !StatPath(ToNative(path), st) || !S_ISREG(st.st_mode)) return std::nullopt;
-  return FileStamp{static_cast<int64_t>(st.st_size),
-                   static_cast<int64_t>(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec};
+  const auto nanoseconds = [](const timespec& time) {
+    return static_cast<int64_t>(time.tv_sec) * 1000000000 + time.tv_nsec;
+  };
+  return FileStamp{static_cast<int64_t>(st.st_size), nanoseconds(st.st_mtim),
+                   static_cast<uint64_t>(st.st_dev), static_cast<uint64_t>(st.st_ino),
+                   nanoseconds(st.st_ctim)};
+}
+
+bool IsSettled(const FileStamp& stamp) {
+  // Far more than a tick of any local file system's clock.
+  constexpr int64_t kTickNs = 100'000'000;
+  timespec now{};
+  ::clock_gettime(CLOCK_REALTIME, &now);
+  const int64_t nowNs = static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec;
+  return nowNs - stamp.changedNs > kTickNs;
 }
 
 std::string ReadFile(std::string_view path, std::size_t limit) {

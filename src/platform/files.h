@@ -36,16 +36,27 @@ struct LocalTime {
 // Last-modified time in local time. Raises 53 when the path does not exist.
 LocalTime FileDateTime(std::string_view path);
 
-// What tells one version of a file from another without reading it: its size and its
-// last-modified time to the nanosecond.
+// What tells one version of a file from another without reading it: its size, its
+// last-modified time to the nanosecond, its inode (a file replaced by a rename is another one)
+// and its status-change time, which every write moves and which, unlike the modified time, no
+// program can set back (`touch -r` after an edit of the same size).
 struct FileStamp {
   int64_t size = 0;
   int64_t modifiedNs = 0;
+  uint64_t device = 0;
+  uint64_t inode = 0;
+  int64_t changedNs = 0;
   bool operator==(const FileStamp&) const = default;
 };
 
 // The stamp of a regular file (symbolic links followed); nullopt when there is none.
 std::optional<FileStamp> StampOf(std::string_view path);
+
+// Whether a stamp just taken tells this version of the file from every later one. The file
+// system's clock moves in ticks of some milliseconds: a file changed moments ago may change
+// again within the same tick, its size kept, and keep its stamp. Whoever holds a stamp that is
+// not settled compares the file's bytes at its next look instead of trusting the stamp.
+bool IsSettled(const FileStamp& stamp);
 
 // The most ReadFile reads unless told otherwise: far beyond any VB source or companion file.
 inline constexpr std::size_t kReadLimit = std::size_t{512} << 20;

@@ -4,10 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
+#include <functional>
 #include <string>
 
 #include "automation/error.h"
+#include "ide/vbide/vbproject.h"
+#include "platform/files.h"
 #include "support/errors.h"
 #include "tests/components/component_env.h"
 
@@ -16,6 +20,7 @@ namespace {
 using automation::Dispatch;
 using automation::ObjectRef;
 using qxtest::Caught;
+using qxtest::DriverEnv;
 
 constexpr const char* kModuleRefusal =
     "Couldn't save changes safely because the module is already open and has pending changes.";
@@ -215,6 +220,111 @@ TEST_F(ScanTest, AFailingScanReturnsTheObjectToIdleAndRaisesWithItsTrail) {
   EXPECT_EQ(ModeOf(module), 0);
   // What the scanner wrote before it failed is saved all the same.
   EXPECT_NE(Bytes("Code.bas").find("    Counter = 3\r\n"), std::string::npos);
+}
+
+// Removes the fault hook when the test ends, also when it fails.
+struct FaultHook {
+  explicit FaultHook(std::function<int(platform::WriteStep)> hook) {
+    platform::SetWriteFaultHook(std::move(hook));
+  }
+  ~FaultHook() { platform::SetWriteFaultHook({}); }
+};
+
+// A save that fails, whatever the failure and at whatever step, leaves the IDE holding what the
+// disk holds: nothing left to save (which would keep an IDE from ending when idle, and refuse
+// every later write of the component), a search shows the disk, and the next write writes its
+// own change alone.
+TEST_F(ScanTest, AFailedSaveLeavesTheIdeHoldingWhatTheDiskHolds) {
+  const std::string original = Bytes("Code.bas");
+  const std::string project = Bytes("Sample.vbp");
+  const std::string otherProgram =
+      std::string(kCode).replace(std::string(kCode).find("Counter = 1"), 11, "Counter = 7");
+  const auto alpha = [](const std::string& value) {
+    return "Sub Alpha()\r\n    Counter = " + value + "\r\nEnd Sub";
+  };
+  // Writes Alpha as a replace does, and with `rename` the module's name, which reaches the
+  // project file; `meanwhile` stands for what happens before the save.
+  const auto failingWrite = [&](const std::string& value, const std::function<void()>& meanwhile,
+                                bool rename = false) {
+    scanAction_ = [&, value, rename](const ObjectRef& object) {
+      Dispatch(object, "IObject").Call("SetMode", 2);
+      Item(object, "Alpha").Put("Text", alpha(value));
+      if (rename) Dispatch(object).Put("Name", "Renamed");
+      if (meanwhile) meanwhile();
+    };
+    const automation::Error e = Caught([&] { Scan(Module("Code"), "Code"); });
+    scanAction_ = nullptr;
+    return e;
+  };
+  const auto expectDiskInIde = [&](const std::string& what) {
+    const std::string disk = Bytes("Code.bas");
+    EXPECT_EQ(Bytes("Sample.vbp"), project) << what;
+    EXPECT_FALSE(IdeComponent("Code").Get("IsDirty").ToBool()) << what;
+    EXPECT_FALSE(ide_->VBProject()->IsDirty()) << what;  // what an idle IDE waits for to end
+    EXPECT_EQ(IdeCode("Code") + "\r\n", disk.substr(disk.find("\r\n") + 2)) << what;
+    // A search reads the disk's text.
+    std::string read;
+    scanAction_ = [&](const ObjectRef& object) {
+      read = Item(object, "Alpha").Get("Text").ToString();
+    };
+    Scan(Module("Code"), "Code");
+    EXPECT_EQ(read, disk.substr(disk.find("Sub Alpha"), alpha("1").size())) << what;
+    // Another write writes its own change, and only that.
+    scanAction_ = [&](const ObjectRef& object) {
+      Dispatch(object, "IObject").Call("SetMode", 2);
+      Item(object, "Gamma")
+          .Put("Text", "Function Gamma() As Long\r\n    Gamma = 0\r\nEnd Function");
+    };
+    Scan(Module("Code"), "Code");
+    scanAction_ = nullptr;
+    // The tab-only line above Gamma is not blank to Text: the region written over starts
+    // there, and the new text comes with the blank line a procedure's text is written after.
+    std::string expected = disk;
+    const std::string gamma = "\t\r\nFunction Gamma() As Long\r\n    Gamma = Counter";
+    expected.replace(expected.find(gamma), gamma.size(),
+                     "\r\nFunction Gamma() As Long\r\n    Gamma = 0");
+    EXPECT_EQ(Bytes("Code.bas"), expected) << what;
+    DriverEnv::Write(File("Code.bas"), original);
+  };
+
+  // A full disk at each step of writing the file, in turn, until the save has no step left to
+  // fail.
+  for (int failing = 1;; ++failing) {
+    int step = 0;
+    const FaultHook hook([&](platform::WriteStep) { return ++step == failing ? ENOSPC : 0; });
+    const automation::Error e = failingWrite("2", nullptr);
+    if (step < failing) {
+      EXPECT_EQ(e.Number(), 0);
+      EXPECT_EQ(failing - 1, 4) << "creating, writing, flushing and renaming each failed";
+      break;
+    }
+    const std::string what = "step " + std::to_string(failing);
+    EXPECT_EQ(e.Number(), 61) << what;  // disk full
+    EXPECT_EQ(Bytes("Code.bas"), original) << what;
+    expectDiskInIde(what);
+  }
+  DriverEnv::Write(File("Code.bas"), original);
+
+  // The file changed on disk before the save, or while it was written.
+  EXPECT_EQ(failingWrite("3", [&] { DriverEnv::Write(File("Code.bas"), otherProgram); }).Number(),
+            automation::err::kPathFileAccess);
+  EXPECT_EQ(Bytes("Code.bas"), otherProgram);
+  expectDiskInIde("changed on disk");
+  {
+    const FaultHook hook([&](platform::WriteStep step) {
+      if (step == platform::WriteStep::kFlush) DriverEnv::Write(File("Code.bas"), otherProgram);
+      return 0;
+    });
+    EXPECT_EQ(failingWrite("4", nullptr).Number(), automation::err::kPathFileAccess);
+  }
+  EXPECT_EQ(Bytes("Code.bas"), otherProgram);
+  expectDiskInIde("changed while written");
+
+  // A character the project's code page cannot hold, with a rename: the project file's entry
+  // is dropped with the rest.
+  EXPECT_EQ(failingWrite("\xE6\x95\xB0", nullptr, true).Number(), automation::err::kInvalidCall);
+  EXPECT_EQ(Bytes("Code.bas"), original);
+  expectDiskInIde("code page");
 }
 
 }  // namespace

@@ -99,6 +99,17 @@ TEST(ComponentFile, EditsRewriteOnlyTheLinesThatChanged) {
   m->Code().InsertLines(4, "Sub C()\nEnd Sub");
   constexpr char kEdited[] = "Sub A()\r\nEnd Sub\r\n\nSub C()\r\nEnd Sub\r\n\0\0";
   EXPECT_EQ(m->Render(), std::string(kEdited, sizeof kEdited - 1));
+  // A procedure written back whole the way the driver does (its lines deleted, CR LF and its
+  // text inserted): the lines it writes again unchanged keep their LF and CR ends, the changed
+  // line takes the most common end.
+  auto lines = Module("Sub A()\r\n  x = 1\n  y = 2\r  z = 3\nEnd Sub\r\n\r\nSub B()\r\nEnd Sub\r\n",
+                      FileKind::kModule);
+  std::string text = lines->Code().Lines(1, 5);
+  text.replace(text.find("y = 2"), 5, "y = 4");
+  lines->Code().DeleteLines(1, 5);
+  lines->Code().InsertLines(1, text);
+  EXPECT_EQ(lines->Render(),
+            "Sub A()\r\n  x = 1\n  y = 4\r\n  z = 3\nEnd Sub\r\n\r\nSub B()\r\nEnd Sub\r\n");
 
   // Deleting everything after the header leaves the header with its own line end.
   auto all = Module(Crlf({"Attribute VB_Name = \"M\"", "Sub A()", "End Sub"}), FileKind::kModule);

@@ -343,6 +343,30 @@ TEST(Description, MalformedDescriptionsRaiseInvalidFileFormatNamingTheLine) {
     EXPECT_NE(e.Description().find("test.bas"), std::string::npos) << e.Description();
     EXPECT_NE(e.Description().find(c.line), std::string::npos) << e.Description();
   }
+  // Nesting is bounded: a form of 100 levels is read, written and walked whole; one level more,
+  // or 70,000 (which once overflowed the stack), is refused at the first line too deep.
+  const auto nested = [](int depth) {
+    std::string text = "VERSION 5.00\r\nBegin VB.Form F \r\n";
+    for (int level = 1; level < depth; ++level)
+      text += "Begin VB.Frame Frame" + std::to_string(level) + " \r\n";
+    for (int level = 0; level < depth; ++level)
+      text += "End\r\n";
+    return text + "Attribute VB_Name = \"F\"\r\n";
+  };
+  const std::string deepest = nested(100);
+  auto deep = idetest::Module(deepest, FileKind::kForm);
+  EXPECT_EQ(deep->Description()->Controls().size(), 99u);
+  EXPECT_EQ(deep->Description()->Lines().size(), 201u);
+  EXPECT_NE(deep->Description()->FindObject("Frame99"), nullptr);
+  EXPECT_EQ(deep->Render(), deepest);
+  for (const int depth : {101, 70'000}) {
+    const auto e = qxtest::Caught([&] { idetest::Module(nested(depth), FileKind::kForm); });
+    EXPECT_EQ(e.Number(), 321);
+    EXPECT_NE(e.Description().find("line 102: objects and property groups nested more than 100"),
+              std::string::npos)
+        << e.Description();
+  }
+
   // Blank lines inside are kept where they are; a property called Begin is a property.
   const std::string odd = idetest::Crlf({"VERSION 5.00", "Begin VB.Form F ", "", "   Begin = 1",
                                          "   End = 2", "End", "Attribute VB_Name = \"F\""});

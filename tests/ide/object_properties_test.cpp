@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -335,24 +336,45 @@ TEST_F(ObjectPropertiesTest, ListsAndItemDataLiveInTheCompanion) {
   EXPECT_EQ(Object("lblLong").Get("Caption"), Variant(kLongCaption));
 }
 
-TEST_F(ObjectPropertiesTest, AFailedFormWriteLeavesBothFilesAsTheyWere) {
-  Object("lstItems").SetListItem("List", 0, Variant("Apricots"));
-  // The companion is written first; the form's write then fails when it would replace the file.
-  int replaces = 0;
-  platform::SetWriteFaultHook([&](platform::WriteStep step) {
-    return step == platform::WriteStep::kReplace && ++replaces == 2 ? 5 /* EIO */ : 0;
-  });
-  const int32_t number = ErrorOf([&] { component_->Save(); });
-  platform::SetWriteFaultHook({});
-  EXPECT_NE(number, 0);
-  EXPECT_EQ(Frm(), frm_);
-  EXPECT_EQ(Frx(), frx_);
-  // The edit is still there, and the next save writes it.
-  EXPECT_TRUE(component_->IsDirty());
-  component_->Save();
+// A save that fails leaves both files as they were and drops the edit, so that the model holds
+// what the disk holds: a full disk at each step of writing the companion (written first), of
+// writing the form, of putting the companion back; and a companion record that cannot be
+// delimited, which is never copied into a new companion.
+TEST_F(ObjectPropertiesTest, AFailedSaveLeavesBothFilesAsTheyWereAndTheModelAsTheDiskHasIt) {
+  for (int failing = 1;; ++failing) {
+    Object("lstItems").SetListItem("List", 0, Variant("Apricots"));
+    int step = 0;
+    platform::SetWriteFaultHook(
+        [&](platform::WriteStep) { return ++step == failing ? ENOSPC : 0; });
+    const int32_t number = ErrorOf([&] { component_->Save(); });
+    platform::SetWriteFaultHook({});
+    if (step < failing) {
+      EXPECT_EQ(number, 0);
+      EXPECT_EQ(failing - 1, 8) << "each step of both files failed";
+      break;
+    }
+    EXPECT_EQ(number, 61) << "step " << failing;  // disk full
+    EXPECT_EQ(Frm(), frm_) << "step " << failing;
+    EXPECT_EQ(Frx(), frx_) << "step " << failing;
+    EXPECT_FALSE(component_->IsDirty());
+    EXPECT_EQ(Object("lstItems").ListItem("List", 0), Variant("Apples")) << "step " << failing;
+  }
   Reopen();
   EXPECT_EQ(Object("lstItems").ListItem("List", 0), Variant("Apricots"));
   EXPECT_EQ(Object("lblLong").Get("Caption"), Variant(kLongCaption));
+
+  std::string broken = Frx();
+  // The long caption's record now says it runs past the end of the file.
+  broken[broken.find(kLongCaption) - 3] = '\x02';
+  idetest::WriteBytes(copy_->Path("frmProps.frx"), broken);
+  Reopen();
+  const std::string frm = Frm();
+  Object("lstItems").SetListItem("List", 0, Variant("Figs"));
+  EXPECT_EQ(ErrorOf([&] { component_->Save(); }), 321);
+  EXPECT_EQ(Frm(), frm);
+  EXPECT_EQ(Frx(), broken);
+  EXPECT_FALSE(component_->IsDirty());
+  EXPECT_EQ(Object("lstItems").ListItem("List", 0), Variant("Apricots"));
 }
 
 TEST_F(ObjectPropertiesTest, SaveAsWritesTheCompanionBesideTheNewFile) {

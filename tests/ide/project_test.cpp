@@ -1,6 +1,7 @@
 // Projects over their files: the project file's entries, components found and read lazily,
 // saving that never changes a byte it need not and never loses work.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -33,13 +34,16 @@ TEST(Project, SavingNeverOverwritesWorkItShouldNot) {
   ide::Component& account = project->Item("CAccount");
   account.Code().InsertLines(1, "' audited");
 
-  // Changed on disk since it was loaded: refused, both versions intact.
+  // Changed on disk since it was loaded: refused, and the refused change dropped, so that the
+  // model holds what the disk holds.
   std::string path = account.FileName();
-  std::string theirs = ReadBytes(path) + "' edited elsewhere\r\n";
+  std::string theirs = ReadBytes(path);
+  theirs.replace(theirs.find("Option Explicit"), 15, "Option Explicit ' edited elsewhere");
   WriteBytes(path, theirs);
   EXPECT_EQ(ErrorOf([&] { account.Save(); }), 75);
   EXPECT_EQ(ReadBytes(path), theirs);
-  EXPECT_TRUE(account.IsDirty());
+  EXPECT_FALSE(account.IsDirty());
+  EXPECT_EQ(account.Code().Lines(1, 1), "Option Explicit ' edited elsewhere");
 
   // (A read-only file is checked through resave, which reports it.)
   ide::Component& util = project->Item("modUtil");
@@ -49,6 +53,8 @@ TEST(Project, SavingNeverOverwritesWorkItShouldNot) {
   // SaveAs writes elsewhere, and the component's file is the new one from then on; a folder
   // that does not exist is VB's 76.
   EXPECT_EQ(ErrorOf([&] { util.SaveAs(copy.Path("Nowhere/modUtil.bas")); }), 76);
+  EXPECT_FALSE(util.IsDirty());
+  util.Code().InsertLines(1, "' audited");
   fs::create_directory(copy.dir() / "Saved");
   util.SaveAs(copy.Path("Saved/modUtil.bas"));
   EXPECT_EQ(util.FileName(), copy.Path("Saved/modUtil.bas"));
@@ -206,6 +212,19 @@ TEST(Project, AChangedFileIsReadAgainUnlessTheComponentHoldsChanges) {
   const int32_t lines = util.Code().CountOfLines();
   WriteBytes(util.FileName(), ReadBytes(util.FileName()) + "' added elsewhere\r\n");
   EXPECT_EQ(util.Code().CountOfLines(), lines + 1);
+  // An edit of the same size with the old modification time put back (touch -r) is seen too.
+  const auto sameSizeEdit = [](const std::string& path, const std::string& from,
+                               const std::string& to) {
+    struct stat before {};
+    ASSERT_EQ(::stat(path.c_str(), &before), 0);
+    std::string bytes = ReadBytes(path);
+    bytes.replace(bytes.find(from), from.size(), to);
+    WriteBytes(path, bytes);
+    const timespec times[2] = {before.st_atim, before.st_mtim};
+    ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+  };
+  sameSizeEdit(util.FileName(), "' added elsewhere", "' edited anywhere");
+  EXPECT_EQ(util.Code().Lines(lines + 1, 1), "' edited anywhere");
 
   ide::Component& account = project->Item("CAccount");
   account.Code().InsertLines(1, "' mine");
@@ -213,6 +232,6 @@ TEST(Project, AChangedFileIsReadAgainUnlessTheComponentHoldsChanges) {
   WriteBytes(account.FileName(), ReadBytes(account.FileName()) + "' theirs\r\n");
   EXPECT_EQ(account.Code().CountOfLines(), mine);  // the unsaved change is kept
 
-  WriteBytes(copy.Path("Ledger.vbp"), ReadBytes(copy.Path("Ledger.vbp")) + "\r\n");
+  sameSizeEdit(copy.Path("Ledger.vbp"), "Name=", "name=");
   EXPECT_TRUE(project->ChangedOnDisk());
 }

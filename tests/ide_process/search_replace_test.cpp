@@ -2,6 +2,7 @@
 // independent count finds, a preview that is exactly what --write then does, and no IDE left
 // behind by a run that started it.
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -210,6 +211,45 @@ TEST_F(IdeProcesses, ReadOnlyAndUnreadableComponentsAreErrorsNamingThem) {
   EXPECT_EQ(run.status, 2);
   EXPECT_NE(run.err.find("Table.frm not searched"), std::string::npos) << run.err;
   EXPECT_NE(run.out.find("modGlobals.bas:"), std::string::npos) << run.out;
+}
+
+// A warm IDE (started before the runs) after a write that failed: the file is as it was, the
+// next search shows the disk, the next replace writes its own change alone, and the IDE still
+// ends when idle. After an edit of the project file, the very next run sees the new component
+// list.
+TEST_F(IdeProcesses, AWarmIdeKeepsNothingOfAFailedWriteAndFollowsItsProjectFile) {
+  ::setenv("QX_IDE_IDLE_SECONDS", "5", 1);
+  const fs::path folder = work() / "Inventory";
+  const std::string cls = ReadAll(folder / "CStockItem.cls");
+  const auto start = Qx({"ide", "start", vbp_});
+  ASSERT_EQ(start.status, 0) << start.err;
+  const long pid = PidIn(start.out);
+
+  // Windows-1252, the project's code page, has no Chinese.
+  const auto failed = Qx(InCode("replace", {"--write", "oldValue", "\xE6\x97\xA7", vbp_}));
+  EXPECT_EQ(failed.status, 2) << failed.out << failed.err;
+  EXPECT_EQ(ReadAll(folder / "CStockItem.cls"), cls);
+  const auto search = Qx(InCode("search", {"-c", "oldValue", vbp_}));
+  EXPECT_NE(search.out.find("CStockItem.cls:3\n"), std::string::npos) << search.out << search.err;
+  const auto write = Qx(InCode("replace", {"--write", "NewDescription", "NewText", vbp_}));
+  EXPECT_EQ(write.status, 0) << write.out << write.err;
+  std::string expected = cls;
+  for (size_t at = expected.find("NewDescription"); at != std::string::npos;
+       at = expected.find("NewDescription", at)) {
+    expected.replace(at, 14, "NewText");
+  }
+  EXPECT_EQ(ReadAll(folder / "CStockItem.cls"), expected);
+
+  // The class leaves the project: the next run no longer finds it.
+  std::string project = ReadAll(folder / "Inventory.vbp");
+  project.erase(project.find("Class=CStockItem; CStockItem.cls\r\n"), 34);
+  std::ofstream(folder / "Inventory.vbp", std::ios::binary) << project;
+  const auto after = Qx(InCode("search", {"-l", "NewText", vbp_}));
+  EXPECT_EQ(after.status, 1) << after.out << after.err;
+  EXPECT_EQ(PidIn(Qx({"ide", "start", vbp_}).out), pid) << "one IDE served every run";
+
+  // Nothing is left unsaved to keep it from ending once idle.
+  EXPECT_TRUE(qxtest::WaitGone(pid, std::chrono::seconds(30)));
 }
 
 }  // namespace

@@ -507,7 +507,11 @@ void CodeModule::DeleteLines(int32_t start, int32_t count) {
   const bool indexKept = IndexAfterDelete(start - 1, count);
   auto first = lines_.begin() + (start - 1);
   auto last = first + count;
+  removed_.at = start - 1;
+  removed_.ends.clear();
   for (auto it = first; it != last; ++it) {
+    if (it->line.end != LineEnd::kNone)
+      removed_.ends[std::string(it->line.Text())].push_back(it->line.end);
     if (!it->hidden) continue;
     for (SourceLine& hidden : *it->hidden) {
       const auto attribute = ParseAttributeLine(hidden.Text());
@@ -537,6 +541,13 @@ void CodeModule::InsertLines(int32_t line, std::string_view text) {
     addedFacts.push_back(AnalyzeLine(piece));
     CodeLine code;
     code.line = SourceLine::New(piece);
+    if (line - 1 == removed_.at) {
+      auto same = removed_.ends.find(piece);
+      if (same != removed_.ends.end() && !same->second.empty()) {
+        code.line.end = same->second.front();
+        same->second.pop_front();
+      }
+    }
     added.push_back(std::move(code));
   };
   // Every line end starts a line, so text that ends with one (or is empty) adds an empty line.
@@ -548,6 +559,7 @@ void CodeModule::InsertLines(int32_t line, std::string_view text) {
     ended = !reader.LastLineEnd().empty();
   }
   if (ended) add({});
+  removed_ = {};
   auto count = static_cast<int32_t>(added.size());
   const bool indexKept = IndexAfterInsert(line - 1, added, addedFacts);
   lines_.insert(lines_.begin() + (line - 1), std::make_move_iterator(added.begin()),

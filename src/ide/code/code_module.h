@@ -19,6 +19,9 @@
 // lines), never by parsing the module's text again.
 
 #include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -134,6 +137,14 @@ class CodeModule {
     std::vector<SourceLine> lines;
   };
 
+  // The line ends of the lines deleted last, by text and in order: the lines that the next
+  // insertion at the same place writes again unchanged (a procedure's text written back) keep
+  // their own ends in a file of mixed ends; new and changed lines take the file's usual one.
+  struct Removed {
+    int32_t at = -1;  // 0-based; -1: nothing deleted since the last insertion
+    std::map<std::string, std::deque<LineEnd>, std::less<>> ends;
+  };
+
   const Index& CurrentIndex() const;
   void BuildIndex() const;
   // Bring a valid index up to date for an edit about to be made, when the edit removes or adds
@@ -151,6 +162,7 @@ class CodeModule {
   // from one small block of memory instead of a cache line per line.
   std::vector<LineFacts> facts_;
   std::vector<Detached> detached_;
+  Removed removed_;
   mutable Index index_;
   mutable bool indexValid_ = false;
   bool dirty_ = false;

@@ -14,6 +14,11 @@ using automation::EqualsAsciiNoCase;
 using platform::IsBlank;
 using platform::TrimBlanks;
 
+// VB6 accepts about 25 levels of nested controls, and property groups add a few levels below
+// the deepest control. The bound is far above what it writes; it keeps every walk over the
+// tree (and the tree's destruction) shallow however the file was made.
+constexpr std::size_t kMaxNesting = 100;
+
 [[noreturn]] void Invalid(std::string_view fileName, std::size_t line, std::string_view problem) {
   std::string text = "Invalid file format: ";
   text += fileName;
@@ -70,36 +75,62 @@ bool IsPropertyLike(const DescriptionNode::Item& item) {
   return item.property || (item.node && item.node->IsGroup());
 }
 
-void CollectLines(const DescriptionNode& node, std::vector<const SourceLine*>& out) {
-  out.push_back(&node.BeginLine());
-  for (const auto& item : node.Items()) {
-    if (item.property) {
-      out.push_back(&item.property->Line());
-    } else if (item.node) {
-      CollectLines(*item.node, out);
-    } else if (item.blank) {
-      out.push_back(&*item.blank);
+// Visits every item below `root` in file order, depth first, without recursion: `enter` sees
+// each item (a group or a child object before its own items), `leave` each node after its items.
+template <typename Enter, typename Leave>
+void Walk(const DescriptionNode& root, Enter enter, Leave leave) {
+  struct Open {
+    const DescriptionNode* node;
+    std::size_t next;
+  };
+  std::vector<Open> open{{&root, 0}};
+  while (!open.empty()) {
+    Open& top = open.back();
+    if (top.next == top.node->Items().size()) {
+      leave(*top.node);
+      open.pop_back();
+      continue;
     }
+    const DescriptionNode::Item& item = top.node->Items()[top.next++];
+    enter(item);
+    if (item.node) open.push_back({item.node.get(), 0});
   }
-  out.push_back(&node.EndLine());
 }
 
-void CollectObjects(const DescriptionNode& node, std::vector<DescriptionNode*>& out) {
-  for (const auto& item : node.Items()) {
-    if (!item.node) continue;
-    if (!item.node->IsGroup()) out.push_back(item.node.get());
-    CollectObjects(*item.node, out);
-  }
+void CollectLines(const DescriptionNode& root, std::vector<const SourceLine*>& out) {
+  out.push_back(&root.BeginLine());
+  Walk(
+      root,
+      [&](const DescriptionNode::Item& item) {
+        if (item.property) {
+          out.push_back(&item.property->Line());
+        } else if (item.node) {
+          out.push_back(&item.node->BeginLine());
+        } else if (item.blank) {
+          out.push_back(&*item.blank);
+        }
+      },
+      [&](const DescriptionNode& node) { out.push_back(&node.EndLine()); });
 }
 
-void CollectReferences(const DescriptionNode& node, std::vector<CompanionUse>& out) {
-  for (const auto& item : node.Items()) {
-    if (item.property && item.property->Reference()) {
-      out.push_back({item.property.get(), *item.property->Reference()});
-    } else if (item.node) {
-      CollectReferences(*item.node, out);
-    }
-  }
+void CollectObjects(const DescriptionNode& root, std::vector<DescriptionNode*>& out) {
+  Walk(
+      root,
+      [&](const DescriptionNode::Item& item) {
+        if (item.node && !item.node->IsGroup()) out.push_back(item.node.get());
+      },
+      [](const DescriptionNode&) {});
+}
+
+void CollectReferences(const DescriptionNode& root, std::vector<CompanionUse>& out) {
+  Walk(
+      root,
+      [&](const DescriptionNode::Item& item) {
+        if (item.property && item.property->Reference()) {
+          out.push_back({item.property.get(), *item.property->Reference()});
+        }
+      },
+      [](const DescriptionNode&) {});
 }
 
 }  // namespace
@@ -366,6 +397,11 @@ std::unique_ptr<Description> Description::Parse(std::vector<SourceLine>& lines, 
       node->begin_ = std::move(line);
       node->dirty_ = &description->dirty_;
       DescriptionNode* raw = node.get();
+      if (open.size() == kMaxNesting) {
+        Invalid(fileName, i,
+                "objects and property groups nested more than " + std::to_string(kMaxNesting) +
+                    " levels deep");
+      }
       if (open.empty()) {
         description->root_ = std::move(node);
       } else {

@@ -161,8 +161,9 @@ class Description {
   // Takes lines [first, the root object's `End`] out of `lines`: `first` is the `VERSION`
   // line, `begin` the root's `Begin` line; the lines between (the `Object =` lines) are kept
   // as they are. A description that is malformed (a `Begin` without a name, a property line
-  // without `=`, an `End` where `EndProperty` belongs, a missing `End`) raises 321
-  // "Invalid file format" naming the file and the line.
+  // without `=`, an `End` where `EndProperty` belongs, a missing `End`, objects and groups
+  // nested more than 100 levels deep) raises 321 "Invalid file format" naming the file and the
+  // line.
   static std::unique_ptr<Description> Parse(std::vector<SourceLine>& lines, std::size_t first,
                                             std::size_t begin, std::string_view fileName);
   Description(const Description&) = delete;

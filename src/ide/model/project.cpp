@@ -79,7 +79,7 @@ ComponentFile& Component::File() {
     // The IDE never answers from a stale file: one changed on disk since it was read (or since
     // reading it failed) is read again, unless the IDE holds changes of its own for it.
     const bool looked = servedCall != 0 && lookedInCall_ == servedCall;
-    if (looked || IsDirty() || platform::StampOf(fileName_) == loadedStamp_) {
+    if (looked || IsDirty() || UnchangedOnDisk()) {
       lookedInCall_ = servedCall;
       if (file_) return *file_;
       throw *loadError_;
@@ -90,7 +90,7 @@ ComponentFile& Component::File() {
   }
   lookedInCall_ = servedCall;
   try {
-    loadedStamp_ = platform::StampOf(fileName_);
+    NoteStamp();
     std::string bytes = platform::ReadFile(fileName_);
     file_ = ComponentFile::Parse(std::move(bytes), Kind(), *project_.codePage_, fileName_);
     ++reads_;
@@ -106,6 +106,26 @@ ComponentFile& Component::File() {
     throw *loadError_;
   }
   return *file_;
+}
+
+void Component::NoteStamp() {
+  loadedStamp_ = platform::StampOf(fileName_);
+  stampSettled_ = !loadedStamp_ || platform::IsSettled(*loadedStamp_);
+}
+
+bool Component::UnchangedOnDisk() {
+  const std::optional<platform::FileStamp> stamp = platform::StampOf(fileName_);
+  if (stamp != loadedStamp_) return false;
+  if (!stampSettled_) {
+    // Changed moments before it was read: the stamp alone cannot tell, the bytes do.
+    try {
+      if (!file_ || platform::ReadFile(fileName_) != file_->DiskBytes()) return false;
+    } catch (const automation::Error&) {
+      return false;
+    }
+    stampSettled_ = !stamp || platform::IsSettled(*stamp);
+  }
+  return true;
 }
 
 std::string Component::Name() {
@@ -188,6 +208,32 @@ form::FormContext Component::Form() {
 }
 
 void Component::Save() {
+  try {
+    Write();
+  } catch (...) {
+    DropChanges();
+    throw;
+  }
+}
+
+void Component::SaveAs(std::string_view path) {
+  try {
+    WriteAs(path);
+  } catch (...) {
+    DropChanges();
+    throw;
+  }
+}
+
+void Component::DropChanges() {
+  file_.reset();
+  companion_.reset();
+  loadError_.reset();
+  loadedStamp_.reset();
+  project_.file_->RestoreEntry(entry_);
+}
+
+void Component::Write() {
   TakePageChanges();
   ComponentFile& file = File();
   form::Description* description = file.Description();
@@ -195,7 +241,7 @@ void Component::Save() {
     std::string bytes = file.Render();
     SaveOver(fileName_, file.DiskBytes(), bytes);
     file.MarkSaved(std::move(bytes));
-    loadedStamp_ = platform::StampOf(fileName_);
+    NoteStamp();
     return;
   }
   form::CompanionStore::Plan plan = companion_->Layout(*description);
@@ -240,14 +286,14 @@ void Component::Save() {
     renumber(before);
     throw;
   }
-  loadedStamp_ = platform::StampOf(fileName_);
+  NoteStamp();
 }
 
-void Component::SaveAs(std::string_view path) {
+void Component::WriteAs(std::string_view path) {
   ComponentFile& file = File();
   std::string target = platform::ToNative(path).string();
   if (target == fileName_) {
-    Save();
+    Write();
     return;
   }
   TakePageChanges();
@@ -257,7 +303,7 @@ void Component::SaveAs(std::string_view path) {
     SaveTo(target, bytes);
     file.MarkSaved(std::move(bytes));
     fileName_ = std::move(target);
-    loadedStamp_ = platform::StampOf(fileName_);
+    NoteStamp();
     return;
   }
   // VB6 writes the companion beside the new file under the new file's name, and the references
@@ -299,7 +345,7 @@ void Component::SaveAs(std::string_view path) {
   }
   companion_->MoveTo(bareName, companionPath, std::move(companionBytes), plan.offsets);
   fileName_ = std::move(target);
-  loadedStamp_ = platform::StampOf(fileName_);
+  NoteStamp();
 }
 
 std::unique_ptr<Project> Project::Open(std::string_view path) {
@@ -313,7 +359,7 @@ std::unique_ptr<Project> Project::Open(std::string_view path, const platform::Co
   project->codePage_ = &codePage;
   fs::path native = fs::absolute(platform::ToNative(path));
   project->fileName_ = native.string();
-  project->stamp_ = platform::StampOf(project->fileName_);
+  project->NoteStamp();
   project->file_ =
       ProjectFile::Parse(platform::ReadFile(project->fileName_), codePage, project->fileName_);
   std::string folder = native.parent_path().string();
@@ -383,12 +429,37 @@ Component& Project::Item(std::string_view name) {
   return *component;
 }
 
+bool Project::ChangedOnDisk() {
+  const std::optional<platform::FileStamp> stamp = platform::StampOf(fileName_);
+  if (stamp != stamp_) return true;
+  if (!stampSettled_) {
+    // Changed moments before it was read or saved: the bytes tell.
+    try {
+      if (platform::ReadFile(fileName_) != file_->DiskBytes()) return true;
+    } catch (const automation::Error&) {
+      return true;
+    }
+    stampSettled_ = !stamp || platform::IsSettled(*stamp);
+  }
+  return false;
+}
+
+void Project::NoteStamp() {
+  stamp_ = platform::StampOf(fileName_);
+  stampSettled_ = !stamp_ || platform::IsSettled(*stamp_);
+}
+
 void Project::Save() {
   if (!file_->IsDirty()) return;
-  std::string bytes = file_->Render();
-  SaveOver(fileName_, file_->DiskBytes(), bytes);
-  file_->MarkSaved(std::move(bytes));
-  stamp_ = platform::StampOf(fileName_);
+  try {
+    std::string bytes = file_->Render();
+    SaveOver(fileName_, file_->DiskBytes(), bytes);
+    file_->MarkSaved(std::move(bytes));
+  } catch (...) {
+    file_->RestoreEntries();
+    throw;
+  }
+  NoteStamp();
 }
 
 }  // namespace ide

@@ -104,13 +104,30 @@ class Component {
   // renumbered. Both files are checked (read-only, changed on disk) before either is written; the
   // companion is written first, then the file, and when writing the file fails the companion is put
   // back as it was, so that the file on disk never references records that are not there.
+  //
+  // A save that fails or is refused, at whatever step (a full disk, a file changed on disk, a
+  // character the code page cannot hold, a companion record that cannot be laid out), leaves
+  // nothing behind: the component's changes are dropped, its project-file entry included, and
+  // its file is read again on next use. What the IDE holds is then what the disk holds, so no
+  // later save writes the refused change, and the component is never left with changes that
+  // nobody can save.
   void Save();
   // Writes the file under another name, which becomes the component's file. A file with a
   // companion gets one beside it under its new name ("Copy.frm" and "Copy.frx"), written first,
-  // and its references name it; the old files stay as they are.
+  // and its references name it; the old files stay as they are. A failure drops the changes as
+  // Save's does.
   void SaveAs(std::string_view path);
 
  private:
+  void Write();
+  void WriteAs(std::string_view path);
+  // Forgets the file's model, with every change made to it: the next use reads the file.
+  void DropChanges();
+  // The file's stamp, taken before it is read or just after it was written.
+  void NoteStamp();
+  // Whether the file is still the one read or written last (see platform::IsSettled).
+  bool UnchangedOnDisk();
+
   Project& project_;
   std::size_t entry_;
   std::string fileName_;
@@ -118,6 +135,7 @@ class Component {
   std::unique_ptr<form::CompanionStore> companion_;  // with file_, for kinds that have one
   std::optional<automation::Error> loadError_;
   std::optional<platform::FileStamp> loadedStamp_;  // of the file when it was last read
+  bool stampSettled_ = false;
   uint64_t reads_ = 0;
   std::uint64_t lookedInCall_ = 0;      // the served call in which the file was last looked at
   std::unique_ptr<DesignerPage> page_;  // last: it takes its changes in while the rest is alive
@@ -149,10 +167,11 @@ class Project {
 
   const ProjectFile& File() const { return *file_; }
   // The project file changed on disk since it was read or last saved.
-  bool ChangedOnDisk() const { return platform::StampOf(fileName_) != stamp_; }
+  bool ChangedOnDisk();
   // The project file needs writing (a module or class was renamed).
   bool IsDirty() const { return file_->IsDirty(); }
-  // Writes the project file when it needs writing; otherwise leaves it untouched.
+  // Writes the project file when it needs writing; otherwise leaves it untouched. When writing
+  // it fails, the renamed entries go back to what the file on disk says.
   void Save();
 
   // The folder of this process for the files that hold the pages of the project's DHTML pages
@@ -166,11 +185,13 @@ class Project {
  private:
   friend class Component;
   Project() = default;
+  void NoteStamp();
 
   std::string fileName_;
   const platform::CodePage* codePage_ = nullptr;
   std::unique_ptr<ProjectFile> file_;
   std::optional<platform::FileStamp> stamp_;  // of the project file when read or saved
+  bool stampSettled_ = false;
   std::filesystem::path pageFolder_;
   std::vector<std::unique_ptr<Component>> components_;
   // Where Find saw each name (VbNameKey), so that a look-up does not read every name before

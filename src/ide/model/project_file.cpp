@@ -98,6 +98,7 @@ void ProjectFile::RenameEntry(std::size_t index, std::string_view name) {
   ProjectEntry& entry = entries_.at(index);
   if (entry.kind != FileKind::kModule && entry.kind != FileKind::kClass) return;
   SourceLine& line = lines_[entry.line];
+  before_.try_emplace(index, Before{entry, line});
   std::string text(line.Text());
   if (entry.hasName) {
     text.replace(entry.nameOffset, entry.name.size(), name);
@@ -120,8 +121,23 @@ std::string ProjectFile::Render() const {
          writer.Finish(finalBreak_, std::string_view(original_).substr(tailOffset_));
 }
 
+void ProjectFile::RestoreEntry(std::size_t index) {
+  const auto it = before_.find(index);
+  if (it == before_.end()) return;
+  entries_[index] = std::move(it->second.entry);
+  lines_[entries_[index].line] = std::move(it->second.line);
+  before_.erase(it);
+  dirty_ = !before_.empty();
+}
+
+void ProjectFile::RestoreEntries() {
+  while (!before_.empty())
+    RestoreEntry(before_.begin()->first);
+}
+
 void ProjectFile::MarkSaved(std::string written) {
   disk_ = std::move(written);
+  before_.clear();
   dirty_ = false;
 }
 

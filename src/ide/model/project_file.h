@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -48,6 +49,10 @@ class ProjectFile {
   // the name (the path keeps its spelling, blanks stay where they were). A line that gave only
   // the file gets a name part in front of it.
   void RenameEntry(std::size_t entry, std::string_view name);
+  // Puts an entry back as it was when the file was last read or saved (its component's changes
+  // were dropped); every entry, without one given (writing the file failed).
+  void RestoreEntry(std::size_t entry);
+  void RestoreEntries();
 
   bool IsDirty() const { return dirty_; }
   std::string Render() const;
@@ -65,6 +70,13 @@ class ProjectFile {
   std::vector<SourceLine> lines_;
   std::vector<ProjectEntry> entries_;
   std::string name_;
+  // The entries renamed since the file was last read or saved, as they were before, with their
+  // lines.
+  struct Before {
+    ProjectEntry entry;
+    SourceLine line;
+  };
+  std::map<std::size_t, Before> before_;
   LineEnd dominant_ = LineEnd::kCrLf;
   bool finalBreak_ = true;
   std::size_t tailOffset_ = 0;

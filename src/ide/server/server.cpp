@@ -117,6 +117,12 @@ void LogNewProblems(const Ide& ide, size_t& logged) {
     Log(problems[logged].Text());
 }
 
+void ReopenChangedProjects(Ide& ide) {
+  if (const size_t reopened = ide.ReopenChangedProjects(); reopened > 0) {
+    Log("reopened " + std::to_string(reopened) + " project(s) changed on disk");
+  }
+}
+
 }  // namespace
 
 std::filesystem::path LogPath() {
@@ -147,10 +153,14 @@ int Serve(const ServeOptions& options) {
   }
 
   Activity activity;
-  automation::SetIncomingCallObserver([&activity](const automation::Object& callee) {
+  automation::SetIncomingCallObserver([&activity, &ide](const automation::Object& callee) {
     activity.reached = true;
     ide::BeginServedCall();
     const std::string& name = callee.Class().name;
+    // Every use of the IDE by a host begins with a look-up in the object table: a project file
+    // changed since the IDE last looked is opened again before the look-up is answered, so that
+    // the host finds the project's dispatcher over the project as its file is now.
+    if (name == "Registrations") ReopenChangedProjects(*ide);
     // Looking the IDE up and asking it how it is are no work for it.
     if (name == kControlClass || name == "Registrations") return;
     activity.lastCall = Clock::now();
@@ -169,9 +179,7 @@ int Serve(const ServeOptions& options) {
       activity.reached = true;
     }
     if (activity.quit) break;
-    if (const size_t reopened = ide->ReopenChangedProjects(); reopened > 0) {
-      Log("reopened " + std::to_string(reopened) + " project(s) changed on disk");
-    }
+    ReopenChangedProjects(*ide);
     LogNewProblems(*ide, logged);
     if (QuietLongEnough(activity, options.idle) && !HoldsUnsavedChanges(*ide)) {
       reason = "idle";

@@ -11,7 +11,8 @@
 //   held by another process. Never while a project holds unsaved changes. An idle period of 0
 //   ends it as soon as the last host lets go (an IDE that no host ever reached waits
 //   kUnclaimedGrace for its first).
-// Between calls it reopens a project whose project file changed on disk (and that holds no
+// Between calls, and before it answers a look-up in the object table (with which every host's
+// use of it begins), it reopens a project whose project file changed on disk (and that holds no
 // unsaved change), as VB6 does on a close and re-open; a component file that changed is read
 // again by the project model before it is next read.
 //

@@ -64,12 +64,14 @@ std::string VBComponent::FileNames(int16_t index) const {
 }
 
 bool VBComponent::SaveAs(const std::string& newFileName) {
+  // Saved or not, the component holds nothing the disk lacks afterwards: a failed save drops
+  // the changes (see ide::Component::Save), and so does this object's own mark.
+  markedDirty_ = false;
+  savedMark_ = false;
   component_->SaveAs(newFileName);
   // The model writes a component's file only; a rename changed the project file's entry too,
   // and VB6 writes that with the component.
   model_->Save();
-  markedDirty_ = false;
-  savedMark_ = false;
   return true;
 }
 

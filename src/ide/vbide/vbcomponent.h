@@ -43,7 +43,8 @@ class VBComponent : public automation::Object {
   // companions are not part of it), so FileCount is 1 and any other index raises 9.
   std::string FileNames(int16_t index) const;
   // Saves the component's file under that name (its own name to save in place). A rename also
-  // reaches the project file: its entry line is written with the component.
+  // reaches the project file: its entry line is written with the component. A save that fails
+  // raises its error with the component's changes dropped: it then holds what its files hold.
   bool SaveAs(const std::string& newFileName);
   int16_t FileCount() const { return 1; }
   std::string Name() const;

@@ -42,21 +42,20 @@ const automation::ClassInfo& VBControls::Class() const {
   return info;
 }
 
-std::vector<form::DescriptionNode*> VBControls::Nodes() {
+const form::DescriptionNode* VBControls::Container() {
   if (!form_) automation::Raise(automation::err::kServerUnavailable);
-  if (all_) return form_->Nodes(nullptr);
-  const form::DescriptionNode* container =
-      container_ ? &container_->Node() : &form_->Description().Root();
-  return form_->Nodes(container);
+  if (all_) return nullptr;
+  return container_ ? &container_->Node() : &form_->Description().Root();
 }
 
 int32_t VBControls::Count() {
-  return static_cast<int32_t>(Nodes().size());
+  return static_cast<int32_t>(form_->Nodes(Container()).size());
 }
 
 std::shared_ptr<VBControl> VBControls::Item(const automation::Variant& index,
                                             const automation::Variant& controlIndex) {
-  const std::vector<form::DescriptionNode*> nodes = Nodes();
+  const form::DescriptionNode* container = Container();
+  const std::vector<form::DescriptionNode*>& nodes = form_->Nodes(container);
   if (!index.IsString()) {
     const int32_t number = index.ToLong();
     if (number < 1 || number > static_cast<int32_t>(nodes.size())) {
@@ -72,8 +71,8 @@ std::shared_ptr<VBControl> VBControls::Item(const automation::Variant& index,
   }
   form::DescriptionNode* found = nullptr;
   bool array = false;
-  for (form::DescriptionNode* node : nodes) {
-    if (!automation::EqualsNoCaseUnicode(node->Name(), name)) continue;
+  for (form::DescriptionNode* node : form_->Named(name)) {
+    if (container && node->Parent() != container) continue;
     if (node->Index() == member) {
       found = node;
       break;

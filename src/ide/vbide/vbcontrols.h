@@ -42,7 +42,8 @@ class VBControls : public automation::Object {
   void TearDown();
 
  private:
-  std::vector<form::DescriptionNode*> Nodes();
+  // The node whose children these are; null for every control of the form.
+  const form::DescriptionNode* Container();
 
   std::shared_ptr<VBForm> form_;
   std::shared_ptr<VBControl> container_;

@@ -69,14 +69,17 @@ void VBForm::Rebind(form::Description& description) {
   if (reads_ == component_->Reads()) return;
   reads_ = component_->Reads();
   nodes_ = description.Controls();
+  children_.clear();
+  for (form::DescriptionNode* node : nodes_)
+    children_[node->Parent()].push_back(node);
+  byNameCurrent_ = false;
   // The controls handed out before are found again by name and index.
   byNode_.clear();
   for (std::size_t i = 0; i < known_.size(); ++i) {
     Known& known = known_[i];
     known.node = nullptr;
-    for (form::DescriptionNode* node : nodes_) {
-      if (node->Index() == known.index &&
-          automation::EqualsNoCaseUnicode(node->Name(), known.name) && !byNode_.count(node)) {
+    for (form::DescriptionNode* node : Named(known.name)) {
+      if (node->Index() == known.index && !byNode_.count(node)) {
         known.node = node;
         byNode_[node] = i;
         break;
@@ -85,14 +88,24 @@ void VBForm::Rebind(form::Description& description) {
   }
 }
 
-std::vector<form::DescriptionNode*> VBForm::Nodes(const form::DescriptionNode* container) {
+const std::vector<form::DescriptionNode*>& VBForm::Nodes(const form::DescriptionNode* container) {
   Refresh();
   if (!container) return nodes_;
-  std::vector<form::DescriptionNode*> out;
-  for (form::DescriptionNode* node : nodes_) {
-    if (node->Parent() == container) out.push_back(node);
+  static const std::vector<form::DescriptionNode*> kNone;
+  auto it = children_.find(container);
+  return it == children_.end() ? kNone : it->second;
+}
+
+const std::vector<form::DescriptionNode*>& VBForm::Named(std::string_view name) {
+  if (!byNameCurrent_) {
+    byName_.clear();
+    for (form::DescriptionNode* node : nodes_)
+      byName_[automation::VbNameKey(node->Name())].push_back(node);
+    byNameCurrent_ = true;
   }
-  return out;
+  static const std::vector<form::DescriptionNode*> kNone;
+  auto it = byName_.find(automation::VbNameKey(name));
+  return it == byName_.end() ? kNone : it->second;
 }
 
 std::shared_ptr<VBControl> VBForm::ControlOf(form::DescriptionNode& node) {
@@ -138,6 +151,7 @@ void VBForm::NoteRenamed(const VBControl& control) {
   Known& known = known_[it->second];
   known.name = known.node->Name();
   known.index = known.node->Index();
+  byNameCurrent_ = false;
 }
 
 void VBForm::NoteChanged() {
@@ -153,6 +167,8 @@ void VBForm::TearDown() {
   byNode_.clear();
   byControl_.clear();
   nodes_.clear();
+  children_.clear();
+  byName_.clear();
   all_.reset();
   contained_.reset();
   parent_.reset();

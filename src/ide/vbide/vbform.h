@@ -11,6 +11,9 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "automation/object.h"
@@ -45,7 +48,9 @@ class VBForm : public automation::Object {
   form::Description& Description();
   // The controls in file order; those whose parent is `container` (null: every control, the
   // form's root: the form's own).
-  std::vector<form::DescriptionNode*> Nodes(const form::DescriptionNode* container);
+  const std::vector<form::DescriptionNode*>& Nodes(const form::DescriptionNode* container);
+  // The controls named so (case-insensitive), in file order.
+  const std::vector<form::DescriptionNode*>& Named(std::string_view name);
   // The control of a node of the current description (just got from Nodes or Description).
   std::shared_ptr<VBControl> ControlOf(form::DescriptionNode& node);
   // The node of a control handed out before, in the current description (91 when the file was
@@ -77,6 +82,12 @@ class VBForm : public automation::Object {
   ide::Component* component_;
   uint64_t reads_ = 0;  // the component's file reads the nodes below belong to
   std::vector<form::DescriptionNode*> nodes_;
+  // Indexes over nodes_, so that finding a control does not walk every control: the children
+  // of each container, and the controls of each name (VbNameKey; made on first use and again
+  // after a rename).
+  std::unordered_map<const form::DescriptionNode*, std::vector<form::DescriptionNode*>> children_;
+  std::unordered_map<std::string, std::vector<form::DescriptionNode*>> byName_;
+  bool byNameCurrent_ = false;
   std::vector<Known> known_;
   std::map<const form::DescriptionNode*, std::size_t> byNode_;
   std::map<const VBControl*, std::size_t> byControl_;
