@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <vector>
@@ -105,6 +106,24 @@ bool HostUtility::FileExists(const std::string& path) {
   return !path.empty() && (platform::FileExists(path) || RunView::Current().HasFile(path));
 }
 
+namespace {
+
+// How long a launch waits for the started program to register: the caller's time-out, unless
+// QX_START_TIMEOUT_SECONDS says otherwise (a slow machine may need longer; a script that would
+// rather fail fast, shorter).
+std::chrono::milliseconds StartTimeout(int32_t callersMs) {
+  if (const char* value = std::getenv(kStartTimeoutVariable); value != nullptr && *value != 0) {
+    char* end = nullptr;
+    const double seconds = std::strtod(value, &end);
+    if (end != value && *end == 0 && seconds >= 0 && seconds <= 86400) {
+      return std::chrono::milliseconds(static_cast<int64_t>(seconds * 1000));
+    }
+  }
+  return std::chrono::milliseconds(std::max(callersMs, 0));
+}
+
+}  // namespace
+
 automation::ObjectRef HostUtility::LaunchAndConnect(const std::string& commandLine,
                                                     const std::string& name, const std::string&,
                                                     const std::string&, int32_t, int32_t,
@@ -113,8 +132,7 @@ automation::ObjectRef HostUtility::LaunchAndConnect(const std::string& commandLi
   // Reap the programs started earlier that have ended since.
   std::erase_if(launched, [](pid_t pid) { return ::waitpid(pid, nullptr, WNOHANG) != 0; });
 
-  const auto deadline =
-      std::chrono::steady_clock::now() + std::chrono::milliseconds(std::max(timeout, 0));
+  const auto deadline = std::chrono::steady_clock::now() + StartTimeout(timeout);
   // Calls into this process are served while it waits, for the lock as for the registration.
   LaunchLock lock(name);
   if (!automation::Apartment::Get().ServeUntil([&] { return lock.TryAcquire(); }, deadline)) {

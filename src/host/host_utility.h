@@ -17,6 +17,8 @@
 
 namespace host {
 
+inline constexpr const char* kStartTimeoutVariable = "QX_START_TIMEOUT_SECONDS";
+
 class HostUtility : public automation::Object {
  public:
   static constexpr const char* kProgId = "qxlib41.HostUtility";
@@ -32,6 +34,7 @@ class HostUtility : public automation::Object {
   // Starts the Windows command line detached (see launch.h) and waits, serving calls into this
   // process, until an object is registered under the name (returned, as a proxy), the started
   // process ends or `timeout` milliseconds pass (Nothing for both), or the start fails (Nothing).
+  // QX_START_TIMEOUT_SECONDS, when set, stands in for `timeout`.
   // One process of the qx home launches a name at a time: a caller that finds another one
   // launching it waits its turn within the time-out and then gets the object that launch
   // registered, without starting a second program.
