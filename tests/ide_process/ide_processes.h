@@ -25,6 +25,7 @@
 #include <vector>
 
 #include "support/child_processes.h"
+#include "support/json_lines.h"
 #include "support/temp_home.h"
 
 namespace qxtest {
@@ -38,15 +39,6 @@ struct RunResult {
 inline std::string ReadAll(const std::filesystem::path& path) {
   std::ifstream in(path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-// The records of qx's JSON lines.
-inline std::vector<nlohmann::json> JsonLines(const std::string& text) {
-  std::vector<nlohmann::json> records;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);)
-    records.push_back(nlohmann::json::parse(line));
-  return records;
 }
 
 // Gone: no such process, or one that ended and waits to be reaped.
