@@ -5,7 +5,10 @@
 // change and check what the IDE makes of a project's files.
 
 #include <CLI/CLI.hpp>
+#include <functional>
 #include <iostream>
+#include <string>
+#include <vector>
 
 #include "automation/apartment.h"
 #include "automation/error.h"
@@ -17,70 +20,64 @@
 #include "platform/codepage.h"
 #include "special/qxvb60.h"
 
-int main(int argc, char** argv) {
-  const automation::QuietDisconnections quiet;
-  CLI::App app{"qxvb6: the headless VB6 IDE over a project's files."};
-  app.require_subcommand(0, 1);
+namespace {
+
+// The options of every command, filled in by parsing.
+struct Options {
   int codePage = 0;
-  std::string projectFile;
-  app.add_option("PROJECT", projectFile,
-                 "Run as the IDE with this project open, serving the driver until ended");
-  app.add_option("--codepage", codePage,
-                 "ANSI code page of the project's files (default: QX_CODEPAGE, else detected from "
-                 "the files)");
-
+  std::string projectFile;  // without a command: the project to serve as the IDE
   ide::tool::DumpOptions dump;
-  CLI::App* dumpCommand = app.add_subcommand(
-      "dump", "Print the components, their code modules and procedures as the IDE sees them");
-  dumpCommand->add_option("PROJECT", dump.projectFile, "The project file (.vbp)")->required();
-  dumpCommand->add_option("COMPONENT", dump.component, "Only the component of this name");
-  dumpCommand->add_flag("--properties", dump.properties,
-                        "Print every property of the forms, designers and their controls, one "
-                        "JSON object a component");
-
   ide::tool::SetOptions set;
-  CLI::App* setCommand = app.add_subcommand(
+  ide::tool::ResaveOptions resave;
+};
+
+// A command as the command line declares it, and what running it does once it is parsed.
+struct Command {
+  CLI::App* app;
+  std::function<int()> run;
+};
+
+Command AddDump(CLI::App& app, Options& o) {
+  CLI::App* command = app.add_subcommand(
+      "dump", "Print the components, their code modules and procedures as the IDE sees them");
+  command->add_option("PROJECT", o.dump.projectFile, "The project file (.vbp)")->required();
+  command->add_option("COMPONENT", o.dump.component, "Only the component of this name");
+  command->add_flag("--properties", o.dump.properties,
+                    "Print every property of the forms, designers and their controls, one JSON "
+                    "object a component");
+  return {command, [&o] { return ide::tool::RunDump(o.dump, std::cout, std::cerr); }};
+}
+
+Command AddSet(CLI::App& app, Options& o) {
+  CLI::App* command = app.add_subcommand(
       "set", "Write one property of a form, designer or control and save the component");
-  setCommand->add_option("PROJECT", set.projectFile, "The project file (.vbp)")->required();
-  setCommand
-      ->add_option("TARGET", set.target,
+  command->add_option("PROJECT", o.set.projectFile, "The project file (.vbp)")->required();
+  command
+      ->add_option("TARGET", o.set.target,
                    "COMPONENT or COMPONENT.CONTROL (Name(3) for a member of a control array)")
       ->required();
-  setCommand->add_option("PROPERTY", set.property, "The property's name")->required();
-  setCommand
-      ->add_option("VALUE", set.value,
+  command->add_option("PROPERTY", o.set.property, "The property's name")->required();
+  command
+      ->add_option("VALUE", o.set.value,
                    "JSON: a string, a number, a boolean, or an array of strings for List")
       ->required();
+  return {command, [&o] { return ide::tool::RunSet(o.set, std::cerr); }};
+}
 
-  ide::tool::ResaveOptions resave;
-  CLI::App* resaveCommand = app.add_subcommand(
+Command AddResave(CLI::App& app, Options& o) {
+  CLI::App* command = app.add_subcommand(
       "resave", "Load and save every component, and report any file whose bytes changed");
-  resaveCommand->add_option("PROJECT", resave.projectFile, "The project file (.vbp)")->required();
+  command->add_option("PROJECT", o.resave.projectFile, "The project file (.vbp)")->required();
+  return {command, [&o] { return ide::tool::RunResave(o.resave, std::cout, std::cerr); }};
+}
 
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& e) {
-    // --help is no error; every wrong command line ends with the error status, as qx's do.
-    if (e.get_exit_code() == 0) return app.exit(e);
-    std::cerr << "qxvb6: " << e.what() << "\nRun 'qxvb6.exe --help' for more information.\n";
-    return ide::tool::kExitError;
-  }
-
-  try {
-    if (codePage != 0) platform::SetCurrentCodePage(codePage);
-  } catch (const automation::Error& e) {
-    ide::tool::PrintError(std::cerr, e);
-    return ide::tool::kExitError;
-  }
-  if (dumpCommand->parsed()) return ide::tool::RunDump(dump, std::cout, std::cerr);
-  if (setCommand->parsed()) return ide::tool::RunSet(set, std::cerr);
-  if (resaveCommand->parsed()) return ide::tool::RunResave(resave, std::cout, std::cerr);
+// Without a command: the IDE process, serving the project until it is ended.
+int RunIde(const std::string& projectFile) {
   if (projectFile.empty()) {
     std::cerr << "qxvb6: a project file or a command is required\nRun 'qxvb6.exe --help' for more "
                  "information.\n";
     return ide::tool::kExitError;
   }
-
   ide::server::RedirectOutputToLog();
   std::string message;
   const auto idle = host::IdleFromEnvironment(message);
@@ -93,4 +90,38 @@ int main(int argc, char** argv) {
   host::RegisterClasses();
   special::RegisterAddIn();
   return ide::server::Serve({projectFile, *idle});
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const automation::QuietDisconnections quiet;
+  CLI::App app{"qxvb6: the headless VB6 IDE over a project's files."};
+  app.require_subcommand(0, 1);
+  Options options;
+  app.add_option("PROJECT", options.projectFile,
+                 "Run as the IDE with this project open, serving the driver until ended");
+  app.add_option("--codepage", options.codePage,
+                 "ANSI code page of the project's files (default: QX_CODEPAGE, else detected from "
+                 "the files)");
+  const std::vector<Command> commands = {AddDump(app, options), AddSet(app, options),
+                                         AddResave(app, options)};
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    // --help is no error; every wrong command line ends with the error status, as qx's do.
+    if (e.get_exit_code() == 0) return app.exit(e);
+    std::cerr << "qxvb6: " << e.what() << "\nRun 'qxvb6.exe --help' for more information.\n";
+    return ide::tool::kExitError;
+  }
+  try {
+    if (options.codePage != 0) platform::SetCurrentCodePage(options.codePage);
+  } catch (const automation::Error& e) {
+    ide::tool::PrintError(std::cerr, e);
+    return ide::tool::kExitError;
+  }
+  for (const Command& command : commands) {
+    if (command.app->parsed()) return command.run();
+  }
+  return RunIde(options.projectFile);
 }
