@@ -81,9 +81,11 @@ class QuietDisconnections final : public kj::ExceptionCallback {
 };
 
 // GCC 12 sees the flags that the callbacks set through kj's inlined promise nodes and wrongly
-// thinks they may be read before they are set.
+// thinks they may be read before they are set (clang knows no such warning).
+#if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
 template <class T>
 T Apartment::Await(kj::Promise<T> promise) {
   kj::Maybe<T> value;
@@ -106,8 +108,13 @@ T Apartment::Await(kj::Promise<T> promise) {
   KJ_IF_MAYBE (e, failure) {
     kj::throwFatalException(kj::mv(*e));
   }
-  return kj::mv(KJ_ASSERT_NONNULL(value));
+  KJ_IF_MAYBE (result, value) {
+    return kj::mv(*result);
+  }
+  kj::throwFatalException(KJ_EXCEPTION(FAILED, "a call ended with neither a result nor a failure"));
 }
+#if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic pop
+#endif
 
 }  // namespace automation
