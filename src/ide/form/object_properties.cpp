@@ -7,23 +7,18 @@
 
 #include "automation/casefold.h"
 #include "automation/error.h"
+#include "ide/form/object_properties_detail.h"
 #include "ide/form/property_value.h"
 #include "platform/codepage.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 
 namespace ide::form {
-namespace {
 
-namespace err = automation::err;
-using automation::Variant;
+namespace detail {
 
 bool Same(std::string_view a, std::string_view b) {
   return automation::SameVbName(a, b);
-}
-
-[[noreturn]] void NoSuchProperty(std::string_view name) {
-  automation::Raise(err::kNoSuchMember, "the object has no property \"" + std::string(name) + "\"");
 }
 
 // A stored number: decimal, or `&H...&` hexadecimal (colours); nullopt when it is neither.
@@ -41,6 +36,28 @@ std::optional<double> ParseNumber(std::string_view text) {
   if (ec != std::errc() || end != text.data() + text.size() || text.empty()) return std::nullopt;
   return value;
 }
+
+const ClassInfo* ClassOf(const DescriptionNode& node) {
+  if (node.IsGroup()) return nullptr;
+  return FindClass(node.Type());
+}
+
+void NoSuchProperty(std::string_view name) {
+  automation::Raise(automation::err::kNoSuchMember,
+                    "the object has no property \"" + std::string(name) + "\"");
+}
+
+}  // namespace detail
+
+namespace {
+
+using detail::ClassOf;
+using detail::NoSuchProperty;
+using detail::ParseNumber;
+using detail::Same;
+
+namespace err = automation::err;
+using automation::Variant;
 
 // A stored value of a catalog type.
 Variant ParseTyped(const PropertyInfo& info, std::string_view text) {
@@ -113,38 +130,11 @@ void StoreStoredNumber(DescriptionNode& node, const Description* description,
   node.SetProperty(name, FormatNumber(whole));
 }
 
-const ClassInfo* ClassOf(const DescriptionNode& node) {
-  if (node.IsGroup()) return nullptr;
-  return FindClass(node.Type());
-}
-
 // The extender around a control of another library (an object below the root whose class the
 // catalog does not know); null for every other object.
 const ClassInfo* ExtenderOf(const DescriptionNode& node) {
   if (node.IsGroup() || node.Parent() == nullptr || ClassOf(node) != nullptr) return nullptr;
   return &ExtenderClass();
-}
-
-bool SameFont(const FontValues& a, const FontValues& b) {
-  return a.name == b.name && a.size == b.size && a.charset == b.charset && a.weight == b.weight &&
-         a.underline == b.underline && a.italic == b.italic && a.strikethrough == b.strikethrough;
-}
-
-FontValues DefaultFont() {
-  FontValues font;
-  font.name = std::string(kDefaultFont.name);
-  font.size = kDefaultFont.size;
-  font.charset = kDefaultFont.charset;
-  font.weight = kDefaultFont.weight;
-  return font;
-}
-
-FontValues FormFont(const DescriptionNode& node) {
-  const DescriptionNode* root = &node;
-  while (root->Parent() != nullptr)
-    root = root->Parent();
-  if (auto own = OwnFont(*root)) return *own;
-  return DefaultFont();
 }
 
 // The form-like classes keep their outer size as the client area's.
@@ -161,123 +151,6 @@ std::string_view ClientCounterpart(const ClassInfo* cls, std::string_view name) 
 }
 
 }  // namespace
-
-// CompanionStore ----------------------------------------------------------------------------
-
-CompanionStore::CompanionStore(std::string bareName, std::string path,
-                               const Description& description)
-    : bareName_(std::move(bareName)), path_(std::move(path)) {
-  for (const CompanionUse& use : description.CompanionReferences()) {
-    if (Same(use.reference.fileName, bareName_)) references_.push_back(use.reference.offset);
-  }
-}
-
-CompanionStore::~CompanionStore() = default;
-
-const CompanionFile& CompanionStore::File() {
-  if (!file_) {
-    std::string bytes;
-    exists_ = platform::FileExists(path_);
-    if (exists_) bytes = platform::ReadFile(path_);
-    file_ = std::make_unique<CompanionFile>(bareName_, std::move(bytes), references_);
-  }
-  return *file_;
-}
-
-CompanionRecord CompanionStore::Read(const PropertyEntry& entry, CompanionRecordKind kind) {
-  if (auto found = pending_.find(&entry); found != pending_.end()) return found->second;
-  const std::optional<CompanionReference>& reference = entry.Reference();
-  if (!reference) automation::Raise(err::kInvalidCall, "the property is not in the companion");
-  if (!Same(reference->fileName, bareName_)) {
-    // A reference into another component's companion (two forms sharing one): read there.
-    std::filesystem::path other = std::filesystem::path(path_).parent_path() / reference->fileName;
-    std::string otherPath = platform::ToNative(other.string()).string();
-    CompanionFile shared(reference->fileName, platform::ReadFile(otherPath), {reference->offset});
-    return shared.Read(reference->offset, kind);
-  }
-  const CompanionFile& file = File();
-  if (!exists_) {
-    automation::Raise(err::kFileNotFound, path_ + " (the companion of the form) is missing");
-  }
-  return file.Read(reference->offset, kind);
-}
-
-void CompanionStore::Put(const PropertyEntry& entry, CompanionRecord record) {
-  pending_.insert_or_assign(&entry, std::move(record));
-}
-
-void CompanionStore::Forget(const PropertyEntry& entry) {
-  pending_.erase(&entry);
-}
-
-CompanionStore::Plan CompanionStore::Layout(const Description& description) {
-  Plan plan;
-  for (const CompanionUse& use : description.CompanionReferences()) {
-    if (Same(use.reference.fileName, bareName_)) plan.uses.push_back(use);
-  }
-  bool touched = false;
-  for (const CompanionUse& use : plan.uses)
-    touched |= pending_.count(use.property) > 0;
-  if (!touched && plan.uses.size() == references_.size()) {
-    // Nothing new: every reference still points where it did; the file is not even read.
-    bool same = true;
-    for (std::size_t i = 0; i < plan.uses.size(); ++i) {
-      same &= plan.uses[i].reference.offset == references_[i];
-    }
-    if (same) {
-      for (const CompanionUse& use : plan.uses)
-        plan.offsets.push_back(use.reference.offset);
-      return plan;
-    }
-  }
-  const CompanionFile& file = File();
-  CompanionWriter writer(file);
-  for (const CompanionUse& use : plan.uses) {
-    if (auto found = pending_.find(use.property); found != pending_.end()) {
-      writer.Add(found->second, std::nullopt);
-    } else {
-      if (!exists_) {
-        automation::Raise(err::kFileNotFound, path_ + " (the companion of the form) is missing");
-      }
-      writer.Keep(use.reference.offset, RecordKindOf(*use.property));
-    }
-  }
-  CompanionLayout layout = writer.Finish();
-  plan.write = layout.changed && !layout.bytes.empty();
-  plan.bytes = std::move(layout.bytes);
-  plan.offsets = std::move(layout.offsets);
-  return plan;
-}
-
-std::string CompanionStore::DiskBytes() {
-  return File().Bytes();
-}
-
-bool CompanionStore::ExistsOnDisk() {
-  File();
-  return exists_;
-}
-
-void CompanionStore::Saved(const Plan& plan) {
-  references_ = plan.offsets;
-  if (plan.write) {
-    file_ = std::make_unique<CompanionFile>(bareName_, plan.bytes, references_);
-    exists_ = true;
-  } else if (file_) {
-    file_ = std::make_unique<CompanionFile>(bareName_, file_->Bytes(), references_);
-  }
-  pending_.clear();
-}
-
-void CompanionStore::MoveTo(std::string bareName, std::string path, std::string bytes,
-                            std::vector<uint32_t> offsets) {
-  bareName_ = std::move(bareName);
-  path_ = std::move(path);
-  references_ = std::move(offsets);
-  exists_ = !bytes.empty();
-  file_ = std::make_unique<CompanionFile>(bareName_, std::move(bytes), references_);
-  pending_.clear();
-}
 
 CompanionRecordKind RecordKindOf(const PropertyEntry& entry) {
   const bool isString = entry.Reference() && entry.Reference()->isString;
@@ -302,34 +175,6 @@ CompanionRecordKind RecordKindOf(const PropertyEntry& entry) {
     default:
       return isString ? CompanionRecordKind::kLongString : CompanionRecordKind::kOpaque;
   }
-}
-
-std::optional<FontValues> OwnFont(const DescriptionNode& node) {
-  const DescriptionNode* group = node.FindGroup("Font");
-  if (group == nullptr) return std::nullopt;
-  FontValues font = DefaultFont();
-  for (const PropertyEntry* entry : group->Properties()) {
-    const std::string_view name = entry->Name();
-    std::optional<double> number = ParseNumber(entry->Value());
-    if (Same(name, "Name")) {
-      if (auto text = UnquoteString(entry->Value())) font.name = *text;
-    } else if (!number) {
-      continue;
-    } else if (Same(name, "Size")) {
-      font.size = *number;
-    } else if (Same(name, "Charset")) {
-      font.charset = static_cast<int32_t>(*number);
-    } else if (Same(name, "Weight")) {
-      font.weight = static_cast<int32_t>(*number);
-    } else if (Same(name, "Underline")) {
-      font.underline = *number != 0;
-    } else if (Same(name, "Italic")) {
-      font.italic = *number != 0;
-    } else if (Same(name, "Strikethrough")) {
-      font.strikethrough = *number != 0;
-    }
-  }
-  return font;
 }
 
 // ObjectProperties ---------------------------------------------------------------------------
@@ -635,216 +480,6 @@ void ObjectProperties::Set(std::string_view name, const Variant& value) {
   Store(info, coerced);
   // The box's Text is kept where its new MultiLine setting puts it.
   if (movesText) Store(*class_->Find("Text"), text);
-}
-
-// Lists ---------------------------------------------------------------------------------------
-
-std::vector<std::string> ObjectProperties::ReadList(const PropertyInfo& info) const {
-  const PropertyEntry* entry = node_->FindProperty(info.name);
-  if (entry == nullptr || !entry->Reference() || context_.companion == nullptr) return {};
-  CompanionRecord record = context_.companion->Read(*entry, CompanionRecordKind::kList);
-  std::vector<std::string> items;
-  items.reserve(record.Items().size());
-  for (const std::string& item : record.Items())
-    items.push_back(context_.codePage->Decode(item));
-  return items;
-}
-
-void ObjectProperties::StoreList(const PropertyInfo& info, const std::vector<std::string>& items) {
-  if (items.empty()) {
-    RemoveLine(info.name);
-    return;
-  }
-  if (context_.companion == nullptr) {
-    automation::Raise(err::kInvalidPropertyValue, "the component has no companion file");
-  }
-  std::vector<std::string> encoded;
-  encoded.reserve(items.size());
-  for (const std::string& item : items)
-    encoded.push_back(context_.codePage->Encode(item));
-  CompanionRecord record = CompanionRecord::List(encoded);
-  PropertyEntry* entry = node_->FindProperty(info.name);
-  if (entry != nullptr && entry->Reference() &&
-      Same(entry->Reference()->fileName, context_.companion->FileName())) {
-    context_.companion->Put(*entry, std::move(record));
-    return;
-  }
-  ForgetRecord(info.name);
-  CompanionReference reference{false, context_.companion->FileName(), 0};
-  PropertyEntry& added = node_->SetProperty(info.name, FormatCompanionReference(reference));
-  context_.companion->Put(added, std::move(record));
-}
-
-namespace {
-const PropertyInfo& ListInfo(const ClassInfo* cls, std::string_view list) {
-  const PropertyInfo* info = cls != nullptr ? cls->FindMember(list) : nullptr;
-  if (info == nullptr || info->NumIndices() == 0) NoSuchProperty(list);
-  return *info;
-}
-}  // namespace
-
-int32_t ObjectProperties::ListCount(std::string_view list) const {
-  return static_cast<int32_t>(ReadList(ListInfo(class_, list)).size());
-}
-
-Variant ObjectProperties::ListItem(std::string_view list, int32_t index) const {
-  const PropertyInfo& info = ListInfo(class_, list);
-  std::vector<std::string> items = ReadList(info);
-  const bool inside = index >= 0 && static_cast<std::size_t>(index) < items.size();
-  if (info.type == ValueType::kItemData) {
-    if (!inside) return Variant::Long(0);
-    return Variant::Long(Variant(items[static_cast<std::size_t>(index)]).ToLong());
-  }
-  return Variant(inside ? items[static_cast<std::size_t>(index)] : std::string());
-}
-
-void ObjectProperties::SetListItem(std::string_view list, int32_t index, const Variant& value) {
-  const PropertyInfo& info = ListInfo(class_, list);
-  const Variant item = CoerceItem(info, value);
-  std::vector<std::string> items = ReadList(info);
-  if (info.type == ValueType::kItemData) {
-    // ItemData has an entry for every item of List.
-    const std::size_t count = ReadList(ListInfo(class_, "List")).size();
-    if (items.size() < count) items.resize(count, "0");
-  }
-  if (index < 0 || static_cast<std::size_t>(index) >= items.size()) {
-    automation::Raise(381, "no item " + std::to_string(index) + " in " + std::string(info.name));
-  }
-  items[static_cast<std::size_t>(index)] = item.ToString();
-  StoreList(info, items);
-}
-
-ObjectProperties::Items ObjectProperties::ReadItems() const {
-  Items items{ReadList(ListInfo(class_, "List")), std::nullopt};
-  const PropertyInfo* itemData = class_->FindMember("ItemData");
-  if (itemData != nullptr && node_->FindProperty("ItemData") != nullptr) {
-    items.data = ReadList(*itemData);
-    items.data->resize(items.list.size(), "0");
-  }
-  return items;
-}
-
-void ObjectProperties::StoreItems(const Items& items) {
-  StoreList(ListInfo(class_, "List"), items.list);
-  if (items.data) StoreList(*class_->FindMember("ItemData"), *items.data);
-}
-
-void ObjectProperties::AddItem(const Variant& item, int32_t index) {
-  const PropertyInfo& list = ListInfo(class_, "List");
-  Items items = ReadItems();
-  if (index < -1 || index > static_cast<int32_t>(items.list.size())) {
-    automation::Raise(err::kInvalidCall, "AddItem index " + std::to_string(index));
-  }
-  const std::ptrdiff_t at = index < 0 ? static_cast<std::ptrdiff_t>(items.list.size()) : index;
-  items.list.insert(items.list.begin() + at, CoerceItem(list, item).ToString());
-  if (items.data) items.data->insert(items.data->begin() + at, "0");
-  StoreItems(items);
-}
-
-void ObjectProperties::RemoveItem(int32_t index) {
-  Items items = ReadItems();
-  if (index < 0 || index >= static_cast<int32_t>(items.list.size())) {
-    automation::Raise(err::kInvalidCall, "RemoveItem index " + std::to_string(index) + " of " +
-                                             std::to_string(items.list.size()) + " items");
-  }
-  items.list.erase(items.list.begin() + index);
-  if (items.data) items.data->erase(items.data->begin() + index);
-  StoreItems(items);
-}
-
-void ObjectProperties::ClearList() {
-  ListInfo(class_, "List");
-  RemoveLine("List");
-  RemoveLine("ItemData");
-}
-
-// Fonts ---------------------------------------------------------------------------------------
-
-FontValues ObjectProperties::Font() const {
-  if (auto own = OwnFont(*node_)) return *own;
-  return FormFont(*node_);
-}
-
-bool ObjectProperties::HasOwnFont() const {
-  return node_->FindGroup("Font") != nullptr;
-}
-
-void ObjectProperties::SetFont(const FontValues& font) {
-  if (class_ != nullptr && !class_->HasFont()) NoSuchProperty("Font");
-  if (node_->Parent() == nullptr) {
-    // The form's own font: the controls that showed it keep the font they had.
-    const FontValues old = Font();
-    if (SameFont(old, font) && HasOwnFont()) return;
-    if (context_.description != nullptr) {
-      for (DescriptionNode* control : context_.description->Controls()) {
-        const ClassInfo* cls = ClassOf(*control);
-        if (cls == nullptr || !cls->HasFont() || OwnFont(*control)) continue;
-        if (!SameFont(old, font)) control->SetFont(old);
-      }
-    }
-    node_->SetFont(font);
-    return;
-  }
-  if (SameFont(font, FormFont(*node_))) {
-    node_->RemoveGroup("Font");
-  } else {
-    node_->SetFont(font);
-  }
-}
-
-void ObjectProperties::SetFontAttribute(FontAttribute attribute, const Variant& value) {
-  FontValues font = Font();
-  switch (attribute) {
-    case FontAttribute::kName: {
-      std::string name = value.ToString();
-      if (name.empty()) automation::Raise(err::kInvalidPropertyValue, "a font needs a name");
-      font.name = std::move(name);
-      break;
-    }
-    case FontAttribute::kSize: {
-      const double size = value.ToCurrency().scaled / 10000.0;
-      if (size <= 0 || size > 2160) automation::Raise(err::kInvalidPropertyValue, "font size");
-      // VB6 keeps sizes as Single.
-      font.size = static_cast<float>(size);
-      break;
-    }
-    case FontAttribute::kBold:
-      font.weight = value.ToBool() ? kBoldWeight : kNormalWeight;
-      break;
-    case FontAttribute::kItalic:
-      font.italic = value.ToBool();
-      break;
-    case FontAttribute::kUnderline:
-      font.underline = value.ToBool();
-      break;
-    case FontAttribute::kStrike:
-      font.strikethrough = value.ToBool();
-      break;
-    case FontAttribute::kNone:
-      return;
-  }
-  SetFont(font);
-}
-
-Variant ObjectProperties::FontAttributeValue(FontAttribute attribute) const {
-  const FontValues font = Font();
-  switch (attribute) {
-    case FontAttribute::kName:
-      return Variant(font.name);
-    case FontAttribute::kSize:
-      return Variant::Single(static_cast<float>(font.size));
-    case FontAttribute::kBold:
-      return Variant(IsBold(static_cast<int16_t>(font.weight)));
-    case FontAttribute::kItalic:
-      return Variant(font.italic);
-    case FontAttribute::kUnderline:
-      return Variant(font.underline);
-    case FontAttribute::kStrike:
-      return Variant(font.strikethrough);
-    case FontAttribute::kNone:
-      break;
-  }
-  return Variant();
 }
 
 // Name and Index ------------------------------------------------------------------------------
