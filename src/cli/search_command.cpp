@@ -111,8 +111,7 @@ class Run {
       try {
         Project(session, projectFile);
       } catch (const automation::Error& e) {
-        // Ending the run's IDEs makes the call in flight fail: that is no error of the project.
-        if (Interrupted() == 0) Report({false, project_, "", 0, e.Number(), e.Description()});
+        Report({false, project_, "", 0, e.Number(), e.Description()});
       } catch (const fs::filesystem_error& e) {
         Report({false, project_, "", 0, 75, e.what()});
       }
@@ -171,6 +170,9 @@ class Run {
   }
 
   void Report(const RunProblem& problem) {
+    // Once interrupted, the run's IDEs are being ended: the calls in flight fail and the
+    // components not reached look unsearched. None of that is an error of the project.
+    if (Interrupted() != 0) return;
     printer_.Report(problem);
     ++totals_.problems;
     if (!problem.note) error_ = true;
