@@ -100,6 +100,50 @@ std::string Procedure::GetText() {
   });
 }
 
+namespace {
+
+struct ProcedureId {
+  std::string name;
+  int32_t kind;
+};
+
+// Inserts the new text where the old lines were deleted (after: the module's line count without
+// them) and finds the procedures it brought in: those the set of procedures around the region
+// did not hold; the set keeps those the write took away. The error of an insertion that fails
+// or that changes the list of procedures; nothing when the write stands.
+std::optional<automation::Error> InsertAndCompare(const contracts::CodeModule& code, int32_t start,
+                                                  int32_t after, const std::string& text,
+                                                  const contracts::KeySet& before,
+                                                  std::vector<ProcedureId>& added) {
+  try {
+    code.InsertLines(start, "\r\n" + text);
+  } catch (...) {
+    const automation::Error e = automation::CurrentError();
+    return automation::Error(e.Number(), "", e.Description(), e.HelpFile(), e.HelpContext());
+  }
+  try {
+    const int32_t inserted = code.CountOfLines() - after;
+    WalkProceduresAround(code, start - 1, start + inserted,
+                         [&](const std::string& name, int32_t kind) {
+                           const int32_t position = before.Find(ProcedureKey(name, kind));
+                           if (position != 0) {
+                             before.RemoveAt(position);
+                           } else {
+                             added.push_back({name, kind});
+                           }
+                         });
+    const auto addedCount = static_cast<int32_t>(added.size());
+    if (addedCount != before.Count() || addedCount > 2) {
+      return automation::Error(Procedure::kListChanged, "", Procedure::kListChangedMessage);
+    }
+  } catch (...) {
+    return automation::CurrentError();
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
 void Procedure::SetText(const std::string& text) {
   Operation(kClass, "Text", [&] {
     const contracts::CodeModule code(module_);
@@ -115,47 +159,17 @@ void Procedure::SetText(const std::string& text) {
     code.DeleteLines(start, count);
     const int32_t after = code.CountOfLines();
 
-    // From here on a failure puts the old lines back before it is raised.
-    std::optional<automation::Error> failure;
-    try {
-      code.InsertLines(start, "\r\n" + text);
-    } catch (...) {
-      const automation::Error e = automation::CurrentError();
-      failure = automation::Error(e.Number(), "", e.Description(), e.HelpFile(), e.HelpContext());
-    }
-    // The procedures that the write brought in; the set keeps those that it took away.
-    struct Added {
-      std::string name;
-      int32_t kind;
-    };
-    std::vector<Added> added;
-    if (!failure) {
-      try {
-        const int32_t inserted = code.CountOfLines() - after;
-        WalkProceduresAround(code, start - 1, start + inserted,
-                             [&](const std::string& name, int32_t kind) {
-                               const int32_t position = before.Find(ProcedureKey(name, kind));
-                               if (position != 0) {
-                                 before.RemoveAt(position);
-                               } else {
-                                 added.push_back({name, kind});
-                               }
-                             });
-        const auto addedCount = static_cast<int32_t>(added.size());
-        if (addedCount != before.Count() || addedCount > 2) {
-          failure = automation::Error(kListChanged, "", kListChangedMessage);
-        }
-      } catch (...) {
-        failure = automation::CurrentError();
-      }
-    }
-    if (failure) {
+    // A failure puts the old lines back before it is raised.
+    std::vector<ProcedureId> added;
+    if (const std::optional<automation::Error> failure =
+            InsertAndCompare(code, start, after, text, before, added)) {
       const int32_t inserted = code.CountOfLines() - after;
       if (inserted > 0) code.DeleteLines(start, inserted);
       code.InsertLines(start, "\r\n" + old);
       throw *failure;
     }
 
+    // A write that renamed the procedure: this object follows it under its new name.
     if (added.size() == 1) {
       const std::string oldName = Name();
       procName_ = added.front().name;

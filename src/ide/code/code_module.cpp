@@ -148,27 +148,23 @@ const CodeModule::Index& CodeModule::CurrentIndex() const {
   return index_;
 }
 
-void CodeModule::BuildIndex() const {
-  Index idx;
-  auto& procs = idx.procs;
-  const auto n = static_cast<int32_t>(lines_.size());
+// The walk over the whole module that BuildIndex makes: the #If blocks around each line, the
+// procedure whose End has not come yet, and the last code line above the first heading.
+struct CodeModule::IndexBuilder {
   struct Frame {
     int32_t block;
     int32_t branch;
   };
+  Index idx;
   std::vector<Frame> frames;
   int32_t nextBlock = 0;
   int32_t lastCode = -1;  // the last code line above the first heading
   Proc* open = nullptr;   // the procedure whose End has not come yet
-  std::string joined;
-  auto factsAt = [this](int32_t k) { return facts_[k]; };
-  auto textAt = [this](int32_t k) -> std::string_view { return lines_[k].line.Text(); };
 
-  for (int32_t i = 0; i < n;) {
-    Piece piece = ReadPiece(i, n, factsAt, textAt, joined);
+  // One statement or comment of lines [i, piece.last].
+  void Add(int32_t i, Piece& piece) {
     const int32_t e = piece.last;
-    Statement& st = piece.st;
-    switch (st.type) {
+    switch (piece.st.type) {
       case Statement::Type::kIf:
         idx.directives = true;
         frames.push_back({++nextBlock, 0});
@@ -188,59 +184,80 @@ void CodeModule::BuildIndex() const {
           open = nullptr;
         }
         break;
-      case Statement::Type::kHeading: {
-        int32_t block = frames.empty() ? 0 : frames.back().block;
-        int32_t branch = frames.empty() ? 0 : frames.back().branch;
-        // The same heading in another branch of the same #If block is one procedure with two
-        // alternative headings (a declaration that differs per platform or version).
-        auto alternative = [&](const Proc& p) {
-          return block != 0 && p.ifBlock == block && p.ifBranch != branch && p.kind == st.kind &&
-                 automation::SameVbName(p.name, st.name);
-        };
-        if (open != nullptr) {
-          if (alternative(*open)) break;
-          // A heading without its End: the procedure ends above the next heading.
-          open->end = i - 1;
-          open = nullptr;
-        } else if (!procs.empty() && alternative(*procs.back())) {
-          open = procs.back().get();
-          break;
-        }
-        if (procs.empty()) idx.declarationLines = lastCode + 1;
-        auto p = std::make_unique<Proc>();
-        p->name = std::move(st.name);
-        p->kind = st.kind;
-        p->start = procs.empty() ? idx.declarationLines : procs.back()->end + 1;
-        p->body = i;
-        p->ifBlock = block;
-        p->ifBranch = branch;
-        if (st.endsOnSameLine) {
-          p->end = e;
-          p->endLine = e;
-        } else {
-          open = p.get();
-        }
-        procs.push_back(std::move(p));
+      case Statement::Type::kHeading:
+        Heading(i, e, piece.st);
         break;
-      }
       case Statement::Type::kOther:
         break;
     }
-    if (piece.code && procs.empty()) lastCode = e;
-    i = e + 1;
+    if (piece.code && idx.procs.empty()) lastCode = e;
   }
-  if (procs.empty()) {
-    idx.declarationLines = n;
-  } else {
-    procs.back()->end = n - 1;  // the last procedure owns the lines after its End
+
+  void Heading(int32_t i, int32_t e, Statement& st) {
+    auto& procs = idx.procs;
+    const int32_t block = frames.empty() ? 0 : frames.back().block;
+    const int32_t branch = frames.empty() ? 0 : frames.back().branch;
+    // The same heading in another branch of the same #If block is one procedure with two
+    // alternative headings (a declaration that differs per platform or version).
+    auto alternative = [&](const Proc& p) {
+      return block != 0 && p.ifBlock == block && p.ifBranch != branch && p.kind == st.kind &&
+             automation::SameVbName(p.name, st.name);
+    };
+    if (open != nullptr) {
+      if (alternative(*open)) return;
+      // A heading without its End: the procedure ends above the next heading.
+      open->end = i - 1;
+      open = nullptr;
+    } else if (!procs.empty() && alternative(*procs.back())) {
+      open = procs.back().get();
+      return;
+    }
+    if (procs.empty()) idx.declarationLines = lastCode + 1;
+    auto p = std::make_unique<Proc>();
+    p->name = std::move(st.name);
+    p->kind = st.kind;
+    p->start = procs.empty() ? idx.declarationLines : procs.back()->end + 1;
+    p->body = i;
+    p->ifBlock = block;
+    p->ifBranch = branch;
+    if (st.endsOnSameLine) {
+      p->end = e;
+      p->endLine = e;
+    } else {
+      open = p.get();
+    }
+    procs.push_back(std::move(p));
   }
-  idx.byKey.reserve(procs.size());
-  for (auto& p : procs) {
-    // The first procedure of a name and kind is the one look-ups find.
-    p->firstOfKey = idx.byKey.emplace(ProcKey{p->name, p->kind}, p.get()).second;
-    if (!p->firstOfKey) idx.duplicates = true;
+
+  Index Finish(int32_t lineCount) {
+    auto& procs = idx.procs;
+    if (procs.empty()) {
+      idx.declarationLines = lineCount;
+    } else {
+      procs.back()->end = lineCount - 1;  // the last procedure owns the lines after its End
+    }
+    idx.byKey.reserve(procs.size());
+    for (auto& p : procs) {
+      // The first procedure of a name and kind is the one look-ups find.
+      p->firstOfKey = idx.byKey.emplace(ProcKey{p->name, p->kind}, p.get()).second;
+      if (!p->firstOfKey) idx.duplicates = true;
+    }
+    return std::move(idx);
   }
-  index_ = std::move(idx);
+};
+
+void CodeModule::BuildIndex() const {
+  IndexBuilder builder;
+  const auto n = static_cast<int32_t>(lines_.size());
+  std::string joined;
+  auto factsAt = [this](int32_t k) { return facts_[k]; };
+  auto textAt = [this](int32_t k) -> std::string_view { return lines_[k].line.Text(); };
+  for (int32_t i = 0; i < n;) {
+    Piece piece = ReadPiece(i, n, factsAt, textAt, joined);
+    builder.Add(i, piece);
+    i = piece.last + 1;
+  }
+  index_ = builder.Finish(n);
   indexValid_ = true;
 }
 
@@ -297,36 +314,18 @@ bool CodeModule::IndexAfterDelete(int32_t first, int32_t count) {
   return true;
 }
 
-// The other half: new lines that are whole procedures with their End (and blank or comment
-// lines around them), inserted where a procedure's region begins or after the last procedure,
-// go into the index as they are read; the procedures below move down.
-bool CodeModule::IndexAfterInsert(int32_t at, const std::vector<CodeLine>& added,
-                                  const std::vector<LineFacts>& addedFacts) {
-  if (!indexValid_) return false;
-  Index& idx = index_;
-  auto& procs = idx.procs;
-  if (idx.directives || idx.duplicates || procs.empty()) return false;
-  const auto n = static_cast<int32_t>(lines_.size());  // before the insertion
+// The new lines read on their own, numbered as they will be from line at: whole procedures with
+// their End, with blank or comment lines around them; false when they hold anything else (code
+// outside a procedure, #If lines, a statement that runs on past them).
+bool CodeModule::ReadWholeProcedures(int32_t at, int32_t regionStart,
+                                     const std::vector<CodeLine>& added,
+                                     const std::vector<LineFacts>& addedFacts,
+                                     std::vector<std::unique_ptr<Proc>>& fresh) {
   const auto count = static_cast<int32_t>(added.size());
-  if (at > 0 && facts_[at - 1].commentGoesOn) return false;
-  const bool append = at == n;
-  auto next = procs.end();
-  if (!append) {
-    next = std::lower_bound(procs.begin(), procs.end(), at,
-                            [](const std::unique_ptr<Proc>& p, int32_t v) { return p->start < v; });
-    if (next == procs.end() || (*next)->start != at) return false;
-  }
-  Proc* above = next == procs.begin() ? nullptr : (next - 1)->get();
-  if (above != nullptr && above->endLine < 0) return false;
-
-  // The new lines read on their own, numbered as they will be.
-  std::vector<std::unique_ptr<Proc>> fresh;
   Proc* open = nullptr;
   std::string joined;
   auto factsAt = [&](int32_t k) { return addedFacts[k]; };
   auto textAt = [&](int32_t k) -> std::string_view { return added[k].line.Text(); };
-  // After the last procedure, its lines below its End go to the first new procedure.
-  const int32_t regionStart = append ? above->endLine + 1 : at;
   for (int32_t i = 0; i < count;) {
     Piece piece = ReadPiece(i, count, factsAt, textAt, joined);
     if (piece.runsOn) return false;
@@ -362,8 +361,12 @@ bool CodeModule::IndexAfterInsert(int32_t at, const std::vector<CodeLine>& added
     }
     i = e + 1;
   }
-  if (open != nullptr) return false;
-  // New names only: a second procedure of a name needs the rebuild to tell which comes first.
+  return open == nullptr;
+}
+
+// Whether the new procedures bring new names only: a second procedure of a name needs the
+// rebuild to tell which comes first.
+bool CodeModule::NewNamesOnly(const Index& idx, const std::vector<std::unique_ptr<Proc>>& fresh) {
   for (std::size_t k = 0; k < fresh.size(); ++k) {
     ProcKey key{fresh[k]->name, fresh[k]->kind};
     if (idx.byKey.contains(key)) return false;
@@ -371,6 +374,36 @@ bool CodeModule::IndexAfterInsert(int32_t at, const std::vector<CodeLine>& added
       if (ProcKeyEqual()(key, ProcKey{fresh[l]->name, fresh[l]->kind})) return false;
     }
   }
+  return true;
+}
+
+// The other half: new lines that are whole procedures with their End (and blank or comment
+// lines around them), inserted where a procedure's region begins or after the last procedure,
+// go into the index as they are read; the procedures below move down.
+bool CodeModule::IndexAfterInsert(int32_t at, const std::vector<CodeLine>& added,
+                                  const std::vector<LineFacts>& addedFacts) {
+  if (!indexValid_) return false;
+  Index& idx = index_;
+  auto& procs = idx.procs;
+  if (idx.directives || idx.duplicates || procs.empty()) return false;
+  const auto n = static_cast<int32_t>(lines_.size());  // before the insertion
+  const auto count = static_cast<int32_t>(added.size());
+  if (at > 0 && facts_[at - 1].commentGoesOn) return false;
+  const bool append = at == n;
+  auto next = procs.end();
+  if (!append) {
+    next = std::lower_bound(procs.begin(), procs.end(), at,
+                            [](const std::unique_ptr<Proc>& p, int32_t v) { return p->start < v; });
+    if (next == procs.end() || (*next)->start != at) return false;
+  }
+  Proc* above = next == procs.begin() ? nullptr : (next - 1)->get();
+  if (above != nullptr && above->endLine < 0) return false;
+
+  // After the last procedure, its lines below its End go to the first new procedure.
+  const int32_t regionStart = append ? above->endLine + 1 : at;
+  std::vector<std::unique_ptr<Proc>> fresh;
+  if (!ReadWholeProcedures(at, regionStart, added, addedFacts, fresh)) return false;
+  if (!NewNamesOnly(idx, fresh)) return false;
 
   if (append) {
     if (fresh.empty()) {

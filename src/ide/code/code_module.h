@@ -145,6 +145,8 @@ class CodeModule {
     std::map<std::string, std::deque<LineEnd>, std::less<>> ends;
   };
 
+  struct IndexBuilder;
+
   const Index& CurrentIndex() const;
   void BuildIndex() const;
   // Bring a valid index up to date for an edit about to be made, when the edit removes or adds
@@ -153,6 +155,11 @@ class CodeModule {
   bool IndexAfterDelete(int32_t first, int32_t count);
   bool IndexAfterInsert(int32_t at, const std::vector<CodeLine>& added,
                         const std::vector<LineFacts>& addedFacts);
+  static bool ReadWholeProcedures(int32_t at, int32_t regionStart,
+                                  const std::vector<CodeLine>& added,
+                                  const std::vector<LineFacts>& addedFacts,
+                                  std::vector<std::unique_ptr<Proc>>& fresh);
+  static bool NewNamesOnly(const Index& idx, const std::vector<std::unique_ptr<Proc>>& fresh);
   const Proc& FindProc(std::string_view name, ProcKind kind) const;
   void CheckLine(int32_t line, int32_t last) const;
   void Reattach(int32_t first, int32_t count);
