@@ -104,7 +104,7 @@ class Run {
     ProgressLine progress(printer_, discovery.projects.size());
     progress_ = &progress;
     for (const fs::path& projectFile : discovery.projects) {
-      if (Interrupted() != 0 || printer_.OutputClosed()) break;
+      if (Stopped()) break;
       progress.Project(ShowPath(projectFile));
       project_ = ShowPath(projectFile);
       projectReported_ = false;
@@ -168,6 +168,9 @@ class Run {
     return std::find(options_.kinds.begin(), options_.kinds.end(), collection) !=
            options_.kinds.end();
   }
+
+  // Whether the run stops before its end: interrupted, or nobody reads its output any more.
+  bool Stopped() const { return Interrupted() != 0 || printer_.OutputClosed(); }
 
   void Report(const RunProblem& problem) {
     // Once interrupted, the run's IDEs are being ended: the calls in flight fail and the
@@ -249,7 +252,7 @@ class Run {
         if (!options_.kinds.empty() && !Asked(collection.name)) continue;
         for (const contracts::EnumerationEntry& entry :
              contracts::ParseEnumeration(collection.text)) {
-          if (Interrupted() != 0 || printer_.OutputClosed()) return;
+          if (Stopped()) return;
           if (entry.name.empty() || !ComponentSelected(options_, entry.name)) continue;
           const ComponentFile* file = FileOf(files, collection.name, entry.name);
           // A missing file has been said, with its line; the IDE is not asked for it.
@@ -323,6 +326,8 @@ class Run {
   // Every component file of the project is searched, or has been said not to be: one that the
   // listing did not bring (a file without a name, one that cannot be read) is said here.
   void Unreached(const ProjectSurvey& survey) {
+    // A run that stopped early has left the rest unsearched on purpose.
+    if (Stopped()) return;
     for (const ComponentFile& file : survey.files) {
       const std::string key = FileKey(file.file);
       if (done_.contains(key) || survey.missing.contains(key)) continue;

@@ -154,7 +154,7 @@ TEST_F(SearchRuns, CtrlCEndsTheIdeTheRunStartedAndLeavesNothing) {
 }
 
 // `qx search ... | head -1`: once the reader has gone, the run stops instead of searching on, and
-// ends its IDE as usual.
+// ends its IDE as usual; what it left unsearched on purpose is no error.
 TEST_F(SearchRuns, AReaderThatHasGoneStopsTheRun) {
   const fs::path folder = Folder(20);
   const fs::path log = WatchIdeStarts();
@@ -164,7 +164,8 @@ TEST_F(SearchRuns, AReaderThatHasGoneStopsTheRun) {
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, fds[1], 1);
   posix_spawn_file_actions_addclose(&actions, fds[0]);
-  posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+  const std::string errors = (home() / "errors").string();
+  posix_spawn_file_actions_addopen(&actions, 2, errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   std::vector<std::string> args{QX_BIN, "search", "running", folder.string()};
   std::vector<char*> argv;
   for (auto& a : args)
@@ -188,6 +189,7 @@ TEST_F(SearchRuns, AReaderThatHasGoneStopsTheRun) {
     EXPECT_TRUE(qxtest::ProcessGone(pid)) << "IDE " << pid << " outlived the run";
   EXPECT_LT(ides, 20u) << "the run went on after its reader had gone";
   EXPECT_EQ(RunFolder(home()), std::vector<std::string>{}) << "left in the run folder";
+  EXPECT_EQ(ReadAll(errors), "");
 }
 
 TEST_F(SearchRuns, EveryKindIsSearchedAndBeginSaysTheCodePage) {
