@@ -72,7 +72,8 @@ void AddSearchOptions(CLI::App& verb, cli::SearchOptions& options, bool& json, c
       "Ignore letter case unless a pattern has an upper-case letter");
   verb.add_flag("-w,--word-regexp", options.wordRegexp, "Match whole words only");
   verb.add_option("--in", options.scope,
-                  "Where to look: code, names, properties, html (default all)")
+                  "Where to look: code (or only its statements, comments or strings), names, "
+                  "properties, html (default: code, names, properties, html)")
       ->delimiter(',')
       ->allow_extra_args(false);
   verb.add_option("--kind", options.kinds, "Only these kinds of component (Forms, Modules, ...)")

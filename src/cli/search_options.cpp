@@ -2,6 +2,8 @@
 
 #include <fnmatch.h>
 
+#include <algorithm>
+
 #include <nlohmann/json.hpp>
 
 #include "automation/casefold.h"
@@ -9,6 +11,7 @@
 #include "contracts/component_kinds.h"
 #include "host/scan/matcher.h"
 #include "host/scan/replacement.h"
+#include "host/scan/scan_request.h"
 
 namespace cli {
 namespace {
@@ -40,20 +43,19 @@ std::string_view CaseName(CaseChoice choice) {
 }  // namespace
 
 const std::vector<std::string>& ScopeNames() {
-  static const std::vector<std::string> names = {"code", "names", "properties", "html"};
+  static const std::vector<std::string> names(host::scan::kScopes.begin(),
+                                              host::scan::kScopes.end());
   return names;
 }
 
 void ValidateSearchOptions(SearchOptions& options) {
-  if (options.scope.empty())
-    InvalidArgument("--in needs at least one of: code, names, properties, html");
+  std::string places;
+  for (const std::string& name : ScopeNames())
+    places.append(places.empty() ? "" : ", ").append(name);
+  if (options.scope.empty()) InvalidArgument("--in needs at least one of: " + places);
   for (const std::string& scope : options.scope) {
-    bool known = false;
-    for (const std::string& name : ScopeNames())
-      known = known || name == scope;
-    if (!known)
-      InvalidArgument("--in: unknown place \"" + scope +
-                      "\"; the places are code, names, properties, html");
+    if (std::find(ScopeNames().begin(), ScopeNames().end(), scope) == ScopeNames().end())
+      InvalidArgument("--in: unknown place \"" + scope + "\"; the places are " + places);
   }
   for (std::string& kind : options.kinds) {
     bool known = false;

@@ -105,30 +105,57 @@ TEST(MatcherTest, WholeWordTreatsIdentifierCharactersAsWord) {
   EXPECT_EQ(SpansOf({"Foo|Bar"}, word, "FooBar Bar"), (Spans{{7, 10}}));
 }
 
-TEST(MatcherTest, CodeOnlySkipsStringLiteralsAndComments) {
-  MatchOptions code;
-  code.codeOnly = true;
-  code.caseMode = CaseMode::kInsensitive;
+TEST(MatcherTest, CodePartsKeepEveryMatchInsideItsPart) {
+  auto starts = [](uint8_t parts, const std::string& pattern, const std::string& text) {
+    MatchOptions options;
+    options.codeParts = parts;
+    options.caseMode = CaseMode::kInsensitive;
+    std::vector<std::size_t> found;
+    for (const auto& m : Matcher(pattern, options).FindAll(text))
+      found.push_back(m.start);
+    return found;
+  };
   // A doubled quote inside a literal, a comment after code, Rem as a statement and after ":",
-  // an unclosed literal running to the end of its line, and the next line matched again.
+  // an unclosed literal running to the end of its line, Rem inside a name, and a comment that
+  // " _" goes on with over the next line.
   const std::string text =
       "x = \"Foo \"\"Foo\"\" \" & foo ' Foo\r\n"
       "Rem Foo\r\n"
       "y = Foo: rem Foo\n"
       "z = \"Foo\r"
-      "foo.Remove Foo";
-  Matcher matcher("foo", code);
-  std::vector<std::size_t> starts;
-  for (const auto& m : matcher.FindAll(text))
-    starts.push_back(m.start);
-  EXPECT_EQ(starts, (std::vector<std::size_t>{21, 45, 67, 78}));
-  // Replacing keeps the literals and comments as they were.
+      "foo.Remove Foo ' a _\n"
+      "  Foo";
+  EXPECT_EQ(starts(host::scan::kStatements, "foo", text),
+            (std::vector<std::size_t>{21, 45, 67, 78}));
+  EXPECT_EQ(starts(host::scan::kComments, "foo", text), (std::vector<std::size_t>{27, 36, 54, 90}));
+  EXPECT_EQ(starts(host::scan::kStrings, "foo", text), (std::vector<std::size_t>{5, 11, 63}));
+  EXPECT_EQ(starts(host::scan::kStrings | host::scan::kComments, "foo", text).size(), 7u);
+  // A match never takes in the quotes, the ' or the Rem, nor reaches from one part into the
+  // next; `$` matches where the line ends, not where a part does.
+  EXPECT_TRUE(starts(host::scan::kStrings, "\"", "s = \"Foo\" & \"\"").empty());
+  EXPECT_TRUE(starts(host::scan::kComments, "'|rem", "s = 1 ' Foo\r\nRem Foo").empty());
+  EXPECT_TRUE(starts(host::scan::kStatements, "= \"", text).empty());
+  EXPECT_EQ(starts(host::scan::kStrings, "o$", "s = \"Foo\" & \"Goo"),
+            (std::vector<std::size_t>{15}));
+  // Searching from a line that a comment goes on to finds the comment's text there.
+  MatchOptions comments;
+  comments.codeParts = host::scan::kComments;
+  Matcher inComments("Foo", comments);
+  host::scan::Match match;
+  ASSERT_TRUE(inComments.Find(text, 88, match));
+  EXPECT_EQ(match.start, 90u);
+
+  // Replacing keeps the other parts as they were.
+  MatchOptions code;
+  code.codeParts = host::scan::kStatements;
+  Matcher matcher("Foo", code);
   std::string replaced;
   host::scan::ReplaceAll(matcher, "s = \"Foo's\" & Foo 'Foo", Replacement("Bar", matcher),
                          replaced);
   EXPECT_EQ(replaced, "s = \"Foo's\" & Bar 'Foo");
-  // The option adds no group of its own.
-  EXPECT_EQ(Matcher("(a)", code).GroupCount(), 1u);
+  host::scan::ReplaceAll(inComments, "s = \"Foo's\" & Foo 'Foo", Replacement("Bar", inComments),
+                         replaced);
+  EXPECT_EQ(replaced, "s = \"Foo's\" & Foo 'Bar");
 }
 
 TEST(MatcherTest, SeveralPatternsLeftmostFirst) {

@@ -253,3 +253,28 @@ TEST_F(IdeProcesses, AWarmIdeKeepsNothingOfAFailedWriteAndFollowsItsProjectFile)
 }
 
 }  // namespace
+
+// --in strings, comments and statements: each finds and changes only its part of the code; a
+// string inside a comment is comment, and a name that only starts like the word is code.
+TEST_F(IdeProcesses, CodePartsAreSearchedAndReplacedOnTheirOwn) {
+  const fs::path cls = work() / "Inventory" / "CStockItem.cls";
+  const std::string before = ReadAll(cls);
+  const auto count = [&](const std::string& part) {
+    const auto run =
+        Qx({"search", "-c", "-i", "--kind", "ClassModules", "--in", part, "quantity", vbp_});
+    EXPECT_EQ(run.err, "");
+    return run.out;
+  };
+  EXPECT_EQ(count("strings"), cls.string() + ":1\n");
+  EXPECT_EQ(count("comments"), cls.string() + ":2\n");
+  EXPECT_EQ(count("statements,comments"), cls.string() + ":11\n");
+  EXPECT_EQ(count("code"), cls.string() + ":12\n");
+
+  const auto write = Qx({"replace", "--write", "-i", "--kind", "ClassModules", "--in", "strings",
+                         "quantity", "Amount", vbp_});
+  ASSERT_EQ(write.status, 0) << write.err;
+  std::string expected = before;
+  const std::string was = "\"Quantity out of range\"";
+  expected.replace(expected.find(was), was.size(), "\"Amount out of range\"");
+  EXPECT_EQ(ReadAll(cls), expected);
+}

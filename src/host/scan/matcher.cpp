@@ -14,11 +14,6 @@ namespace {
 constexpr uint32_t kCompileFlags =
     PCRE2_UTF | PCRE2_UCP | PCRE2_MATCH_INVALID_UTF | PCRE2_MULTILINE;
 
-// A VB string literal (to the end of the line when it is not closed; "" inside is two literals
-// that meet) or a comment: ' or the keyword Rem, to the end of the line.
-constexpr std::string_view kLiteralsAndComments =
-    R"((?:"[^"\r\n]*+"?|'.*|(?<![\w.])(?i:Rem)(?!\w).*))";
-
 // PCRE2's message for an error code.
 std::string ErrorText(int code) {
   PCRE2_UCHAR buffer[256];
@@ -173,9 +168,6 @@ std::shared_ptr<const Matcher::Program> CompileProgram(const std::vector<std::st
     combined.append("(?:").append(source).append(")");
   }
   if (options.wholeWord) combined = "(?<!\\w)(?:" + combined + ")(?!\\w)";
-  // PCRE2 tries the literals and comments first at each place; one that starts there is
-  // skipped as a whole, so the patterns are only tried outside them.
-  if (options.codeOnly) combined = std::string(kLiteralsAndComments) + "(*SKIP)(*FAIL)|" + combined;
   Compiled all = Compile(combined, flags);
   if (!all.code) {
     // Only what the patterns do to each other can fail here: a group name used twice.
@@ -204,7 +196,7 @@ std::shared_ptr<const Matcher::Program> FindOrCompile(const std::vector<std::str
   static std::mutex mutex;
   static std::vector<Entry> kept;
   std::string key{static_cast<char>(options.literal), static_cast<char>(options.caseMode),
-                  static_cast<char>(options.wholeWord), static_cast<char>(options.codeOnly)};
+                  static_cast<char>(options.wholeWord)};
   for (const std::string& pattern : patterns)
     key.append(std::to_string(pattern.size())).append(":").append(pattern);
   {
@@ -249,6 +241,7 @@ pcre2_match_context* ThreadMatchContext() {
 Matcher::Matcher(const std::vector<std::string>& patterns, const MatchOptions& options) {
   if (patterns.empty()) automation::Raise(automation::err::kInvalidCall, "no pattern to match");
   program_ = FindOrCompile(patterns, options);
+  codeParts_ = options.codeParts & kEveryCodePart;
   data_.reset(pcre2_match_data_create_from_pattern(program_->code.get(), nullptr));
   if (!data_) throw std::bad_alloc();
 }
@@ -310,8 +303,31 @@ bool Matcher::FindInLine(std::string_view text, std::size_t from, uint32_t flags
   }
 }
 
+bool Matcher::FindInParts(std::string_view text, std::size_t from, uint32_t flags, Match& match) {
+  if (from > text.size()) return false;
+  CodeLexer lexer(text, from);
+  for (CodeSpan span; lexer.Next(span);) {
+    if ((span.part & codeParts_) == 0 || span.end < from) continue;
+    if ((flags & PCRE2_ANCHORED) && span.start > from) return false;
+    // The span is the subject's end, so no match reaches past it; `$` matches there only where
+    // the line really ends.
+    const bool lineEnds = span.end == text.size() || IsLineBreak(text[span.end]);
+    if (Attempt(text, span.end, std::max(from, span.start), flags | (lineEnds ? 0 : PCRE2_NOTEOL),
+                match)) {
+      return true;
+    }
+    if (flags & PCRE2_ANCHORED) return false;
+  }
+  return false;
+}
+
+bool Matcher::FindFrom(std::string_view text, std::size_t from, uint32_t flags, Match& match) {
+  return codeParts_ == kEveryCodePart ? FindInLine(text, from, flags, match)
+                                      : FindInParts(text, from, flags, match);
+}
+
 bool Matcher::Find(std::string_view text, std::size_t from, Match& match) {
-  return FindInLine(text, from, 0, match);
+  return FindFrom(text, from, 0, match);
 }
 
 bool Matcher::Next(std::string_view text, Cursor& cursor, Match& match) {
@@ -320,11 +336,11 @@ bool Matcher::Next(std::string_view text, Cursor& cursor, Match& match) {
     if (cursor.afterEmpty) {
       // After an empty match, first a non-empty match at the same place, then one character on.
       cursor.afterEmpty = false;
-      if (!FindInLine(text, cursor.from, PCRE2_NOTEMPTY_ATSTART | PCRE2_ANCHORED, match)) {
+      if (!FindFrom(text, cursor.from, PCRE2_NOTEMPTY_ATSTART | PCRE2_ANCHORED, match)) {
         cursor.from = NextCharacter(text, cursor.from);
         continue;
       }
-    } else if (!FindInLine(text, cursor.from, 0, match)) {
+    } else if (!FindFrom(text, cursor.from, 0, match)) {
       cursor.from = text.size() + 1;
       return false;
     }

@@ -30,6 +30,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/scan/code_parts.h"
+
 namespace host::scan {
 
 // The error raised for a pattern that does not compile or a replacement that names a group the
@@ -56,12 +58,11 @@ struct MatchOptions {
   // characters of a VB identifier), so "Foo" finds `Foo` and `Foo.Bar` but not `FooBar`,
   // `Foo_Bar` or `Foo1`.
   bool wholeWord = false;
-  // The texts are VB code: a match never starts inside a string literal ("...", to the end of
-  // the line when unclosed) or a comment (from ' or Rem to the end of the line). Meant for
-  // procedure texts; a caption with an apostrophe would lose the rest of its line. A walk goes
-  // on from where the last match ended, so a pattern that takes in a quote can leave the next
-  // search inside a literal.
-  bool codeOnly = false;
+  // The texts are VB code, and a match lies wholly inside one of these parts of it (a CodePart
+  // set; every part: no restriction): inside a string literal's contents, a comment's text, or
+  // the statements between them. Meant for procedure texts; a caption with an apostrophe would
+  // lose the rest of its line. `^` and `$` still match only at the starts and ends of lines.
+  uint8_t codeParts = kEveryCodePart;
 };
 
 // One match: the bytes [start, end) of the text. `groups` holds the start and end offset of
@@ -139,9 +140,14 @@ class Matcher {
                Match& match);
   // Find with PCRE2 flags, keeping to one line.
   bool FindInLine(std::string_view text, std::size_t from, uint32_t flags, Match& match);
+  // Find with PCRE2 flags, keeping to one span of the code parts asked for.
+  bool FindInParts(std::string_view text, std::size_t from, uint32_t flags, Match& match);
+  // Either of the two, as the options ask.
+  bool FindFrom(std::string_view text, std::size_t from, uint32_t flags, Match& match);
 
   std::shared_ptr<const Program> program_;
   std::unique_ptr<pcre2_match_data, MatchDataFree> data_;
+  uint8_t codeParts_ = kEveryCodePart;
 };
 
 // Turns byte offsets of one text, given in increasing order, into 1-based lines and columns,

@@ -12,8 +12,16 @@ namespace {
 
 using nlohmann::json;
 
-constexpr std::array<std::string_view, 4> kScopes = {kScopeCode, kScopeNames, kScopeProperties,
-                                                     kScopeHtml};
+std::string ScopeList() {
+  std::string list;
+  for (std::string_view scope : kScopes)
+    list.append(list.empty() ? "" : ", ").append(scope);
+  return list;
+}
+
+bool Named(const std::vector<std::string>& scopes, std::string_view scope) {
+  return std::find(scopes.begin(), scopes.end(), scope) != scopes.end();
+}
 
 [[noreturn]] void Bad(const std::string& what) {
   automation::Raise(automation::err::kInvalidCall, "scan request: " + what);
@@ -62,7 +70,7 @@ ScanRequest ScanRequest::Parse(std::string_view text) {
   out.options.literal = Flag(request, "literal");
   out.options.caseMode = ParseCase(request);
   out.options.wholeWord = Flag(request, "wordRegexp");
-  out.options.codeOnly = Flag(request, "codeOnly");
+  if (Flag(request, "codeOnly")) out.options.codeParts = kStatements;
   if (auto it = request.find("control"); it != request.end() && !it->is_null()) {
     if (!it->is_string() || it->get_ref<const std::string&>().empty())
       Bad("\"control\" must be a control's name or null");
@@ -82,14 +90,25 @@ ScanRequest ScanRequest::Parse(std::string_view text) {
   out.scopes = Strings(request, "scope");
   for (const auto& scope : *out.scopes) {
     if (std::find(kScopes.begin(), kScopes.end(), scope) == kScopes.end()) {
-      Bad("unknown scope \"" + scope + "\" (known: code, names, properties, html)");
+      Bad("unknown scope \"" + scope + "\" (known: " + ScopeList() + ")");
     }
   }
   return out;
 }
 
 bool ScanRequest::Wants(std::string_view scope) const {
-  return !scopes || std::find(scopes->begin(), scopes->end(), scope) != scopes->end();
+  if (!scopes) return true;
+  if (scope == kScopeCode) return CodeParts() != 0;
+  return Named(*scopes, scope);
+}
+
+uint8_t ScanRequest::CodeParts() const {
+  if (!scopes || Named(*scopes, kScopeCode)) return options.codeParts;
+  uint8_t parts = 0;
+  if (Named(*scopes, kScopeStatements)) parts |= kStatements;
+  if (Named(*scopes, kScopeComments)) parts |= kComments;
+  if (Named(*scopes, kScopeStrings)) parts |= kStrings;
+  return parts & options.codeParts;
 }
 
 bool ScanRequest::WantsControl(std::string_view name) const {

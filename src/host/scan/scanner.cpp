@@ -36,7 +36,8 @@ class Walk {
         component_(component),
         componentName_(std::move(componentName)),
         updatable_(updatable),
-        matcher_(request.patterns, request.options) {
+        matcher_(request.patterns, request.options),
+        codeMatcher_(request.patterns, CodeOptions(request)) {
     if (request.replacement) replacement_.emplace(*request.replacement, matcher_);
   }
 
@@ -85,10 +86,11 @@ class Walk {
       Problem(error, place.name);
       return;
     }
+    Matcher& matcher = place.kind == "procedure" ? codeMatcher_ : matcher_;
     json matches = json::array();
     std::optional<automation::Error> failed;
     try {
-      matcher_.ForEachLocated(text, [&](const LocatedMatch& located) {
+      matcher.ForEachLocated(text, [&](const LocatedMatch& located) {
         const std::size_t start = located.column - 1;
         const std::size_t length = located.match.end - located.match.start;
         matches.push_back(json{{"line", located.line},
@@ -116,7 +118,7 @@ class Walk {
                       {"error", failed ? ErrorJson(*failed) : json(nullptr)}});
     if (replacement_ && !failed) {
       std::string replaced;
-      ReplaceAll(matcher_, text, *replacement_, replaced);
+      ReplaceAll(matcher, text, *replacement_, replaced);
       if (request_.write && replaced != text && request_.Selects(id)) {
         if (updatable_) {
           changes_.push_back(Change{std::move(place), places_.size(), replaced});
@@ -164,11 +166,19 @@ class Walk {
     }
   }
 
+  // The options for procedure texts: only the parts of the code that the scopes ask for.
+  static MatchOptions CodeOptions(const ScanRequest& request) {
+    MatchOptions options = request.options;
+    options.codeParts = request.CodeParts();
+    return options;
+  }
+
   const ScanRequest& request_;
   const ObjectRef& component_;
   const std::string componentName_;
   const bool updatable_;
   Matcher matcher_;
+  Matcher codeMatcher_;  // for procedure texts
   std::optional<Replacement> replacement_;
   json places_;
   json problems_;
