@@ -209,6 +209,7 @@ std::vector<SearchHit> GroupMatches(const ComponentScan& scan, const std::vector
         fresh.property = place.property;
         fresh.line = at.line;
         fresh.resets = place.resets;
+        fresh.place = place.id;
         if (at.line != 0) {
           fresh.text = lines[at.line - 1].text;
           fresh.lineEnd = lines[at.line - 1].end;
@@ -219,7 +220,7 @@ std::vector<SearchHit> GroupMatches(const ComponentScan& scan, const std::vector
         hits.push_back(std::move(fresh));
         hit = &hits.back();
       }
-      hit->submatches.push_back({at.start, at.end, match.text});
+      hit->submatches.push_back({at.start, at.end, match.text, match.replacement});
     }
   }
   return hits;

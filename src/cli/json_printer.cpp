@@ -15,6 +15,20 @@ namespace {
 
 using json = nlohmann::ordered_json;
 
+// The line as a replace makes it, ended as "lines" is: each submatch in it replaced; nothing when
+// the matches have no replacement (a search).
+std::optional<std::string> ReplacedLine(const SearchHit& hit) {
+  std::string line;
+  size_t copied = 0;
+  for (const SearchHit::Submatch& sub : hit.submatches) {
+    if (!sub.replacement || sub.start < copied || sub.end > hit.text.size()) return std::nullopt;
+    line.append(hit.text, copied, sub.start - copied).append(*sub.replacement);
+    copied = sub.end;
+  }
+  line.append(hit.text, copied).append(hit.lineEnd.empty() ? "" : "\n");
+  return line;
+}
+
 class JsonPrinter : public Printer {
  public:
   JsonPrinter(std::ostream& out, Terminals terminals) : out_(out), terminals_(terminals) {}
@@ -89,9 +103,15 @@ class JsonPrinter : public Printer {
     size_t printed = 0;
     for (const SearchHit& hit : file.hits) {
       json submatches = json::array();
-      for (const SearchHit::Submatch& sub : hit.submatches)
-        submatches.push_back(
-            {{"match", {{"text", sub.text}}}, {"start", sub.start}, {"end", sub.end}});
+      const std::optional<std::string> replaced = ReplacedLine(hit);
+      for (const SearchHit::Submatch& sub : hit.submatches) {
+        json submatch = {{"match", {{"text", sub.text}}}, {"start", sub.start}, {"end", sub.end}};
+        if (sub.replacement) {
+          submatch["replacement"] = {{"text", *sub.replacement},
+                                     {"line", replaced ? json(*replaced) : json(nullptr)}};
+        }
+        submatches.push_back(std::move(submatch));
+      }
       json data = {
           {"path", path},
           {"lines", {{"text", hit.text + (hit.lineEnd.empty() ? "" : "\n")}}},
@@ -107,6 +127,7 @@ class JsonPrinter : public Printer {
         data["property"] = hit.property;
       }
       if (!hit.resets.empty()) data["resets"] = hit.resets;
+      if (!hit.place.empty()) data["place"] = hit.place;
       printed += Write({{"type", "match"}, {"data", data}});
     }
     json stats = Stats(file.seconds, 1, file.hits.empty() ? 0 : 1, file.bytes, printed,

@@ -233,6 +233,10 @@ Verb AddReplace(CLI::App& app, Options& o) {
       app.add_subcommand("replace", "Show what replacing would change; with --write, change it");
   AddSearchOptions(*verb, o.replace, o.json, kJsonHelp, &o.replacement);
   verb->add_flag("--write", o.replace.write, "Write the replacements into the projects");
+  verb->add_option("--only", o.replace.only,
+                   "Replace only at these places (the \"place\" of each match that --json shows)")
+      ->delimiter(',')
+      ->allow_extra_args(false);
   return {verb,
           [&o](cli::Printer& printer) {
             o.replace.replacement = o.replacement;

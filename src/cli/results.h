@@ -63,10 +63,14 @@ struct SearchHit {
   std::string text;        // the line, UTF-8, without its line end
   std::string lineEnd;     // the line end in the file
   size_t offset = 0;       // where the line starts in the file's bytes
+  // The place the line's matches are in, as the scanner names it ("Module1/procedure/Foo"):
+  // what `qx replace --write --only` takes.
+  std::string place;
   struct Submatch {
     size_t start = 0;  // bytes of the UTF-8 line
     size_t end = 0;
     std::string text;
+    std::optional<std::string> replacement = std::nullopt;  // of a replace: what it becomes
   };
   std::vector<Submatch> submatches;
   // What replacing here resets that the user did not name ("ItemData (3 values)"), else "".

@@ -26,8 +26,13 @@ ScanPlace PlaceOf(const json& value) {
     place.property = value["property"].get<std::string>();
   place.text = value.value("text", std::string());
   for (const json& m : value.at("matches")) {
-    place.matches.push_back({m.at("line").get<size_t>(), m.at("start").get<size_t>(),
-                             m.at("end").get<size_t>(), m.value("text", std::string())});
+    ScanMatch& match = place.matches.emplace_back();
+    match.line = m.at("line").get<size_t>();
+    match.start = m.at("start").get<size_t>();
+    match.end = m.at("end").get<size_t>();
+    match.text = m.value("text", std::string());
+    if (auto it = m.find("replacement"); it != m.end() && it->is_string())
+      match.replacement = it->get<std::string>();
   }
   if (value.contains("replacement") && !value["replacement"].is_null())
     place.replacement = value["replacement"].get<std::string>();

@@ -22,6 +22,7 @@ struct ScanMatch {
   size_t start = 0;  // bytes within that line
   size_t end = 0;
   std::string text;
+  std::optional<std::string> replacement = std::nullopt;  // of a replace: what it becomes
 };
 
 struct ScanPlace {

@@ -92,6 +92,7 @@ class Run {
       : options_(options),
         printer_(printer),
         plan_(std::move(plan)),
+        unseenOnly_(options.only.begin(), options.only.end()),
         keep_(Keep(options)),
         warm_(keep_) {}
 
@@ -119,6 +120,11 @@ class Run {
         break;
     }
     project_.clear();
+    // A place that --only names and no project had: a mistyped id changes nothing, and says so.
+    if (!Stopped()) {
+      for (const std::string& id : unseenOnly_)
+        Report({false, "", "", 0, 5, "--only: no place \"" + id + "\" has a match"});
+    }
     registration_.reset();
     buffer_.reset();
     progress.Clear();
@@ -412,6 +418,8 @@ class Run {
     std::optional<ScannedFile> changed;
     for (ComponentScan& scan : Scan(object, projectFile, entry, *request)) {
       scanned.scan = std::move(scan);
+      for (const ScanPlace& place : scanned.scan.places)
+        unseenOnly_.erase(place.id);
       scanned.after = replacing ? platform::ReadFile(onDisk.string()) : scanned.before;
       if (replacing) {
         ReadCompanions(onDisk, copy, companions, &FileChange::after);
@@ -613,16 +621,21 @@ class Run {
     matches.hits = GroupMatches(scan, SplitFileLines(scanned.before), placeLines);
     ++totals_.files;
     totals_.bytes += scanned.before.size();
+    size_t counted = 0;  // the matches a replace changes: with --only, those of its places
     for (size_t p = 0; p < scan.places.size(); ++p) {
       const ScanPlace& place = scan.places[p];
       matches.matches += place.matches.size();
+      if (options_.only.empty() ||
+          std::find(options_.only.begin(), options_.only.end(), place.id) != options_.only.end()) {
+        counted += place.matches.size();
+      }
       if (!place.error) continue;
       ++totals_.refused;
       printer_.Refused({path, placeLines[p], scan.collection, scan.component,
                         place.kind == "name" ? std::string() : place.name, place.error->number,
                         place.error->description});
     }
-    totals_.matches += matches.matches;
+    totals_.matches += counted;
     totals_.matchedLines += matches.hits.size();
     if (matches.matches == 0) return;
     ++totals_.filesWithMatches;
@@ -654,6 +667,7 @@ class Run {
   const SearchOptions& options_;
   Printer& printer_;
   const RequestPlan plan_;
+  std::set<std::string> unseenOnly_;  // the --only places no scan has shown yet
   const KeepSettings keep_;
   WarmIdes warm_;        // the IDEs this run started and keeps
   std::string request_;  // the request the buffer holds

@@ -91,6 +91,7 @@ std::string BuildRequest(const SearchOptions& options) {
   // the preview is made from.
   request["write"] = options.replacement.has_value();
   request["scope"] = options.scope;
+  if (!options.only.empty()) request["only"] = options.only;
   return request.dump();
 }
 

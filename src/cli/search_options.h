@@ -36,7 +36,10 @@ struct SearchOptions {
   bool json = false;
   std::optional<std::string> replacement;  // qx replace only
   bool write = false;                      // qx replace --write
-  bool noKeep = false;                     // --no-keep: end the IDEs the run started
+  // qx replace --only: the places to change, by the ids that --json gives them (each match's
+  // "place"); empty: every place with a match
+  std::vector<std::string> only;
+  bool noKeep = false;  // --no-keep: end the IDEs the run started
 };
 
 // The places a search can look in, and the component kinds it can be narrowed to.

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "ide_process/ide_processes.h"
+#include "support/json_lines.h"
 
 namespace {
 
@@ -277,4 +278,41 @@ TEST_F(IdeProcesses, CodePartsAreSearchedAndReplacedOnTheirOwn) {
   const std::string was = "\"Quantity out of range\"";
   expected.replace(expected.find(was), was.size(), "\"Amount out of range\"");
   EXPECT_EQ(ReadAll(cls), expected);
+}
+
+// replace --json gives each match its replacement and its place; --only PLACES then writes those
+// places alone, and a place that has no match is an error that writes nothing.
+TEST_F(IdeProcesses, ReplaceJsonNamesPlacesThatOnlyThenWrites) {
+  const fs::path cls = work() / "Inventory" / "CStockItem.cls";
+  const std::vector<std::string> args{"--kind", "ClassModules", "-i", "quantity", "Amount", vbp_};
+  auto replace = [&](std::vector<std::string> options) {
+    options.insert(options.begin(), "replace");
+    options.insert(options.end(), args.begin(), args.end());
+    return Qx(options);
+  };
+  const auto json = replace({"--json"});
+  ASSERT_EQ(json.status, 0) << json.err;
+  bool seen = false;
+  for (const nlohmann::json& record : qxtest::JsonLines(json.out)) {
+    if (record["type"] != "match" || record["data"]["line_number"] != 49) continue;
+    seen = true;
+    EXPECT_EQ(record["data"]["place"], "CStockItem/procedure/Value.Let");
+    const auto& sub = record["data"]["submatches"][0];
+    EXPECT_EQ(sub["replacement"]["text"], "Amount");
+    EXPECT_EQ(sub["replacement"]["line"], "    mAmount = NewValue\n");
+  }
+  EXPECT_TRUE(seen) << json.out;
+
+  const std::string before = ReadAll(cls);
+  const auto wrong = replace({"--write", "--only", "CStockItem/procedure/Nowhere"});
+  EXPECT_EQ(wrong.status, 2);
+  EXPECT_NE(wrong.err.find("CStockItem/procedure/Nowhere"), std::string::npos) << wrong.err;
+  EXPECT_EQ(ReadAll(cls), before);
+
+  const auto only = replace({"--write", "--only", "CStockItem/procedure/Value.Let"});
+  ASSERT_EQ(only.status, 0) << only.err;
+  EXPECT_NE(only.out.find("5 replacements in 1 file; written"), std::string::npos) << only.out;
+  const std::string after = ReadAll(cls);
+  EXPECT_NE(after.find("    mAmount = NewValue\r\n"), std::string::npos);
+  EXPECT_NE(after.find("Private mQuantity As Long"), std::string::npos) << "not an --only place";
 }

@@ -93,10 +93,12 @@ class Walk {
       matcher.ForEachLocated(text, [&](const LocatedMatch& located) {
         const std::size_t start = located.column - 1;
         const std::size_t length = located.match.end - located.match.start;
-        matches.push_back(json{{"line", located.line},
-                               {"start", start},
-                               {"end", start + length},
-                               {"text", text.substr(located.match.start, length)}});
+        json entry{{"line", located.line},
+                   {"start", start},
+                   {"end", start + length},
+                   {"text", text.substr(located.match.start, length)}};
+        if (replacement_) entry["replacement"] = replacement_->Expand(text, located.match);
+        matches.push_back(std::move(entry));
       });
     } catch (const automation::Error& error) {
       // A pattern that exceeds the matcher's limits on this text: the place is listed with the
