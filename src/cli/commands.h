@@ -61,7 +61,9 @@ using RequestPlan = std::function<std::optional<std::string>(const Look& look)>;
 // The run of qx search and replace (the projects of the paths, their chosen components, a
 // preview of a replace made on a scratch copy), each component scanned with the request that
 // the plan gives it. Exit statuses as RunSearch.
-int RunScans(const SearchOptions& options, const RequestPlan& plan, Printer& printer);
+class Review;
+int RunScans(const SearchOptions& options, const RequestPlan& plan, Printer& printer,
+             Review* review = nullptr);
 
 struct RenameOptions {
   std::string projectFile;

@@ -233,6 +233,10 @@ Verb AddReplace(CLI::App& app, Options& o) {
       app.add_subcommand("replace", "Show what replacing would change; with --write, change it");
   AddSearchOptions(*verb, o.replace, o.json, kJsonHelp, &o.replacement);
   verb->add_flag("--write", o.replace.write, "Write the replacements into the projects");
+  verb->add_flag("--interactive", o.replace.interactive,
+                 "Show each place's change and ask whether to make it (y, n, a, d, q, ?); write "
+                 "the places accepted")
+      ->excludes(verb->get_option("--json"));
   verb->add_option("--only", o.replace.only,
                    "Replace only at these places (the \"place\" of each match that --json shows)")
       ->delimiter(',')
@@ -240,6 +244,8 @@ Verb AddReplace(CLI::App& app, Options& o) {
   return {verb,
           [&o](cli::Printer& printer) {
             o.replace.replacement = o.replacement;
+            // What the user accepts is written as --write writes.
+            if (o.replace.interactive) o.replace.write = true;
             return cli::RunSearch(o.replace, printer);
           },
           &o.replace.color, true};

@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <iostream>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -32,6 +33,7 @@
 #include "cli/progress.h"
 #include "cli/project_files.h"
 #include "cli/project_survey.h"
+#include "cli/review.h"
 #include "cli/scan_buffer.h"
 #include "cli/scan_results.h"
 #include "cli/scratch_copy.h"
@@ -88,9 +90,10 @@ struct PassResult {
 
 class Run {
  public:
-  Run(const SearchOptions& options, Printer& printer, RequestPlan plan)
+  Run(const SearchOptions& options, Printer& printer, RequestPlan plan, Review* review)
       : options_(options),
         printer_(printer),
+        review_(review),
         plan_(std::move(plan)),
         unseenOnly_(options.only.begin(), options.only.end()),
         keep_(Keep(options)),
@@ -426,10 +429,13 @@ class Run {
         scanned.companions.clear();
         for (auto& [path, change] : companions)
           scanned.companions.push_back(change);
-        if (copy != nullptr && Refused(scanned.scan) && Changed(scanned)) {
-          // A refused write can leave its mark (the driver's undo of a procedure text keeps one
-          // more empty line): the preview is made again without the refused places, so that it
-          // shows what a write, which never sends them, does.
+        // A refused write can leave its mark (the driver's undo of a procedure text keeps one
+        // more empty line), and a place the user declined has been written too: the preview is
+        // made again with the accepted places alone, so that it shows what a write, which never
+        // sends the others, does.
+        const bool refused = Refused(scanned.scan);
+        const bool declined = copy != nullptr && review_ != nullptr && Ask(scanned);
+        if (copy != nullptr && (refused || declined) && Changed(scanned)) {
           Redo(object, projectFile, entry, onDisk, scanned, companions);
         }
         scanned.accepted = Accepted(scanned.scan);
@@ -440,6 +446,28 @@ class Run {
       if (copy != nullptr && Changed(scanned)) changed = scanned;
     }
     return changed;
+  }
+
+  // Asks about each place the preview wrote; a declined place is no longer written. True when
+  // one was declined.
+  bool Ask(ScannedFile& scanned) {
+    bool declined = false;
+    const std::string path = ShowPath(scanned.original);
+    for (ScanPlace& place : scanned.scan.places) {
+      if (!place.written) continue;
+      progress_->Clear();
+      std::string where = scanned.scan.component;
+      if (place.kind == "procedure") {
+        where += "." + place.name;
+      } else if (place.kind != "name") {
+        where += (place.control.empty() ? "" : "." + place.control) + "." + place.property;
+      }
+      if (review_->Accept(path, where, place.text, place.replacement.value_or(place.text)))
+        continue;
+      place.written = false;
+      declined = true;
+    }
+    return declined;
   }
 
   static bool Refused(const ComponentScan& scan) {
@@ -621,14 +649,14 @@ class Run {
     matches.hits = GroupMatches(scan, SplitFileLines(scanned.before), placeLines);
     ++totals_.files;
     totals_.bytes += scanned.before.size();
-    size_t counted = 0;  // the matches a replace changes: with --only, those of its places
+    // The matches a replace changes: narrowed by --only or by the user's answers, those of the
+    // places written (or refused); else every match.
+    const bool narrowed = review_ != nullptr || !options_.only.empty();
+    size_t counted = 0;
     for (size_t p = 0; p < scan.places.size(); ++p) {
       const ScanPlace& place = scan.places[p];
       matches.matches += place.matches.size();
-      if (options_.only.empty() ||
-          std::find(options_.only.begin(), options_.only.end(), place.id) != options_.only.end()) {
-        counted += place.matches.size();
-      }
+      if (!narrowed || place.written || place.error) counted += place.matches.size();
       if (!place.error) continue;
       ++totals_.refused;
       printer_.Refused({path, placeLines[p], scan.collection, scan.component,
@@ -666,6 +694,7 @@ class Run {
 
   const SearchOptions& options_;
   Printer& printer_;
+  Review* const review_;  // qx replace --interactive: asks about each place
   const RequestPlan plan_;
   std::set<std::string> unseenOnly_;  // the --only places no scan has shown yet
   const KeepSettings keep_;
@@ -686,9 +715,10 @@ class Run {
 
 }  // namespace
 
-int RunScans(const SearchOptions& options, const RequestPlan& plan, Printer& printer) {
+int RunScans(const SearchOptions& options, const RequestPlan& plan, Printer& printer,
+             Review* review) {
   try {
-    return Run(options, printer, plan).Go();
+    return Run(options, printer, plan, review).Go();
   } catch (const automation::Error& e) {
     printer.Error(e);
     return kExitError;
@@ -703,8 +733,10 @@ int RunSearch(SearchOptions& options, Printer& printer) {
     return kExitError;
   }
   const std::string request = BuildRequest(options);
-  return RunScans(
-      options, [&request](const Look&) { return request; }, printer);
+  const auto plan = [&request](const Look&) { return request; };
+  if (!options.interactive) return RunScans(options, plan, printer);
+  Review review(std::cin, std::cout);
+  return RunScans(options, plan, printer, &review);
 }
 
 }  // namespace cli

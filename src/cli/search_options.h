@@ -33,13 +33,13 @@ struct SearchOptions {
   std::vector<std::string> paths;  // none: the current folder
   SearchStyle style = SearchStyle::Grouped;
   ColorChoice color = ColorChoice::Auto;
-  bool json = false;
   std::optional<std::string> replacement;  // qx replace only
   bool write = false;                      // qx replace --write
   // qx replace --only: the places to change, by the ids that --json gives them (each match's
   // "place"); empty: every place with a match
   std::vector<std::string> only;
-  bool noKeep = false;  // --no-keep: end the IDEs the run started
+  bool interactive = false;  // qx replace --interactive: ask about each place, write those accepted
+  bool noKeep = false;       // --no-keep: end the IDEs the run started
 };
 
 // The places a search can look in, and the component kinds it can be narrowed to.

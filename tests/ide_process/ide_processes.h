@@ -87,6 +87,15 @@ class IdeProcesses : public ::testing::Test {
     return Collect(pid, status);
   }
 
+  // Runs qx with this text as its standard input (the answers that --interactive reads).
+  RunResult QxAnswering(const std::string& input, const std::vector<std::string>& args) {
+    input_ = work_.path() / ("in" + std::to_string(runs_ + 1));
+    std::ofstream(input_, std::ios::binary) << input;
+    RunResult result = Qx(args);
+    input_.clear();
+    return result;
+  }
+
   pid_t StartQx(const std::vector<std::string>& args, const std::string& folder = {}) {
     return Start(QX_BIN, args, folder);
   }
@@ -108,6 +117,7 @@ class IdeProcesses : public ::testing::Test {
     posix_spawn_file_actions_addopen(&actions, 2, (work_.path() / ("err" + n)).c_str(),
                                      O_WRONLY | O_CREAT | O_TRUNC, 0644);
     if (!folder.empty()) posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
+    if (!input_.empty()) posix_spawn_file_actions_addopen(&actions, 0, input_.c_str(), O_RDONLY, 0);
     pid_t pid = 0;
     const int failed = ::posix_spawn(&pid, raw[0], &actions, nullptr, raw.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
@@ -139,6 +149,7 @@ class IdeProcesses : public ::testing::Test {
   TempDir work_;
   std::string vbp_;
   int runs_ = 0;
+  std::filesystem::path input_;  // the next run's standard input, when set
   std::map<pid_t, std::string> runOf_;
 };
 

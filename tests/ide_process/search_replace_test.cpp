@@ -316,3 +316,28 @@ TEST_F(IdeProcesses, ReplaceJsonNamesPlacesThatOnlyThenWrites) {
   EXPECT_NE(after.find("    mAmount = NewValue\r\n"), std::string::npos);
   EXPECT_NE(after.find("Private mQuantity As Long"), std::string::npos) << "not an --only place";
 }
+
+// replace --interactive shows each place's change and writes the places accepted: n, y, then d
+// for the rest of the file; the end of the answers is q, and then nothing is written.
+TEST_F(IdeProcesses, InteractiveReplaceWritesOnlyThePlacesAccepted) {
+  const fs::path cls = work() / "Inventory" / "CStockItem.cls";
+  const std::string before = ReadAll(cls);
+  const std::vector<std::string> args{"replace", "--interactive", "--kind", "ClassModules",
+                                      "-i",      "quantity",      "Amount", vbp_};
+
+  const auto none = QxAnswering("", args);
+  EXPECT_EQ(none.status, 1) << none.err;
+  EXPECT_NE(none.out.find("Replace here [y,n,a,d,q,?]? "), std::string::npos) << none.out;
+  EXPECT_EQ(ReadAll(cls), before);
+
+  const auto some = QxAnswering("n\n?\ny\nd\n", args);
+  ASSERT_EQ(some.status, 0) << some.err;
+  EXPECT_NE(some.out.find(cls.string() + ": CStockItem.Value.Get\n@@ "), std::string::npos);
+  EXPECT_NE(some.out.find("d - leave this place and every later place"), std::string::npos);
+  EXPECT_NE(some.out.find("2 replacements in 1 file; written"), std::string::npos) << some.out;
+  const std::string after = ReadAll(cls);
+  EXPECT_NE(after.find("    Value = mAmount\r\n"), std::string::npos) << "accepted";
+  EXPECT_NE(after.find("Private mQuantity As Long"), std::string::npos) << "declined";
+  EXPECT_NE(after.find("    mQuantity = NewValue"), std::string::npos) << "d: the rest declined";
+  EXPECT_EQ(Qx({"ide", "list"}).out, "") << "the run ended the IDE it started";
+}
