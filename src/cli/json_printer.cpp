@@ -149,7 +149,18 @@ class JsonPrinter : public Printer {
              {"component", refusal.component},
              {"procedure", refusal.procedure.empty() ? json(nullptr) : json(refusal.procedure)},
              {"number", refusal.number},
-             {"description", refusal.description}}}});
+             {"description", refusal.description},
+             {"place", refusal.place}}}});
+  }
+
+  void Reset(const ResetNote& note) override {
+    Write({{"type", "reset"},
+           {"data",
+            {{"path", {{"text", note.path}}},
+             {"component", note.component},
+             {"control", note.control.empty() ? json(nullptr) : json(note.control)},
+             {"place", note.place},
+             {"resets", note.what}}}});
   }
 
   void Report(const RunProblem& problem) override {

@@ -49,6 +49,8 @@ class Printer {
   // the matches with their places (and what replacing one resets) as a search does.
   virtual void ReplaceFile(const FileMatches& file) = 0;
   virtual void Refused(const cli::Refusal& refusal) = 0;
+  // What a replace at one place resets (text says it once more in the summary).
+  virtual void Reset(const ResetNote& note) = 0;
   // An error or a note of a search run, with its place.
   virtual void Report(const RunProblem& problem) = 0;
   virtual void Diff(const FileDiff& diff) = 0;

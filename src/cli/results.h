@@ -97,6 +97,17 @@ struct Refusal {
   std::string procedure;
   int32_t number = 0;
   std::string description;
+  std::string place;  // the place's id, as a match names it
+};
+
+// What a replace at one place resets that its text does not show: the ItemData of a list whose
+// items it rewrites.
+struct ResetNote {
+  std::string path;
+  std::string component;
+  std::string control;  // "" for the component's own
+  std::string place;    // the place's id, as a match names it
+  std::string what;     // "ItemData (3 values)"
 };
 
 // What replacing would change (or changed) in one file.

@@ -538,6 +538,8 @@ class Run {
     for (const ScanPlace& place : scanned.scan.places) {
       if (!place.written || place.resets.empty()) continue;
       totals_.resets.push_back(scanned.scan.component + "." + place.control + ": " + place.resets);
+      printer_.Reset({ShowPath(scanned.original), scanned.scan.component, place.control, place.id,
+                      place.resets});
     }
   }
 
@@ -661,7 +663,7 @@ class Run {
       ++totals_.refused;
       printer_.Refused({path, placeLines[p], scan.collection, scan.component,
                         place.kind == "name" ? std::string() : place.name, place.error->number,
-                        place.error->description});
+                        place.error->description, place.id});
     }
     totals_.matches += counted;
     totals_.matchedLines += matches.hits.size();

@@ -132,6 +132,9 @@ class TextPrinter : public Printer {
 
   void ReplaceFile(const FileMatches&) override {}
 
+  // The summary lists what the replace resets, after the diffs that make it.
+  void Reset(const ResetNote&) override {}
+
   void Refused(const cli::Refusal& refusal) override {
     ClearProgress();
     std::string place = refusal.path;

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "ide_process/ide_processes.h"
+#include "support/json_lines.h"
 
 namespace {
 
@@ -167,13 +168,22 @@ TEST_F(ScanFixture, RefusedNamesAreReportedWithTheirMessageAndTheRestIsWritten) 
             Replaced(frx_.substr(kItemDataBytes), std::string("\x05\x00Pears", 7),
                      std::string("\x00\x00", 2)));
 
-  // The preview says it too, and JSON carries it in the match.
+  // The preview says it too, and JSON carries it in the match and in a record of its own, both
+  // with the place.
   Fresh();
   const auto json = Qx({"replace", "--json", "--in", "properties", "Pears", "Plums", vbp_});
   EXPECT_EQ(json.status, 0) << json.out;
-  EXPECT_NE(json.out.find("\"property\":\"List\",\"resets\":\"ItemData (3 values)\""),
-            std::string::npos)
-      << json.out;
+  std::string matchPlace, resetPlace;
+  for (const nlohmann::json& record : qxtest::JsonLines(json.out)) {
+    if (record["type"] == "match" && record["data"].value("resets", "") == "ItemData (3 values)")
+      matchPlace = record["data"]["place"];
+    if (record["type"] == "reset" && record["data"]["control"] == "lstItems" &&
+        record["data"]["resets"] == "ItemData (3 values)") {
+      resetPlace = record["data"]["place"];
+    }
+  }
+  EXPECT_FALSE(matchPlace.empty()) << json.out;
+  EXPECT_EQ(resetPlace, matchPlace) << json.out;
 
   // A name that is no VB name: the IDE's refusal.
   const auto invalid = Qx({"replace", "--write", "--in", "names", "lstItems", "1st", vbp_});
