@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <iterator>
 #include <memory>
@@ -29,23 +30,18 @@ using platform::Descriptor;
 }  // namespace
 
 ScratchCopy::ScratchCopy(const fs::path& project, const std::vector<ComponentFile>& files) {
-  // A file named by an absolute path would be written in place, not in the copy.
-  const auto refuse = [&project](const fs::path& file) {
-    throw automation::Error(
-        5, "qx",
-        project.string() + ": " + file.string() +
-            " is named by an absolute path, so a preview cannot be made on a copy; "
-            "use --write to replace, or name the file relative to the project");
-  };
   std::vector<fs::path> copied;
   for (const ComponentFile& file : files) {
-    if (file.absolute) refuse(file.file);
     if (!fs::exists(file.file)) continue;
-    copied.push_back(file.file);
-    for (const CompanionFile& companion : CompanionFiles(file.file)) {
-      if (companion.absolute) refuse(companion.file);
-      copied.push_back(companion.file);
+    const std::vector<CompanionFile> companions = CompanionFiles(file.file);
+    if (file.absolute || std::any_of(companions.begin(), companions.end(),
+                                     [](const CompanionFile& c) { return c.absolute; })) {
+      leftOut_.push_back(file);
+      continue;
     }
+    copied.push_back(file.file);
+    for (const CompanionFile& companion : companions)
+      copied.push_back(companion.file);
   }
   root_ = platform::MakeTempFolder(fs::temp_directory_path(), "qx-preview-");
   try {

@@ -16,7 +16,8 @@ namespace cli {
 // nothing outside the folder is ever written through it. The folder goes with the object.
 class ScratchCopy {
  public:
-  // Raises 5 when a file is named by an absolute path (it would be written in place).
+  // A component file named by an absolute path, or with a companion so named, is left out: the
+  // copy's project file still leads to the original, which a write in the copy would change.
   ScratchCopy(const std::filesystem::path& project, const std::vector<ComponentFile>& files);
   ~ScratchCopy();
   ScratchCopy(const ScratchCopy&) = delete;
@@ -24,6 +25,8 @@ class ScratchCopy {
 
   const std::filesystem::path& root() const { return root_; }
   const std::filesystem::path& project() const { return project_; }
+  // The component files left out, each with its entry.
+  const std::vector<ComponentFile>& LeftOut() const { return leftOut_; }
   // Where a file of the project is in the copy.
   std::filesystem::path Inside(const std::filesystem::path& file) const;
   // The file of the project that a file of the copy stands for.
@@ -34,6 +37,7 @@ class ScratchCopy {
 
   std::filesystem::path root_;
   std::filesystem::path project_;
+  std::vector<ComponentFile> leftOut_;
 };
 
 }  // namespace cli

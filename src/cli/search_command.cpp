@@ -226,9 +226,21 @@ class Run {
     const ScratchCopy copy(projectFile, survey.files);
     for (const fs::path& file : survey.viewFiles)
       host::RunView::Current().AddFile(copy.Inside(file).string());
+    // What the copy cannot hold is said, and not asked of the IDE: a write there would be a
+    // write to the project itself, unseen.
+    ProjectSurvey reachable = survey;
+    for (const ComponentFile& file : copy.LeftOut()) {
+      reachable.missing.insert(FileKey(file.file));
+      ++totals_.componentsSkipped;
+      Report({false, project_, file.name, file.line, 5,
+              ShowPath(file.file) +
+                  " is not replaced: it (or a file that goes with it) is named by an absolute "
+                  "path, which the copy of the project that a replace is first made on cannot "
+                  "hold; name it relative to the project file"});
+    }
     FileChange projectChange{projectFile, platform::ReadFile(copy.project().string()), {}};
-    PassResult preview = Pass(session, copy.project(), &copy, survey);
-    Unreached(survey);
+    PassResult preview = Pass(session, copy.project(), &copy, reachable);
+    Unreached(reachable);
     // Renaming a module or class renames its entry in the project file too.
     projectChange.after = platform::ReadFile(copy.project().string());
     const bool projectChanged = projectChange.before != projectChange.after;
@@ -264,7 +276,8 @@ class Run {
           if (Stopped()) return;
           if (entry.name.empty() || !ComponentSelected(options_, entry.name)) continue;
           const ComponentFile* file = FileOf(files, collection.name, entry.name);
-          // A missing file has been said, with its line; the IDE is not asked for it.
+          // A missing file (or one a scratch copy cannot hold) has been said, with its line; the
+          // IDE is not asked for it.
           if (file != nullptr && survey.missing.contains(FileKey(file->file))) continue;
           if (file != nullptr && !done_.insert(FileKey(file->file)).second) continue;
           // Only a failure to reach the IDE is the project's; once it is reached, whatever fails

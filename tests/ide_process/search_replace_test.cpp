@@ -341,3 +341,32 @@ TEST_F(IdeProcesses, InteractiveReplaceWritesOnlyThePlacesAccepted) {
   EXPECT_NE(after.find("    mQuantity = NewValue"), std::string::npos) << "d: the rest declined";
   EXPECT_EQ(Qx({"ide", "list"}).out, "") << "the run ended the IDE it started";
 }
+
+// A module that the project file names by an absolute path (a shared module outside the
+// project's folder) cannot be put in the scratch copy that a replace is first made on: it is an
+// error naming it and its line, and left as it is, while the rest of the project is replaced.
+TEST_F(IdeProcesses, AComponentNamedByAnAbsolutePathIsReportedAndTheRestReplaced) {
+  const fs::path shared = work() / "Shared" / "Shared.bas";
+  fs::create_directories(shared.parent_path());
+  const std::string module =
+      "Attribute VB_Name = \"Shared\"\r\nOption Explicit\r\n\r\nPublic Function oldValue() As "
+      "Long\r\n    oldValue = 1\r\nEnd Function\r\n";
+  std::ofstream(shared, std::ios::binary) << module;
+  std::string project = ReadAll(vbp_);
+  const std::string after = "Class=CStockItem; CStockItem.cls\r\n";
+  project.insert(project.find(after) + after.size(), "Module=Shared; " + shared.string() + "\r\n");
+  std::ofstream(vbp_, std::ios::binary) << project;
+
+  for (const bool write : {false, true}) {
+    std::vector<std::string> args{"old(Value)", "previous$1", vbp_};
+    if (write) args.insert(args.begin(), "--write");
+    const auto run = Qx(InCode("replace", args));
+    EXPECT_EQ(run.status, 2) << run.err;
+    EXPECT_NE(run.err.find("line 9: Shared: error 5: " + shared.string() + " is not replaced"),
+              std::string::npos)
+        << run.err;
+    EXPECT_NE(run.out.find("+    Dim previousValue As Long"), std::string::npos) << run.out;
+  }
+  EXPECT_EQ(ReadAll(shared), module);
+  EXPECT_EQ(Count(ReadAll(work() / "Inventory" / "CStockItem.cls"), "oldValue"), 0u);
+}
