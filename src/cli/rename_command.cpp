@@ -47,6 +47,22 @@ RenameTarget ParseRenameTarget(const std::string& control, const std::string& ne
   return {control.substr(0, dot), control.substr(dot + 1), newName};
 }
 
+std::string ReferenceRequest(const RenameTarget& target) {
+  const std::string pattern =
+      "(?<=\\b\\Q" + target.component + "\\E\\.)\\Q" + target.oldName + "\\E(?!\\w)";
+  return nlohmann::ordered_json{
+      {"patterns", {pattern}}, {"case", "insensitive"}, {"replacement", target.newName},
+      {"write", true},         {"scope", {"code"}},     {"codeOnly", true}}
+      .dump();
+}
+
+std::string MentionRequest(const RenameTarget& target) {
+  const std::string pattern = "(?<!\\w)\\Q" + target.oldName + "\\E(?!\\w)";
+  return nlohmann::ordered_json{
+      {"patterns", {pattern}}, {"case", "insensitive"}, {"scope", {"strings"}}}
+      .dump();
+}
+
 std::string InventoryRequest() {
   return nlohmann::ordered_json{{"patterns", {"\\A"}}, {"scope", {"names", "code"}}}.dump();
 }
@@ -117,42 +133,71 @@ std::optional<std::string> RenameRequest(const ComponentScan& inventory,
 }
 
 int RunRename(const RenameOptions& options, Printer& printer) {
+  const std::string project = ShowPath(options.projectFile);
   RenameTarget target;
   try {
     target = ParseRenameTarget(options.control, options.newName);
   } catch (const automation::Error& e) {
-    printer.Report({false, ShowPath(options.projectFile), "", 0, e.Number(), e.Description()});
+    printer.Report({false, project, "", 0, e.Number(), e.Description()});
     return kExitError;
   }
   SearchOptions run;
   run.noKeep = options.noKeep;
   run.paths = {options.projectFile};
-  run.componentGlob = target.component;
-  run.replacement = target.newName;
-  run.write = options.write;
+
+  // First the control's component alone, which writes nothing: whether the rename may happen,
+  // and its request there. A refusal stops the rename before anything is written anywhere.
+  SearchOptions look = run;
+  look.componentGlob = target.component;
+  look.summary = false;
   bool reached = false;
-  const int status = RunScans(
-      run,
-      [&](const Look& look) -> std::optional<std::string> {
-        for (const ComponentScan& inventory : look(InventoryRequest())) {
+  std::optional<std::string> own;
+  const int looked = RunScans(
+      look,
+      [&](const Look& scan) -> std::optional<std::string> {
+        for (const ComponentScan& inventory : scan(InventoryRequest())) {
           if (!SameVbName(inventory.component, target.component)) continue;
           reached = true;
-          std::optional<std::string> request = RenameRequest(inventory, target);
-          if (!request) {
-            printer.Notice(inventory.component + "." + target.oldName + " is named " +
-                           target.newName + " already: nothing to rename");
-          }
-          return request;
+          own = RenameRequest(inventory, target);
         }
         return std::nullopt;
       },
       printer);
-  if (!reached && status != kExitError) {
-    printer.Report({false, ShowPath(options.projectFile), "", 0, 5,
-                    "the project has no component " + target.component});
+  if (looked == kExitError) return kExitError;
+  if (!reached) {
+    printer.Report({false, project, "", 0, 5, "the project has no component " + target.component});
     return kExitError;
   }
-  return status;
+  if (!own) {
+    printer.Notice(target.component + "." + target.oldName + " is named " + target.newName +
+                   " already: nothing to rename");
+    return kExitNoMatch;
+  }
+
+  // Then every component: the control's own with its request, the others where they name it
+  // through its component (frmMain.Option1). A string that holds its name may be a reference
+  // (frmMain.Controls("Option1")): it is said, and left as it is.
+  run.replacement = target.newName;
+  run.write = options.write;
+  return RunScans(
+      run,
+      [&](const Look& scan) -> std::optional<std::string> {
+        std::string component;
+        for (const ComponentScan& mentions : scan(MentionRequest(target))) {
+          component = mentions.component;
+          for (const ScanPlace& place : mentions.places) {
+            for (const ScanMatch& match : place.matches) {
+              printer.Report({true, project, mentions.component, 0, std::nullopt,
+                              place.name + ": \"" + match.text + "\" in a string may name " +
+                                  target.component + "." + target.oldName +
+                                  "; it is left as it is"});
+            }
+          }
+        }
+        if (SameVbName(component, target.component)) return own;
+        return ReferenceRequest(target);
+      },
+      printer);
 }
 
 }  // namespace cli

@@ -1,7 +1,8 @@
 #pragma once
-// What qx rename asks of the scanner. A rename is two scans of one component: an inventory that
-// writes nothing (every control name and every procedure of the component), then, when the
-// inventory allows it, a replace narrowed to the control's places and the component's code:
+// What qx rename asks of the scanner. A rename is first an inventory of the control's component
+// that writes nothing (every control name and every procedure of the component), then, when the
+// inventory allows it, a replace in every component of the project: in the control's own,
+// narrowed to the control's places and the component's code:
 //
 //  - the control's name, on every element of a control array (Option1(2) -> Choice(2)), written
 //    through the control's Name as any name replacement is;
@@ -10,7 +11,11 @@
 //    by the component's own name, frmMain.Option1) and as the
 //    first part of its event procedures' names (Option1_Click, and calls to it), letter case not
 //    mattering, as VB compares names. An event procedure is a procedure of the component named
-//    CONTROL_EVENT, EVENT without an underscore: cmd_Ok_Click is cmd_Ok's, not cmd's.
+//    CONTROL_EVENT, EVENT without an underscore: cmd_Ok_Click is cmd_Ok's, not cmd's;
+//  - in the other components, the name where their code reaches it through its component
+//    (frmMain.Option1, frmMain.Option1(2)), outside string literals and comments.
+// Every component is also searched for the name in string literals (MentionRequest): a possible
+// reference that the rename leaves alone and says.
 
 #include <optional>
 #include <string>
@@ -34,6 +39,12 @@ RenameTarget ParseRenameTarget(const std::string& control, const std::string& ne
 // The request of the inventory: every control name and procedure, each matched once (an empty
 // match at its start), nothing written.
 std::string InventoryRequest();
+
+// The request for a component other than the control's: its references through the component.
+std::string ReferenceRequest(const RenameTarget& target);
+
+// The request that finds the control's name as a whole word in string literals; writes nothing.
+std::string MentionRequest(const RenameTarget& target);
 
 // The request that renames the target, from the inventory of its component; none when the
 // control already has exactly that name. Raises 5 naming the reason when the rename must not

@@ -145,7 +145,7 @@ class Run {
     totals_.written = options_.write;
     totals_.idesKept = warm_.Count();
     totals_.keptFor = keep_.idle;
-    printer_.SearchSummary(totals_, options_.style);
+    if (options_.summary) printer_.SearchSummary(totals_, options_.style);
     if (error_ || totals_.refused > 0) return kExitError;
     return totals_.matches > 0 ? kExitMatch : kExitNoMatch;
   }

@@ -40,6 +40,7 @@ struct SearchOptions {
   std::vector<std::string> only;
   bool interactive = false;  // qx replace --interactive: ask about each place, write those accepted
   bool noKeep = false;       // --no-keep: end the IDEs the run started
+  bool summary = true;       // false: the run is a step of a command that sums up itself
 };
 
 // The places a search can look in, and the component kinds it can be narrowed to.

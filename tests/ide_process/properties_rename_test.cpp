@@ -201,11 +201,20 @@ TEST_F(ScanFixture, RenameRenamesAControlArrayWithItsEventProceduresAndPreviewIs
                            "Integer)\r\n"),
             std::string::npos)
       << shown.out;
-  EXPECT_NE(shown.out.find("6 replacements in 1 file; nothing written"), std::string::npos);
+  EXPECT_NE(shown.out.find("7 replacements in 2 files; nothing written"), std::string::npos);
 
+  const std::string module = File("modMain.bas");
   const auto written = Qx({"rename", "--write", vbp_, "frmScan.OPTSIZE", "optChoice"});
   ASSERT_EQ(written.status, 0) << written.err;
   EXPECT_EQ(Diff(written.out), Diff(shown.out));
+  // Another component's reference through the form's name is renamed; its comment and a string
+  // that names the control are not, and the string is said to be a possible reference.
+  EXPECT_EQ(File("modMain.bas"),
+            Replaced(module, "frmScan.optSize(1).Value", "frmScan.optChoice(1).Value"));
+  EXPECT_NE(written.err.find("modMain: ChooseLarge: \"optSize\" in a string may name "
+                             "frmScan.OPTSIZE; it is left as it is\n"),
+            std::string::npos)
+      << written.err;
   // Every element, both event procedures and the references; the comment and the string keep
   // the old name.
   std::string expected = Replaced(frm_, "optSize", "optChoice");
