@@ -105,11 +105,11 @@ class ComponentEnv : public ::testing::Test {
     automation::RegisterClass("qxlib41.Scanner", [this] {
       return std::make_shared<RecordingScanner>(scans_, scanAction_);
     });
-    DriverEnv::Write(File("Sample.vbp"), kProject);
-    DriverEnv::Write(File("Code.bas"), kCode);
-    DriverEnv::Write(File("Decl.bas"), kDecl);
-    DriverEnv::Write(File("Bare.bas"), kBare);
-    DriverEnv::Write(File("Thing.cls"), kThing);
+    qxtest::WriteBytes(File("Sample.vbp"), kProject);
+    qxtest::WriteBytes(File("Code.bas"), kCode);
+    qxtest::WriteBytes(File("Decl.bas"), kDecl);
+    qxtest::WriteBytes(File("Bare.bas"), kBare);
+    qxtest::WriteBytes(File("Thing.cls"), kThing);
     ide_ = ide::Ide::Start(File("Sample.vbp").string());
     dispatcher_ = contracts::HostUtility::Get().GetRegisteredObject(File("Sample.vbp").string());
   }
@@ -119,7 +119,7 @@ class ComponentEnv : public ::testing::Test {
   }
 
   std::filesystem::path File(const std::string& name) const { return env_.work() / name; }
-  std::string Bytes(const std::string& name) const { return DriverEnv::Read(File(name)); }
+  std::string Bytes(const std::string& name) const { return qxtest::ReadBytes(File(name)); }
 
   // A component object built by the dispatcher, as a collection's GetObject asks for it.
   automation::ObjectRef Get(const char* factory, const std::string& name) const {

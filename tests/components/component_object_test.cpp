@@ -284,7 +284,7 @@ TEST_F(ScanTest, AFailedSaveLeavesTheIdeHoldingWhatTheDiskHolds) {
     expected.replace(expected.find(gamma), gamma.size(),
                      "\r\nFunction Gamma() As Long\r\n    Gamma = 0");
     EXPECT_EQ(Bytes("Code.bas"), expected) << what;
-    DriverEnv::Write(File("Code.bas"), original);
+    qxtest::WriteBytes(File("Code.bas"), original);
   };
 
   // A full disk at each step of writing the file, in turn, until the save has no step left to
@@ -303,16 +303,16 @@ TEST_F(ScanTest, AFailedSaveLeavesTheIdeHoldingWhatTheDiskHolds) {
     EXPECT_EQ(Bytes("Code.bas"), original) << what;
     expectDiskInIde(what);
   }
-  DriverEnv::Write(File("Code.bas"), original);
+  qxtest::WriteBytes(File("Code.bas"), original);
 
   // The file changed on disk before the save, or while it was written.
-  EXPECT_EQ(failingWrite("3", [&] { DriverEnv::Write(File("Code.bas"), otherProgram); }).Number(),
+  EXPECT_EQ(failingWrite("3", [&] { qxtest::WriteBytes(File("Code.bas"), otherProgram); }).Number(),
             automation::err::kPathFileAccess);
   EXPECT_EQ(Bytes("Code.bas"), otherProgram);
   expectDiskInIde("changed on disk");
   {
     const FaultHook hook([&](platform::WriteStep step) {
-      if (step == platform::WriteStep::kFlush) DriverEnv::Write(File("Code.bas"), otherProgram);
+      if (step == platform::WriteStep::kFlush) qxtest::WriteBytes(File("Code.bas"), otherProgram);
       return 0;
     });
     EXPECT_EQ(failingWrite("4", nullptr).Number(), automation::err::kPathFileAccess);

@@ -56,12 +56,7 @@ std::string PageDsr(const std::string& name, const std::string& source,
   return text;
 }
 
-std::string Le32(uint32_t value) {
-  std::string bytes(4, '\0');
-  for (int i = 0; i < 4; ++i)
-    bytes[i] = static_cast<char>((value >> (8 * i)) & 0xFF);
-  return bytes;
-}
+using qxtest::Le32;
 
 // A page record as our fixtures lay it out: a u32 counting the rest, sixteen binary bytes, a
 // u32 counting the text with its NUL, the text, the NUL.
@@ -102,17 +97,18 @@ class DhtmlPageTest : public ::testing::Test {
   DhtmlPageTest() {
     special::RegisterAddIn();
     project::WriteAddInEntry();
-    DriverEnv::Write(File("Pages.vbp"), kProject);
-    DriverEnv::Write(File("Ext.Dsr"), PageDsr("Ext", "html\\Ext.htm", ""));
-    DriverEnv::Write(File("html/Ext.htm"), "<html>\r\n<body>\nA</body>\r</html>\r\n");
-    DriverEnv::Write(File("Inner.Dsr"), PageDsr("Inner", "", "\"Inner.dsx\":0000"));
-    DriverEnv::Write(File("Inner.dsx"), PageRecord("<html>\r\n<p>kept</p>\r\n</html>"));
-    DriverEnv::Write(File("Blank.Dsr"), PageDsr("Blank", "", "\"Blank.dsx\":0000"));
-    DriverEnv::Write(File("Blank.dsx"), PageRecord(""));
-    DriverEnv::Write(File("Bare.Dsr"), PageDsr("Bare", "", ""));
-    DriverEnv::Write(File("Gone.Dsr"), PageDsr("Gone", "Gone.htm", ""));
-    DriverEnv::Write(File("DataEnv1.Dsr"), kDataEnvDsr);
-    DriverEnv::Write(File("DataEnv1.dsx"), std::string("\x10\0\0\0opaque-bytes\xff\x00\x7f!", 20));
+    qxtest::WriteBytes(File("Pages.vbp"), kProject);
+    qxtest::WriteBytes(File("Ext.Dsr"), PageDsr("Ext", "html\\Ext.htm", ""));
+    qxtest::WriteBytes(File("html/Ext.htm"), "<html>\r\n<body>\nA</body>\r</html>\r\n");
+    qxtest::WriteBytes(File("Inner.Dsr"), PageDsr("Inner", "", "\"Inner.dsx\":0000"));
+    qxtest::WriteBytes(File("Inner.dsx"), PageRecord("<html>\r\n<p>kept</p>\r\n</html>"));
+    qxtest::WriteBytes(File("Blank.Dsr"), PageDsr("Blank", "", "\"Blank.dsx\":0000"));
+    qxtest::WriteBytes(File("Blank.dsx"), PageRecord(""));
+    qxtest::WriteBytes(File("Bare.Dsr"), PageDsr("Bare", "", ""));
+    qxtest::WriteBytes(File("Gone.Dsr"), PageDsr("Gone", "Gone.htm", ""));
+    qxtest::WriteBytes(File("DataEnv1.Dsr"), kDataEnvDsr);
+    qxtest::WriteBytes(File("DataEnv1.dsx"),
+                       std::string("\x10\0\0\0opaque-bytes\xff\x00\x7f!", 20));
     ide_ = ide::Ide::Start(File("Pages.vbp").string());
     dispatcher_ = contracts::HostUtility::Get().GetRegisteredObject(File("Pages.vbp").string());
   }
@@ -121,7 +117,7 @@ class DhtmlPageTest : public ::testing::Test {
   }
 
   fs::path File(const std::string& name) const { return env_.work() / name; }
-  std::string Bytes(const std::string& name) const { return DriverEnv::Read(File(name)); }
+  std::string Bytes(const std::string& name) const { return qxtest::ReadBytes(File(name)); }
 
   ObjectRef Page(const std::string& name) const {
     return Dispatch(dispatcher_).Call("GetDHTMLPage", ObjectRef(), name).ToObject();
@@ -162,10 +158,10 @@ TEST_F(DhtmlPageTest, TheHtmlOfAnExternalSourceFileIsReadByItsLinesAndWrittenThr
   SetMode(page, 0);
 
   // A file of LF line ends is one line; an empty one is the empty string.
-  DriverEnv::Write(File("html/Ext.htm"), "a\nb\nc\n");
+  qxtest::WriteBytes(File("html/Ext.htm"), "a\nb\nc\n");
   SetMode(page, 1);
   EXPECT_EQ(Html(page), "a\nb\nc\n");
-  DriverEnv::Write(File("html/Ext.htm"), "");
+  qxtest::WriteBytes(File("html/Ext.htm"), "");
   EXPECT_EQ(Html(page), "");
   SetMode(page, 0);
   EXPECT_EQ(Caught([&] { Html(page); }).Number(), automation::err::kObjectNotSet);
@@ -185,7 +181,7 @@ TEST_F(DhtmlPageTest, ThePageKeptInTheDesignerRoundTripsThroughTheDsx) {
   // The IDE's file of the page lives in the qx home, not beside the project.
   const fs::path file = PageFile("Inner");
   EXPECT_EQ(file.string().rfind(env_.home().string(), 0), 0u) << file;
-  EXPECT_EQ(DriverEnv::Read(file), "<html>\r\n<p>kept</p>\r\n</html>");
+  EXPECT_EQ(qxtest::ReadBytes(file), "<html>\r\n<p>kept</p>\r\n</html>");
 
   // A write goes into the record as the page is taken up again; the .dsr keeps its bytes.
   SetMode(page, 1);
@@ -205,7 +201,7 @@ TEST_F(DhtmlPageTest, ThePageKeptInTheDesignerRoundTripsThroughTheDsx) {
   EXPECT_EQ(Bytes("Blank.dsx"), PageRecord(""));
 
   // The IDE's files go with the IDE; a change still in one is taken in first.
-  DriverEnv::Write(file, "<p>last</p>");
+  qxtest::WriteBytes(file, "<p>last</p>");
   ide_->End();
   ide_.reset();
   EXPECT_FALSE(fs::exists(file));

@@ -33,12 +33,7 @@ const std::string kLongCaption =
     "This label holds a caption that is far too long to stay on its line, so VB6 keeps it in the "
     "binary companion file of the form instead.";
 
-std::string U32(uint32_t value) {
-  std::string bytes(4, '\0');
-  for (int i = 0; i < 4; ++i)
-    bytes[i] = static_cast<char>((value >> (8 * i)) & 0xFF);
-  return bytes;
-}
+using qxtest::Le32;
 
 // The lines of a file that differ from another's, as "-old" and "+new" (same line count).
 std::vector<std::string> ChangedLines(const std::string& before, const std::string& after) {
@@ -202,7 +197,7 @@ TEST_F(ObjectPropertiesTest, ALongCaptionGoesToTheCompanionAndComesBackWhenShort
   std::vector<std::string> expected = {"-      Caption         =   \"OK\"",
                                        "+      Caption         =   $\"frmProps.frx\":00CC"};
   EXPECT_EQ(ChangedLines(frm_, Frm()), expected);
-  EXPECT_EQ(Frx(), frx_ + U32(150) + longCaption);
+  EXPECT_EQ(Frx(), frx_ + Le32(150) + longCaption);
 
   // The label's caption made short: it comes inline, the button's record moves up.
   Object("lblLong").Set("Caption", Variant("Short"));
@@ -211,7 +206,7 @@ TEST_F(ObjectPropertiesTest, ALongCaptionGoesToTheCompanionAndComesBackWhenShort
               "+      Caption         =   \"Short\"", "-      Caption         =   \"OK\"",
               "+      Caption         =   $\"frmProps.frx\":0042"};
   EXPECT_EQ(ChangedLines(frm_, Frm()), expected);
-  EXPECT_EQ(Frx(), frx_.substr(0, 0x42) + U32(150) + longCaption);
+  EXPECT_EQ(Frx(), frx_.substr(0, 0x42) + Le32(150) + longCaption);
 
   // Read again from disk, as another session would.
   Reopen();
@@ -387,7 +382,7 @@ TEST_F(ObjectPropertiesTest, SaveAsWritesTheCompanionBesideTheNewFile) {
   EXPECT_EQ(copy.find("frmProps.frx"), std::string::npos);
   EXPECT_NE(copy.find("      Caption         =   $\"frmCopy.frx\":0042\r\n"), std::string::npos);
   EXPECT_NE(copy.find("      Caption         =   $\"frmCopy.frx\":00CC\r\n"), std::string::npos);
-  EXPECT_EQ(ReadBytes(copy_->Path("frmCopy.frx")), frx_ + U32(140) + std::string(140, 'y'));
+  EXPECT_EQ(ReadBytes(copy_->Path("frmCopy.frx")), frx_ + Le32(140) + std::string(140, 'y'));
   // Later saves go to the new pair.
   Object("lstItems").SetListItem("List", 0, Variant("Apricots"));
   component_->Save();

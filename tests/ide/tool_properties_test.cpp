@@ -132,13 +132,9 @@ TEST(DumpProperties, PicturesGiveTheirSizeAndABrokenComponentDoesNotStopTheRest)
              "      Width           =   480\r\n   End\r\nEnd\r\n"
              "Attribute VB_Name = \"Pics\"\r\n");
   const std::string image = "GIF89a-image";
-  std::string record;
-  for (uint32_t n :
-       {static_cast<uint32_t>(image.size() + 8), 0x746Cu, static_cast<uint32_t>(image.size())}) {
-    for (int i = 0; i < 4; ++i)
-      record += static_cast<char>((n >> (8 * i)) & 0xFF);
-  }
-  WriteBytes(dir / "Pics.frx", record + image);
+  const auto size = static_cast<uint32_t>(image.size());
+  WriteBytes(dir / "Pics.frx",
+             qxtest::Le32(size + 8) + qxtest::Le32(0x746C) + qxtest::Le32(size) + image);
 
   const Outcome run = DumpProperties((dir / "Pics.vbp").string());
   EXPECT_EQ(run.status, ide::tool::kExitComponentProblem);
