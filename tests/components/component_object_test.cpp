@@ -238,7 +238,7 @@ TEST_F(ScanTest, AFailedSaveLeavesTheIdeHoldingWhatTheDiskHolds) {
   const std::string original = Bytes("Code.bas");
   const std::string project = Bytes("Sample.vbp");
   const std::string otherProgram =
-      std::string(kCode).replace(std::string(kCode).find("Counter = 1"), 11, "Counter = 7");
+      std::string(original).replace(original.find("Counter = 1"), 11, "Counter = 7");
   const auto alpha = [](const std::string& value) {
     return "Sub Alpha()\r\n    Counter = " + value + "\r\nEnd Sub";
   };

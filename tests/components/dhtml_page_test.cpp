@@ -28,34 +28,6 @@ using automation::ObjectRef;
 using qxtest::Caught;
 using qxtest::DriverEnv;
 
-constexpr const char* kProject =
-    "Type=OleDll\r\nDesigner=Ext.Dsr\r\nDesigner=Inner.Dsr\r\nDesigner=Blank.Dsr\r\n"
-    "Designer=Bare.Dsr\r\nDesigner=Gone.Dsr\r\nDesigner=DataEnv1.Dsr\r\nName=\"Pages\"\r\n";
-
-// A page designer's .dsr: `source` is the SourceFile; `document` the HTMLDocument line's value
-// (none when empty).
-std::string PageDsr(const std::string& name, const std::string& source,
-                    const std::string& document) {
-  std::string text = "VERSION 5.00\r\nBegin {90290CCD-F27D-11D0-8031-00C04FB6C701} " + name +
-                     " \r\n"
-                     "   ClientHeight    =   4110\r\n"
-                     "   _ExtentX        =   12726\r\n"
-                     "   SourceFile      =   \"" +
-                     source +
-                     "\"\r\n"
-                     "   BuildFile       =   \"" +
-                     name +
-                     ".htm\"\r\n"
-                     "   BuildMode       =   0\r\n"
-                     "   id              =   \"" +
-                     name + "\"\r\n";
-  if (!document.empty()) text += "   HTMLDocument    =   " + document + "\r\n";
-  text += "End\r\nAttribute VB_Name = \"" + name +
-          "\"\r\nAttribute VB_Creatable = True\r\nAttribute VB_Exposed = True\r\n"
-          "Private Sub DHTMLPage_Load()\r\nEnd Sub\r\n";
-  return text;
-}
-
 using qxtest::Le32;
 
 // A page record as our fixtures lay it out: a u32 counting the rest, sixteen binary bytes, a
@@ -67,48 +39,12 @@ std::string PageRecord(const std::string& text) {
   return Le32(static_cast<uint32_t>(rest.size())) + rest;
 }
 
-constexpr const char* kDataEnvDsr =
-    "VERSION 5.00\r\n"
-    "Begin {C0E45035-5775-11D0-B388-00A0C9055D8E} DataEnv1 \r\n"
-    "   ClientHeight    =   6855\r\n"
-    "   _ExtentX        =   8176\r\n"
-    "   FolderFlags     =   1\r\n"
-    "   TypeLibGuid     =   \"{3A1B2C3D-0000-1111-2222-333344445555}\"\r\n"
-    "   TypeInfoGuid    =   \"{3A1B2C3E-0000-1111-2222-333344445555}\"\r\n"
-    "   TypeInfoCookie  =   0\r\n"
-    "   Version         =   4\r\n"
-    "   NumConnections  =   1\r\n"
-    "   BeginProperty Connection1 \r\n"
-    "      ConnectionName  =   \"Connection1\"\r\n"
-    "      ConnDispId      =   1001\r\n"
-    "      SourceOfData    =   3\r\n"
-    "      ConnectionSource=   \"Provider=SQLOLEDB.1;Data Source=(local)\"\r\n"
-    "   EndProperty\r\n"
-    "   NumRecordsets   =   0\r\n"
-    "End\r\n"
-    "Attribute VB_Name = \"DataEnv1\"\r\n"
-    "Attribute VB_GlobalNameSpace = False\r\n"
-    "Attribute VB_Creatable = True\r\n"
-    "Attribute VB_PredeclaredId = True\r\n"
-    "Attribute VB_Exposed = False\r\n";
-
 class DhtmlPageTest : public ::testing::Test {
  protected:
   DhtmlPageTest() {
     special::RegisterAddIn();
     project::WriteAddInEntry();
-    qxtest::WriteBytes(File("Pages.vbp"), kProject);
-    qxtest::WriteBytes(File("Ext.Dsr"), PageDsr("Ext", "html\\Ext.htm", ""));
-    qxtest::WriteBytes(File("html/Ext.htm"), "<html>\r\n<body>\nA</body>\r</html>\r\n");
-    qxtest::WriteBytes(File("Inner.Dsr"), PageDsr("Inner", "", "\"Inner.dsx\":0000"));
-    qxtest::WriteBytes(File("Inner.dsx"), PageRecord("<html>\r\n<p>kept</p>\r\n</html>"));
-    qxtest::WriteBytes(File("Blank.Dsr"), PageDsr("Blank", "", "\"Blank.dsx\":0000"));
-    qxtest::WriteBytes(File("Blank.dsx"), PageRecord(""));
-    qxtest::WriteBytes(File("Bare.Dsr"), PageDsr("Bare", "", ""));
-    qxtest::WriteBytes(File("Gone.Dsr"), PageDsr("Gone", "Gone.htm", ""));
-    qxtest::WriteBytes(File("DataEnv1.Dsr"), kDataEnvDsr);
-    qxtest::WriteBytes(File("DataEnv1.dsx"),
-                       std::string("\x10\0\0\0opaque-bytes\xff\x00\x7f!", 20));
+    folder_ = env_.CopyFixture("pages");
     ide_ = ide::Ide::Start(File("Pages.vbp").string());
     dispatcher_ = contracts::HostUtility::Get().GetRegisteredObject(File("Pages.vbp").string());
   }
@@ -116,7 +52,7 @@ class DhtmlPageTest : public ::testing::Test {
     if (ide_) ide_->End();
   }
 
-  fs::path File(const std::string& name) const { return env_.work() / name; }
+  fs::path File(const std::string& name) const { return folder_ / name; }
   std::string Bytes(const std::string& name) const { return qxtest::ReadBytes(File(name)); }
 
   ObjectRef Page(const std::string& name) const {
@@ -137,6 +73,7 @@ class DhtmlPageTest : public ::testing::Test {
   }
 
   DriverEnv env_;
+  fs::path folder_;
   std::unique_ptr<ide::Ide> ide_;
   ObjectRef dispatcher_;
 };
@@ -268,15 +205,6 @@ TEST_F(DhtmlPageTest, OtherDesignersLoadAndSaveByteForByte) {
   component.Call("SaveAs", component.GetAt("FileNames", int16_t{1}).ToString());
   EXPECT_EQ(Bytes("DataEnv1.Dsr"), dsr);
   EXPECT_EQ(Bytes("DataEnv1.dsx"), dsx);
-}
-
-TEST(DhtmlPageLines, TheLineArrayGrowsByAQuarterPlus64) {
-  std::size_t capacity = 0;
-  const std::size_t expected[] = {64, 144, 244, 369, 525};
-  for (std::size_t next : expected) {
-    capacity = special::GrownLineCapacity(capacity);
-    EXPECT_EQ(capacity, next);
-  }
 }
 
 }  // namespace
