@@ -18,6 +18,7 @@
 #include "cli/search_options.h"
 #include "cli/unified_diff.h"
 #include "host/run_view.h"
+#include "host/scan/scan_request.h"
 #include "support/driver_env.h"
 
 namespace {
@@ -204,9 +205,18 @@ TEST(SearchOptions, BadKindsScopesPatternsAndReplacementsStopTheRun) {
   options.kinds = {"modules"};
   cli::ValidateSearchOptions(options);
   EXPECT_EQ(options.kinds[0], "Modules");
-  EXPECT_EQ(cli::BuildRequest(options),
-            R"j({"patterns":["(a)"],"literal":false,"case":"sensitive","wordRegexp":false,)j"
-            R"("replacement":"${1}x","write":true,"scope":["code","names","properties","html"]})");
+  // The request says it all as the host's Scanner reads it.
+  options.literal = true;
+  options.wordRegexp = true;
+  options.caseChoice = cli::CaseChoice::Insensitive;
+  const auto request = host::scan::ScanRequest::Parse(cli::BuildRequest(options));
+  EXPECT_EQ(request.patterns, options.patterns);
+  EXPECT_TRUE(request.options.literal);
+  EXPECT_TRUE(request.options.wholeWord);
+  EXPECT_EQ(request.options.caseMode, host::scan::CaseMode::kInsensitive);
+  EXPECT_EQ(request.replacement, "${1}x");
+  EXPECT_TRUE(request.write);
+  EXPECT_EQ(request.scopes, options.scope);
   options.scope = {"code", "htm"};
   EXPECT_THROW(cli::ValidateSearchOptions(options), automation::Error);
   options.componentGlob = "frm*";
