@@ -13,6 +13,7 @@
 #include "ide/vbide/vbproject.h"
 #include "platform/files.h"
 #include "support/errors.h"
+#include "support/fault_hook.h"
 #include "tests/components/component_env.h"
 
 namespace {
@@ -223,12 +224,7 @@ TEST_F(ScanTest, AFailingScanReturnsTheObjectToIdleAndRaisesWithItsTrail) {
 }
 
 // Removes the fault hook when the test ends, also when it fails.
-struct FaultHook {
-  explicit FaultHook(std::function<int(platform::WriteStep)> hook) {
-    platform::SetWriteFaultHook(std::move(hook));
-  }
-  ~FaultHook() { platform::SetWriteFaultHook({}); }
-};
+using qxtest::FaultHook;
 
 // A save that fails, whatever the failure and at whatever step, leaves the IDE holding what the
 // disk holds: nothing left to save (which would keep an IDE from ending when idle, and refuse
