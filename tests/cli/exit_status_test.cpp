@@ -28,14 +28,14 @@ class QxProgram : public ::testing::Test {
     command += " >'" + out.string() + "' 2>'" + err.string() + "' </dev/null";
     const int raw = std::system(command.c_str());
     const int status = WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);
-    return {status, DriverEnv::Read(out), DriverEnv::Read(err)};
+    return {status, qxtest::ReadBytes(out), qxtest::ReadBytes(err)};
   }
   DriverEnv env_;
 };
 
 TEST_F(QxProgram, UsageErrorsExitTwoWithTheirMessageAndHelpExitsZero) {
   const std::string vbp = (env_.work() / "P.vbp").string();
-  DriverEnv::Write(vbp, "Type=Exe\r\n");
+  qxtest::WriteBytes(vbp, "Type=Exe\r\n");
   const std::string retry = "\nRun 'qx --help' for more information.\n";
 
   using Case = std::pair<std::vector<std::string>, std::string>;

@@ -31,12 +31,12 @@ class Qx : public ::testing::Test {
   }
   std::filesystem::path Folder() const { return env_.work() / "p"; }
   std::string Project(const std::string& vbp) {
-    DriverEnv::Write(Folder() / "P.vbp", vbp);
+    qxtest::WriteBytes(Folder() / "P.vbp", vbp);
     return (Folder() / "P.vbp").string();
   }
   void Component(const std::string& file, const std::string& name, bool readOnly = false) {
-    DriverEnv::Write(Folder() / file, name.empty() ? "VERSION 5.00\r\n"
-                                                   : "Attribute VB_Name = \"" + name + "\"\r\n");
+    qxtest::WriteBytes(Folder() / file, name.empty() ? "VERSION 5.00\r\n"
+                                                     : "Attribute VB_Name = \"" + name + "\"\r\n");
     if (readOnly) ::chmod((Folder() / file).c_str(), 0444);
   }
   std::string Basic() {
@@ -199,9 +199,9 @@ TEST_F(Qx, CheckSaysOkOrNamesTheMissingLineHoweverLong) {
   Outcome run = Check(vbp);
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.out, "OK\n");
-  DriverEnv::Write(vbp,
-                   "Type=Exe\r\nReference=*\\G{12345678-1234-1234-1234-123456789ABC}#1.0#0#"
-                   "c:\\nowhere\\x.tlb#Nowhere Library\r\n");
+  qxtest::WriteBytes(vbp,
+                     "Type=Exe\r\nReference=*\\G{12345678-1234-1234-1234-123456789ABC}#1.0#0#"
+                     "c:\\nowhere\\x.tlb#Nowhere Library\r\n");
   run = Check(vbp);
   EXPECT_EQ(run.status, 2);
   EXPECT_NE(run.err.find("qx: error -32767: One of the components used in the project"),
@@ -211,7 +211,7 @@ TEST_F(Qx, CheckSaysOkOrNamesTheMissingLineHoweverLong) {
   EXPECT_NE(run.err.find("[HKEY_CLASSES_ROOT\\TypeLib\\{12345678-1234-1234-1234-123456789ABC}]"),
             std::string::npos);
   // A missing component file gets no registry advice.
-  DriverEnv::Write(vbp, "Type=Exe\r\nModule=Gone; Gone.bas\r\n");
+  qxtest::WriteBytes(vbp, "Type=Exe\r\nModule=Gone; Gone.bas\r\n");
   run = Check(vbp);
   EXPECT_EQ(run.err.find("registry.reg"), std::string::npos);
 

@@ -18,6 +18,7 @@
 #include "cli/search_options.h"
 #include "cli/unified_diff.h"
 #include "host/run_view.h"
+#include "host/scan/scan_request.h"
 #include "support/driver_env.h"
 
 namespace {
@@ -29,11 +30,11 @@ TEST(SearchPaths, ProjectsGroupsAndFoldersGiveEachProjectOnceAndItsComponentFile
   DriverEnv env;
   const fs::path root = env.work();
   fs::create_directories(root / "a" / "deep");
-  DriverEnv::Write((root / "a" / "A.vbp").string(), "Type=Exe\r\n");
-  DriverEnv::Write((root / "a" / "deep" / "B.VBP").string(), "Type=Exe\r\n");
-  DriverEnv::Write((root / "g.vbg").string(),
-                   "VBGROUP 5.0\r\nStartupProject=a\\A.vbp\r\nProject=a\\deep\\B.VBP\r\n"
-                   "Project=gone\\C.vbp\r\n");
+  qxtest::WriteBytes((root / "a" / "A.vbp").string(), "Type=Exe\r\n");
+  qxtest::WriteBytes((root / "a" / "deep" / "B.VBP").string(), "Type=Exe\r\n");
+  qxtest::WriteBytes((root / "g.vbg").string(),
+                     "VBGROUP 5.0\r\nStartupProject=a\\A.vbp\r\nProject=a\\deep\\B.VBP\r\n"
+                     "Project=gone\\C.vbp\r\n");
   const cli::ProjectDiscovery found =
       cli::FindProjects({(root / "g.vbg").string(), (root / "a").string(),
                          (root / "a" / "A.vbp").string(), (root / "nothing").string()});
@@ -46,10 +47,10 @@ TEST(SearchPaths, ProjectsGroupsAndFoldersGiveEachProjectOnceAndItsComponentFile
 
   // A project's component files come from its project file, a name from the file otherwise.
   fs::create_directories(root / "p" / "shared");
-  DriverEnv::Write((root / "p" / "P.vbp").string(),
-                   "Type=Exe\r\nForm=Main.frm\r\nModule=Util; shared\\Util.bas\r\n"
-                   "Class=CThing; \"C Thing.cls\"\r\n");
-  DriverEnv::Write(
+  qxtest::WriteBytes((root / "p" / "P.vbp").string(),
+                     "Type=Exe\r\nForm=Main.frm\r\nModule=Util; shared\\Util.bas\r\n"
+                     "Class=CThing; \"C Thing.cls\"\r\n");
+  qxtest::WriteBytes(
       (root / "p" / "Main.frm").string(),
       "VERSION 5.00\r\nBegin VB.Form frmMain\r\nEnd\r\nAttribute VB_Name = \"frmMain\"\r\n");
   const std::vector<cli::ComponentFile> files = cli::ReadComponentFiles(root / "p" / "P.vbp");
@@ -67,7 +68,7 @@ TEST(SearchPaths, CompanionsAreTheFilesOfTheSameNameAndAPagesSourceFile) {
   const fs::path root = env.work();
   fs::create_directories(root / "Pages");
   for (const char* name : {"Form1.frm", "FORM1.FRX", "form1.log", "Form10.frx", "Form1.frm.bak"})
-    DriverEnv::Write((root / name).string(), "x");
+    qxtest::WriteBytes((root / name).string(), "x");
   const auto names = [](const std::vector<cli::CompanionFile>& files) {
     std::vector<std::string> out;
     for (const cli::CompanionFile& file : files)
@@ -78,22 +79,22 @@ TEST(SearchPaths, CompanionsAreTheFilesOfTheSameNameAndAPagesSourceFile) {
             (std::vector<std::string>{"FORM1.FRX", "form1.log"}));
 
   // A page's SourceFile, found as Windows finds it; a nested object's setting is not the page's.
-  DriverEnv::Write((root / "Pages" / "main.htm").string(), "<HTML>");
+  qxtest::WriteBytes((root / "Pages" / "main.htm").string(), "<HTML>");
   const std::string page =
       "VERSION 5.00\r\nBegin {90290CCD-F27D-11D0-8031-00C04FB6C701} Page1 \r\n"
       "   BeginProperty Font \r\n      Name = \"Arial\"\r\n   EndProperty\r\n"
       "   SourceFile      =   \"pages\\Main.HTM\"\r\nEnd\r\nAttribute VB_Name = \"Page1\"\r\n";
-  DriverEnv::Write((root / "Page1.Dsr").string(), page);
+  qxtest::WriteBytes((root / "Page1.Dsr").string(), page);
   EXPECT_EQ(names(cli::CompanionFiles(root / "Page1.Dsr")), std::vector<std::string>{"main.htm"});
-  DriverEnv::Write((root / "Page2.Dsr").string(),
-                   "VERSION 5.00\r\nBegin {90290CCD-F27D-11D0-8031-00C04FB6C701} Page2 \r\n"
-                   "   SourceFile      =   \"z:" +
-                       (root / "Pages" / "main.htm").string() + "\"\r\nEnd\r\n");
+  qxtest::WriteBytes((root / "Page2.Dsr").string(),
+                     "VERSION 5.00\r\nBegin {90290CCD-F27D-11D0-8031-00C04FB6C701} Page2 \r\n"
+                     "   SourceFile      =   \"z:" +
+                         (root / "Pages" / "main.htm").string() + "\"\r\nEnd\r\n");
   EXPECT_EQ(names(cli::CompanionFiles(root / "Page2.Dsr")),
             std::vector<std::string>{"main.htm absolute"});
-  DriverEnv::Write((root / "Page3.Dsr").string(),
-                   "VERSION 5.00\r\nBegin {X} Page3 \r\n   Begin VB.Label l \r\n"
-                   "      SourceFile = \"pages\\main.htm\"\r\n   End\r\nEnd\r\n");
+  qxtest::WriteBytes((root / "Page3.Dsr").string(),
+                     "VERSION 5.00\r\nBegin {X} Page3 \r\n   Begin VB.Label l \r\n"
+                     "      SourceFile = \"pages\\main.htm\"\r\n   End\r\nEnd\r\n");
   EXPECT_TRUE(cli::CompanionFiles(root / "Page3.Dsr").empty());
 }
 
@@ -102,10 +103,11 @@ TEST(SearchPaths, CompanionsAreTheFilesOfTheSameNameAndAPagesSourceFile) {
 TEST(SearchPaths, AScratchCopyIsPrivateFreshAndHoldsNoLinks) {
   DriverEnv env;
   const fs::path root = env.work() / "Proj";
-  DriverEnv::Write((env.work() / "outside" / "Real.bas").string(), "Attribute VB_Name = \"M\"\r\n");
-  DriverEnv::Write((root / "P.vbp").string(), "Type=Exe\r\n");
-  DriverEnv::Write((root / "Form1.frm").string(), "form");
-  DriverEnv::Write((root / "Form1.frx").string(), "companion");
+  qxtest::WriteBytes((env.work() / "outside" / "Real.bas").string(),
+                     "Attribute VB_Name = \"M\"\r\n");
+  qxtest::WriteBytes((root / "P.vbp").string(), "Type=Exe\r\n");
+  qxtest::WriteBytes((root / "Form1.frm").string(), "form");
+  qxtest::WriteBytes((root / "Form1.frx").string(), "companion");
   fs::create_symlink(env.work() / "outside" / "Real.bas", root / "Module1.bas");
   const std::vector<cli::ComponentFile> files = {{"Forms", "Form1", root / "Form1.frm", false},
                                                  {"Modules", "M", root / "Module1.bas", false}};
@@ -119,10 +121,10 @@ TEST(SearchPaths, AScratchCopyIsPrivateFreshAndHoldsNoLinks) {
     EXPECT_EQ(fs::status(copy.root()).permissions() & fs::perms::all, fs::perms::owner_all);
     const fs::path module = copy.Inside(root / "Module1.bas");
     EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(module)));
-    EXPECT_EQ(DriverEnv::Read(copy.Inside(root / "Form1.frx")), "companion");
+    EXPECT_EQ(qxtest::ReadBytes(copy.Inside(root / "Form1.frx")), "companion");
     EXPECT_EQ(copy.Outside(module), root / "Module1.bas");
-    DriverEnv::Write(module.string(), "changed in the copy");
-    EXPECT_EQ(DriverEnv::Read(env.work() / "outside" / "Real.bas"),
+    qxtest::WriteBytes(module.string(), "changed in the copy");
+    EXPECT_EQ(qxtest::ReadBytes(env.work() / "outside" / "Real.bas"),
               "Attribute VB_Name = \"M\"\r\n");
     EXPECT_EQ(copy.project(), copy.Inside(root / "P.vbp"));
   }
@@ -203,9 +205,18 @@ TEST(SearchOptions, BadKindsScopesPatternsAndReplacementsStopTheRun) {
   options.kinds = {"modules"};
   cli::ValidateSearchOptions(options);
   EXPECT_EQ(options.kinds[0], "Modules");
-  EXPECT_EQ(cli::BuildRequest(options),
-            R"j({"patterns":["(a)"],"literal":false,"case":"sensitive","wordRegexp":false,)j"
-            R"("replacement":"${1}x","write":true,"scope":["code","names","properties","html"]})");
+  // The request says it all as the host's Scanner reads it.
+  options.literal = true;
+  options.wordRegexp = true;
+  options.caseChoice = cli::CaseChoice::Insensitive;
+  const auto request = host::scan::ScanRequest::Parse(cli::BuildRequest(options));
+  EXPECT_EQ(request.patterns, options.patterns);
+  EXPECT_TRUE(request.options.literal);
+  EXPECT_TRUE(request.options.wholeWord);
+  EXPECT_EQ(request.options.caseMode, host::scan::CaseMode::kInsensitive);
+  EXPECT_EQ(request.replacement, "${1}x");
+  EXPECT_TRUE(request.write);
+  EXPECT_EQ(request.scopes, options.scope);
   options.scope = {"code", "htm"};
   EXPECT_THROW(cli::ValidateSearchOptions(options), automation::Error);
   options.componentGlob = "frm*";

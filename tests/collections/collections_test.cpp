@@ -20,12 +20,12 @@ class Collections : public ::testing::Test {
  protected:
   Collections() {
     special::RegisterAddIn();  // what the IDE's process registers besides
-    DriverEnv::Write(env_.work() / "P.vbp",
-                     "Type=Exe\r\nForm=frmA.frm\r\nForm=frmB.frm\r\nModule=M; M.bas\r\n"
-                     "Designer=Page.Dsr\r\n");
-    DriverEnv::Write(env_.work() / "frmA.frm", "Attribute VB_Name = \"frmA\"\r\n");
-    DriverEnv::Write(env_.work() / "frmB.frm", "Attribute VB_Name = \"frmB\"\r\n");
-    DriverEnv::Write(env_.work() / "M.bas", "Attribute VB_Name = \"M\"\r\n");
+    qxtest::WriteBytes(env_.work() / "P.vbp",
+                       "Type=Exe\r\nForm=frmA.frm\r\nForm=frmB.frm\r\nModule=M; M.bas\r\n"
+                       "Designer=Page.Dsr\r\n");
+    qxtest::WriteBytes(env_.work() / "frmA.frm", "Attribute VB_Name = \"frmA\"\r\n");
+    qxtest::WriteBytes(env_.work() / "frmB.frm", "Attribute VB_Name = \"frmB\"\r\n");
+    qxtest::WriteBytes(env_.work() / "M.bas", "Attribute VB_Name = \"M\"\r\n");
     project_ = contracts::IDriver(driver_).GetProject(
         "P", 0, "FileName=" + (env_.work() / "P.vbp").string());
   }

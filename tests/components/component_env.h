@@ -60,56 +60,13 @@ class RecordingScanner : public automation::Object {
 
 class ComponentEnv : public ::testing::Test {
  protected:
-  // Sections of the project's files, CR LF line ends.
-  static constexpr const char* kProject =
-      "Type=Exe\r\nModule=Code; Code.bas\r\nModule=Decl; Decl.bas\r\nModule=Bare; Bare.bas\r\n"
-      "Class=Thing; Thing.cls\r\nName=\"Sample\"\r\n";
-  static constexpr const char* kCode =
-      "Attribute VB_Name = \"Code\"\r\n"
-      "Option Explicit\r\n"
-      "Dim Counter As Long\r\n"
-      "\r\n"
-      "\r\n"
-      "   \r\n"
-      "Sub Alpha()\r\n"
-      "    Counter = 1\r\n"
-      "End Sub\r\n"
-      "\t\r\n"
-      "Function Gamma() As Long\r\n"
-      "    Gamma = Counter\r\n"
-      "End Function\r\n";
-  static constexpr const char* kDecl =
-      "Attribute VB_Name = \"Decl\"\r\nOption Explicit\r\nPublic Total As Long\r\n";
-  static constexpr const char* kBare = "Attribute VB_Name = \"Bare\"\r\nSub Only()\r\nEnd Sub\r\n";
-  static constexpr const char* kThing =
-      "VERSION 1.0 CLASS\r\nBEGIN\r\n  MultiUse = -1  'True\r\nEND\r\n"
-      "Attribute VB_Name = \"Thing\"\r\n"
-      "Option Explicit\r\n"
-      "Private mValue As Long\r\n"
-      "\r\n"
-      "Public Property Get Value() As Long\r\n"
-      "    Value = mValue\r\n"
-      "End Property\r\n"
-      "\r\n"
-      "Public Property Let Value(ByVal NewValue As Long)\r\n"
-      "    mValue = NewValue\r\n"
-      "End Property\r\n"
-      "\r\n"
-      "Public Property Get Size() As Long\r\n"
-      "    Size = 1\r\n"
-      "End Property\r\n";
-
   ComponentEnv() {
     special::RegisterAddIn();
     project::WriteAddInEntry();
     automation::RegisterClass("qxlib41.Scanner", [this] {
       return std::make_shared<RecordingScanner>(scans_, scanAction_);
     });
-    DriverEnv::Write(File("Sample.vbp"), kProject);
-    DriverEnv::Write(File("Code.bas"), kCode);
-    DriverEnv::Write(File("Decl.bas"), kDecl);
-    DriverEnv::Write(File("Bare.bas"), kBare);
-    DriverEnv::Write(File("Thing.cls"), kThing);
+    folder_ = env_.CopyFixture("sample");
     ide_ = ide::Ide::Start(File("Sample.vbp").string());
     dispatcher_ = contracts::HostUtility::Get().GetRegisteredObject(File("Sample.vbp").string());
   }
@@ -118,8 +75,8 @@ class ComponentEnv : public ::testing::Test {
     if (ide_) ide_->End();
   }
 
-  std::filesystem::path File(const std::string& name) const { return env_.work() / name; }
-  std::string Bytes(const std::string& name) const { return DriverEnv::Read(File(name)); }
+  std::filesystem::path File(const std::string& name) const { return folder_ / name; }
+  std::string Bytes(const std::string& name) const { return qxtest::ReadBytes(File(name)); }
 
   // A component object built by the dispatcher, as a collection's GetObject asks for it.
   automation::ObjectRef Get(const char* factory, const std::string& name) const {
@@ -156,6 +113,7 @@ class ComponentEnv : public ::testing::Test {
   }
 
   DriverEnv env_;
+  std::filesystem::path folder_;
   std::unique_ptr<ide::Ide> ide_;
   automation::ObjectRef dispatcher_;
   std::vector<ScanCall> scans_;

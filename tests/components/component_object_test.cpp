@@ -13,6 +13,7 @@
 #include "ide/vbide/vbproject.h"
 #include "platform/files.h"
 #include "support/errors.h"
+#include "support/fault_hook.h"
 #include "tests/components/component_env.h"
 
 namespace {
@@ -223,12 +224,7 @@ TEST_F(ScanTest, AFailingScanReturnsTheObjectToIdleAndRaisesWithItsTrail) {
 }
 
 // Removes the fault hook when the test ends, also when it fails.
-struct FaultHook {
-  explicit FaultHook(std::function<int(platform::WriteStep)> hook) {
-    platform::SetWriteFaultHook(std::move(hook));
-  }
-  ~FaultHook() { platform::SetWriteFaultHook({}); }
-};
+using qxtest::FaultHook;
 
 // A save that fails, whatever the failure and at whatever step, leaves the IDE holding what the
 // disk holds: nothing left to save (which would keep an IDE from ending when idle, and refuse
@@ -238,7 +234,7 @@ TEST_F(ScanTest, AFailedSaveLeavesTheIdeHoldingWhatTheDiskHolds) {
   const std::string original = Bytes("Code.bas");
   const std::string project = Bytes("Sample.vbp");
   const std::string otherProgram =
-      std::string(kCode).replace(std::string(kCode).find("Counter = 1"), 11, "Counter = 7");
+      std::string(original).replace(original.find("Counter = 1"), 11, "Counter = 7");
   const auto alpha = [](const std::string& value) {
     return "Sub Alpha()\r\n    Counter = " + value + "\r\nEnd Sub";
   };
@@ -284,7 +280,7 @@ TEST_F(ScanTest, AFailedSaveLeavesTheIdeHoldingWhatTheDiskHolds) {
     expected.replace(expected.find(gamma), gamma.size(),
                      "\r\nFunction Gamma() As Long\r\n    Gamma = 0");
     EXPECT_EQ(Bytes("Code.bas"), expected) << what;
-    DriverEnv::Write(File("Code.bas"), original);
+    qxtest::WriteBytes(File("Code.bas"), original);
   };
 
   // A full disk at each step of writing the file, in turn, until the save has no step left to
@@ -303,16 +299,16 @@ TEST_F(ScanTest, AFailedSaveLeavesTheIdeHoldingWhatTheDiskHolds) {
     EXPECT_EQ(Bytes("Code.bas"), original) << what;
     expectDiskInIde(what);
   }
-  DriverEnv::Write(File("Code.bas"), original);
+  qxtest::WriteBytes(File("Code.bas"), original);
 
   // The file changed on disk before the save, or while it was written.
-  EXPECT_EQ(failingWrite("3", [&] { DriverEnv::Write(File("Code.bas"), otherProgram); }).Number(),
+  EXPECT_EQ(failingWrite("3", [&] { qxtest::WriteBytes(File("Code.bas"), otherProgram); }).Number(),
             automation::err::kPathFileAccess);
   EXPECT_EQ(Bytes("Code.bas"), otherProgram);
   expectDiskInIde("changed on disk");
   {
     const FaultHook hook([&](platform::WriteStep step) {
-      if (step == platform::WriteStep::kFlush) DriverEnv::Write(File("Code.bas"), otherProgram);
+      if (step == platform::WriteStep::kFlush) qxtest::WriteBytes(File("Code.bas"), otherProgram);
       return 0;
     });
     EXPECT_EQ(failingWrite("4", nullptr).Number(), automation::err::kPathFileAccess);

@@ -58,7 +58,7 @@ class DesignerSettingsTest : public ::testing::Test {
 };
 
 TEST_F(DesignerSettingsTest, APagesBuildFileAndSourceFileGoThroughTheIdesProperties) {
-  const std::string dsr = DriverEnv::Read(folder_ / "DHTMLPage1.Dsr");
+  const std::string dsr = qxtest::ReadBytes(folder_ / "DHTMLPage1.Dsr");
   const ObjectRef page = Get("GetDHTMLPage", "DHTMLPage1");
   SetMode(page, 1);
   EXPECT_EQ(Dispatch(page).Get("BuildFile").ToString(), "DHTMLPage1.htm");
@@ -72,13 +72,13 @@ TEST_F(DesignerSettingsTest, APagesBuildFileAndSourceFileGoThroughTheIdesPropert
   std::string expected = dsr;
   expected.replace(expected.find("BuildFile       =   \"DHTMLPage1.htm\""), 36,
                    "BuildFile       =   \"out\\Page.htm\"");
-  EXPECT_EQ(DriverEnv::Read(folder_ / "DHTMLPage1.Dsr"), expected);
+  EXPECT_EQ(qxtest::ReadBytes(folder_ / "DHTMLPage1.Dsr"), expected);
   EXPECT_EQ(Caught([&] { Dispatch(page).Get("BuildFile"); }).Number(),
             automation::err::kObjectNotSet);
 }
 
 TEST_F(DesignerSettingsTest, AUserConnectionsSettingsAreReadAndNeverWritten) {
-  const std::string dsr = DriverEnv::Read(folder_ / "UserConnection1.Dsr");
+  const std::string dsr = qxtest::ReadBytes(folder_ / "UserConnection1.Dsr");
   const ObjectRef connection = Get("GetUserConnection", "UserConnection1");
   EXPECT_EQ(connection->Class().name, "UserConnection");
   SetMode(connection, 1);
@@ -104,7 +104,7 @@ TEST_F(DesignerSettingsTest, AUserConnectionsSettingsAreReadAndNeverWritten) {
         << name;
   }
   SetMode(connection, 0);
-  EXPECT_EQ(DriverEnv::Read(folder_ / "UserConnection1.Dsr"), dsr);
+  EXPECT_EQ(qxtest::ReadBytes(folder_ / "UserConnection1.Dsr"), dsr);
 }
 
 }  // namespace

@@ -28,40 +28,7 @@ using automation::ObjectRef;
 using qxtest::Caught;
 using qxtest::DriverEnv;
 
-constexpr const char* kProject =
-    "Type=OleDll\r\nDesigner=Ext.Dsr\r\nDesigner=Inner.Dsr\r\nDesigner=Blank.Dsr\r\n"
-    "Designer=Bare.Dsr\r\nDesigner=Gone.Dsr\r\nDesigner=DataEnv1.Dsr\r\nName=\"Pages\"\r\n";
-
-// A page designer's .dsr: `source` is the SourceFile; `document` the HTMLDocument line's value
-// (none when empty).
-std::string PageDsr(const std::string& name, const std::string& source,
-                    const std::string& document) {
-  std::string text = "VERSION 5.00\r\nBegin {90290CCD-F27D-11D0-8031-00C04FB6C701} " + name +
-                     " \r\n"
-                     "   ClientHeight    =   4110\r\n"
-                     "   _ExtentX        =   12726\r\n"
-                     "   SourceFile      =   \"" +
-                     source +
-                     "\"\r\n"
-                     "   BuildFile       =   \"" +
-                     name +
-                     ".htm\"\r\n"
-                     "   BuildMode       =   0\r\n"
-                     "   id              =   \"" +
-                     name + "\"\r\n";
-  if (!document.empty()) text += "   HTMLDocument    =   " + document + "\r\n";
-  text += "End\r\nAttribute VB_Name = \"" + name +
-          "\"\r\nAttribute VB_Creatable = True\r\nAttribute VB_Exposed = True\r\n"
-          "Private Sub DHTMLPage_Load()\r\nEnd Sub\r\n";
-  return text;
-}
-
-std::string Le32(uint32_t value) {
-  std::string bytes(4, '\0');
-  for (int i = 0; i < 4; ++i)
-    bytes[i] = static_cast<char>((value >> (8 * i)) & 0xFF);
-  return bytes;
-}
+using qxtest::Le32;
 
 // A page record as our fixtures lay it out: a u32 counting the rest, sixteen binary bytes, a
 // u32 counting the text with its NUL, the text, the NUL.
@@ -72,47 +39,12 @@ std::string PageRecord(const std::string& text) {
   return Le32(static_cast<uint32_t>(rest.size())) + rest;
 }
 
-constexpr const char* kDataEnvDsr =
-    "VERSION 5.00\r\n"
-    "Begin {C0E45035-5775-11D0-B388-00A0C9055D8E} DataEnv1 \r\n"
-    "   ClientHeight    =   6855\r\n"
-    "   _ExtentX        =   8176\r\n"
-    "   FolderFlags     =   1\r\n"
-    "   TypeLibGuid     =   \"{3A1B2C3D-0000-1111-2222-333344445555}\"\r\n"
-    "   TypeInfoGuid    =   \"{3A1B2C3E-0000-1111-2222-333344445555}\"\r\n"
-    "   TypeInfoCookie  =   0\r\n"
-    "   Version         =   4\r\n"
-    "   NumConnections  =   1\r\n"
-    "   BeginProperty Connection1 \r\n"
-    "      ConnectionName  =   \"Connection1\"\r\n"
-    "      ConnDispId      =   1001\r\n"
-    "      SourceOfData    =   3\r\n"
-    "      ConnectionSource=   \"Provider=SQLOLEDB.1;Data Source=(local)\"\r\n"
-    "   EndProperty\r\n"
-    "   NumRecordsets   =   0\r\n"
-    "End\r\n"
-    "Attribute VB_Name = \"DataEnv1\"\r\n"
-    "Attribute VB_GlobalNameSpace = False\r\n"
-    "Attribute VB_Creatable = True\r\n"
-    "Attribute VB_PredeclaredId = True\r\n"
-    "Attribute VB_Exposed = False\r\n";
-
 class DhtmlPageTest : public ::testing::Test {
  protected:
   DhtmlPageTest() {
     special::RegisterAddIn();
     project::WriteAddInEntry();
-    DriverEnv::Write(File("Pages.vbp"), kProject);
-    DriverEnv::Write(File("Ext.Dsr"), PageDsr("Ext", "html\\Ext.htm", ""));
-    DriverEnv::Write(File("html/Ext.htm"), "<html>\r\n<body>\nA</body>\r</html>\r\n");
-    DriverEnv::Write(File("Inner.Dsr"), PageDsr("Inner", "", "\"Inner.dsx\":0000"));
-    DriverEnv::Write(File("Inner.dsx"), PageRecord("<html>\r\n<p>kept</p>\r\n</html>"));
-    DriverEnv::Write(File("Blank.Dsr"), PageDsr("Blank", "", "\"Blank.dsx\":0000"));
-    DriverEnv::Write(File("Blank.dsx"), PageRecord(""));
-    DriverEnv::Write(File("Bare.Dsr"), PageDsr("Bare", "", ""));
-    DriverEnv::Write(File("Gone.Dsr"), PageDsr("Gone", "Gone.htm", ""));
-    DriverEnv::Write(File("DataEnv1.Dsr"), kDataEnvDsr);
-    DriverEnv::Write(File("DataEnv1.dsx"), std::string("\x10\0\0\0opaque-bytes\xff\x00\x7f!", 20));
+    folder_ = env_.CopyFixture("pages");
     ide_ = ide::Ide::Start(File("Pages.vbp").string());
     dispatcher_ = contracts::HostUtility::Get().GetRegisteredObject(File("Pages.vbp").string());
   }
@@ -120,8 +52,8 @@ class DhtmlPageTest : public ::testing::Test {
     if (ide_) ide_->End();
   }
 
-  fs::path File(const std::string& name) const { return env_.work() / name; }
-  std::string Bytes(const std::string& name) const { return DriverEnv::Read(File(name)); }
+  fs::path File(const std::string& name) const { return folder_ / name; }
+  std::string Bytes(const std::string& name) const { return qxtest::ReadBytes(File(name)); }
 
   ObjectRef Page(const std::string& name) const {
     return Dispatch(dispatcher_).Call("GetDHTMLPage", ObjectRef(), name).ToObject();
@@ -141,6 +73,7 @@ class DhtmlPageTest : public ::testing::Test {
   }
 
   DriverEnv env_;
+  fs::path folder_;
   std::unique_ptr<ide::Ide> ide_;
   ObjectRef dispatcher_;
 };
@@ -162,10 +95,10 @@ TEST_F(DhtmlPageTest, TheHtmlOfAnExternalSourceFileIsReadByItsLinesAndWrittenThr
   SetMode(page, 0);
 
   // A file of LF line ends is one line; an empty one is the empty string.
-  DriverEnv::Write(File("html/Ext.htm"), "a\nb\nc\n");
+  qxtest::WriteBytes(File("html/Ext.htm"), "a\nb\nc\n");
   SetMode(page, 1);
   EXPECT_EQ(Html(page), "a\nb\nc\n");
-  DriverEnv::Write(File("html/Ext.htm"), "");
+  qxtest::WriteBytes(File("html/Ext.htm"), "");
   EXPECT_EQ(Html(page), "");
   SetMode(page, 0);
   EXPECT_EQ(Caught([&] { Html(page); }).Number(), automation::err::kObjectNotSet);
@@ -185,7 +118,7 @@ TEST_F(DhtmlPageTest, ThePageKeptInTheDesignerRoundTripsThroughTheDsx) {
   // The IDE's file of the page lives in the qx home, not beside the project.
   const fs::path file = PageFile("Inner");
   EXPECT_EQ(file.string().rfind(env_.home().string(), 0), 0u) << file;
-  EXPECT_EQ(DriverEnv::Read(file), "<html>\r\n<p>kept</p>\r\n</html>");
+  EXPECT_EQ(qxtest::ReadBytes(file), "<html>\r\n<p>kept</p>\r\n</html>");
 
   // A write goes into the record as the page is taken up again; the .dsr keeps its bytes.
   SetMode(page, 1);
@@ -205,7 +138,7 @@ TEST_F(DhtmlPageTest, ThePageKeptInTheDesignerRoundTripsThroughTheDsx) {
   EXPECT_EQ(Bytes("Blank.dsx"), PageRecord(""));
 
   // The IDE's files go with the IDE; a change still in one is taken in first.
-  DriverEnv::Write(file, "<p>last</p>");
+  qxtest::WriteBytes(file, "<p>last</p>");
   ide_->End();
   ide_.reset();
   EXPECT_FALSE(fs::exists(file));
@@ -272,15 +205,6 @@ TEST_F(DhtmlPageTest, OtherDesignersLoadAndSaveByteForByte) {
   component.Call("SaveAs", component.GetAt("FileNames", int16_t{1}).ToString());
   EXPECT_EQ(Bytes("DataEnv1.Dsr"), dsr);
   EXPECT_EQ(Bytes("DataEnv1.dsx"), dsx);
-}
-
-TEST(DhtmlPageLines, TheLineArrayGrowsByAQuarterPlus64) {
-  std::size_t capacity = 0;
-  const std::size_t expected[] = {64, 144, 244, 369, 525};
-  for (std::size_t next : expected) {
-    capacity = special::GrownLineCapacity(capacity);
-    EXPECT_EQ(capacity, next);
-  }
 }
 
 }  // namespace

@@ -80,6 +80,7 @@ TEST_F(ProceduresTest, TheListFollowsTheModuleUnderEachProceduresName) {
 }
 
 TEST_F(ProceduresTest, WritingBackWhatWasReadLeavesOneEmptyLineBeforeTheProcedure) {
+  std::string expected = Bytes("Code.bas");
   const ObjectRef code = Open("GetModule", "Code");
   const Dispatch alpha = Item(code, "Alpha");
   alpha.Put("Text", alpha.Get("Text"));
@@ -89,7 +90,6 @@ TEST_F(ProceduresTest, WritingBackWhatWasReadLeavesOneEmptyLineBeforeTheProcedur
   const automation::Error e = Caught([&] { alpha.Get("Text"); });
   EXPECT_EQ(e.Number(), automation::err::kObjectNotSet);
   EXPECT_NE(e.Description().find("qxvb60.Procedure.Text.1"), std::string::npos);
-  std::string expected = kCode;
   const std::string blanks = "\r\n\r\n   \r\nSub Alpha";
   expected.replace(expected.find(blanks), blanks.size(), "\r\nSub Alpha");
   EXPECT_EQ(Bytes("Code.bas"), expected);

@@ -92,13 +92,11 @@ TEST_F(ControlsTest, ReadsReachTheLiveControlOnlyOnTheTypesThatHaveTheProperty) 
     const char* property;
     bool reads;
   } cases[] = {
-      {"VB.TextBox", "Caption", false},       {"VB.Label", "Caption", true},
-      {"VB.Menu", "Caption", true},           {"VB.Timer", "Visible", false},
-      {"VB.Timer", "Enabled", true},          {"VB.Menu", "Enabled", true},
-      {"VB.Line", "Enabled", false},          {"VB.Shape", "Enabled", false},
-      {"VB.Menu", "Height", false},           {"VB.Line", "X1", true},
-      {"VB.TextBox", "Object", false},        {"VB.PictureBox", "FontTransparent", true},
-      {"VB.Label", "FontTransparent", false}, {"VB.Data", "FontBold", true},
+      // Which types have which property is the table's (PropertyCatalog compares it with the
+      // IDE's); these show the gate both ways.
+      {"VB.TextBox", "Caption", false}, {"VB.Label", "Caption", true},
+      {"VB.Timer", "Visible", false},   {"VB.Data", "FontBold", true},
+      {"VB.TextBox", "Object", false},
   };
   for (const auto& c : cases) {
     Place(c.progId, "C" + std::to_string(placed_.size()));

@@ -13,10 +13,7 @@
 
 #include "automation/error.h"
 #include "automation/object.h"
-#include "host/host_utility.h"
-#include "host/register.h"
-#include "host/scan/scan_buffer.h"
-#include "support/temp_home.h"
+#include "scan_harness.h"
 
 namespace {
 
@@ -165,7 +162,6 @@ class StandInForm : public automation::Object {
 class ScannerPropertiesTest : public ::testing::Test {
  protected:
   ScannerPropertiesTest() {
-    host::RegisterClasses();
     option = form->Add("Option1(2)");
     option->caption = "In stock";
     option->tag = "stock option";
@@ -173,15 +169,7 @@ class ScannerPropertiesTest : public ::testing::Test {
     list->list = "Stock A\r\nStock B";
     list->tag = "Stock";
   }
-  ~ScannerPropertiesTest() override { utility->RevokeObject(cookie); }
-
-  json Scan(const json& request) {
-    buffer->SetRequest(request.dump());
-    buffer->Clear();
-    Dispatch(automation::CreateObject("qxlib41.Scanner"))
-        .Call("ScanObject", "Inventory", "Forms", "frmMain", true, ObjectRef(form), bufferName);
-    return json::parse(buffer->Results()).at(0);
-  }
+  json Scan(const json& request) { return scan.Scan(request, form, "Forms", "frmMain"); }
 
   static std::vector<std::string> Names(const json& result) {
     std::vector<std::string> names;
@@ -190,11 +178,7 @@ class ScannerPropertiesTest : public ::testing::Test {
     return names;
   }
 
-  qxtest::TempHome home;
-  std::shared_ptr<host::HostUtility> utility = host::HostUtility::Instance();
-  std::shared_ptr<host::scan::ScanBuffer> buffer = std::make_shared<host::scan::ScanBuffer>();
-  const std::string bufferName = "qx-scan-properties-1";
-  int32_t cookie = utility->RegisterObject(bufferName, buffer);
+  qxtest::ScanHarness scan{"qx-scan-properties-1"};
   std::shared_ptr<StandInForm> form = std::make_shared<StandInForm>();
   std::shared_ptr<StandInControl> option;
   std::shared_ptr<StandInControl> list;

@@ -11,11 +11,10 @@
 
 #include "automation/error.h"
 #include "automation/object.h"
-#include "host/host_utility.h"
 #include "host/register.h"
 #include "host/scan/scan_buffer.h"
+#include "scan_harness.h"
 #include "support/errors.h"
-#include "support/temp_home.h"
 
 namespace {
 
@@ -163,7 +162,6 @@ void StandInProcedure::SetText(std::string text) {
 class ScannerTest : public ::testing::Test {
  protected:
   ScannerTest() {
-    host::RegisterClasses();
     module->Add("<declarations>", "Option Explicit\r\nPrivate mTotal As Long");
     module->Add("AddItem", "Public Sub AddItem()\r\n  mTotal = mTotal + 1\r\nEnd Sub");
     module->Add("Total.Get",
@@ -171,18 +169,8 @@ class ScannerTest : public ::testing::Test {
     module->Add("Reset", "Public Sub Reset()\r\n  Debug.Print \"reset\"\r\nEnd Sub");
   }
 
-  ~ScannerTest() override { utility->RevokeObject(cookie); }
-
-  // Scans the module with a request and returns its one result document.
   json Scan(const json& request, bool updatable = true) {
-    buffer->SetRequest(request.dump());
-    buffer->Clear();
-    Dispatch(automation::CreateObject("qxlib41.Scanner"))
-        .Call("ScanObject", "Inventory", "Modules", "Stock", updatable, ObjectRef(module),
-              bufferName);
-    const json results = json::parse(buffer->Results());
-    EXPECT_EQ(results.size(), 1U);
-    return results.at(0);
+    return scan.Scan(request, module, "Modules", "Stock", updatable);
   }
 
   static std::vector<std::string> Names(const json& result) {
@@ -192,11 +180,7 @@ class ScannerTest : public ::testing::Test {
     return names;
   }
 
-  qxtest::TempHome home;
-  std::shared_ptr<host::HostUtility> utility = host::HostUtility::Instance();
-  std::shared_ptr<host::scan::ScanBuffer> buffer = std::make_shared<host::scan::ScanBuffer>();
-  const std::string bufferName = "qx-scan-test-1";
-  int32_t cookie = utility->RegisterObject(bufferName, buffer);
+  qxtest::ScanHarness scan{"qx-scan-test-1"};
   std::shared_ptr<StandInModule> module = std::make_shared<StandInModule>("Stock");
 };
 
@@ -365,23 +349,21 @@ TEST_F(ScannerTest, APlaceThatCannotBeReadIsAProblemAndTheWalkGoesOn) {
 }
 
 TEST_F(ScannerTest, RaisesForAMissingBufferABadRequestOrABadPattern) {
-  auto scan = [&](const std::string& name) {
-    Dispatch(automation::CreateObject("qxlib41.Scanner"))
-        .Call("ScanObject", "Inventory", "Modules", "Stock", true, ObjectRef(module), name);
-  };
-  const automation::Error missing = Caught([&] { scan("qx-scan-none"); });
+  auto call = [&](const std::string& name) { scan.Call(module, "Modules", "Stock", true, name); };
+  const automation::Error missing = Caught([&] { call("qx-scan-none"); });
   EXPECT_EQ(missing.Number(), automation::err::kUserError);
   EXPECT_EQ(missing.Description(), "No scan buffer is registered under the name \"qx-scan-none\".");
 
   for (const char* request :
        {"not json", R"({"patterns": []})", R"({"patterns": ["a"], "case": "upper"})",
         R"({"patterns": ["a"], "write": true})", R"({"patterns": ["a"], "scope": ["forms"]})"}) {
-    buffer->SetRequest(request);
-    EXPECT_EQ(Caught([&] { scan(bufferName); }).Number(), automation::err::kInvalidCall) << request;
+    scan.buffer->SetRequest(request);
+    EXPECT_EQ(Caught([&] { call(scan.bufferName()); }).Number(), automation::err::kInvalidCall)
+        << request;
   }
-  buffer->SetRequest(R"({"patterns": ["(a"]})");
-  EXPECT_EQ(Caught([&] { scan(bufferName); }).Number(), 93);
-  EXPECT_EQ(buffer->ResultCount(), 0);
+  scan.buffer->SetRequest(R"({"patterns": ["(a"]})");
+  EXPECT_EQ(Caught([&] { call(scan.bufferName()); }).Number(), 93);
+  EXPECT_EQ(scan.buffer->ResultCount(), 0);
 }
 
 TEST(ScanBufferTest, KeepsResultsInOrderAsOneArray) {

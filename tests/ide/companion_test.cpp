@@ -14,6 +14,7 @@
 #include "automation/error.h"
 #include "ide/form/companion.h"
 #include "ide/model/component_file.h"
+#include "support/bytes.h"
 #include "support/errors.h"
 
 namespace {
@@ -32,13 +33,8 @@ std::string Bytes(std::initializer_list<int> values) {
   return bytes;
 }
 
-std::string U16(uint32_t value) {
-  return Bytes({int(value & 0xFF), int(value >> 8 & 0xFF)});
-}
-
-std::string U32(uint32_t value) {
-  return U16(value & 0xFFFF) + U16(value >> 16);
-}
+using qxtest::Le16;
+using qxtest::Le32;
 
 // A record written, then read back from a file that holds it after some other bytes.
 CompanionRecord RoundTrip(const CompanionRecord& record) {
@@ -78,17 +74,17 @@ TEST(CompanionRecord, EachKindRoundTripsWithVb6sLayout) {
   EXPECT_EQ(RoundTrip(record).Content(), "");
   const std::string icon = Bytes({0, 0, 1, 0, 1, 0}) + std::string(40, '\x7f');
   record = CompanionRecord::Picture(icon);
-  EXPECT_EQ(record.Bytes(), U32(46 + 8) + "lt" + Bytes({0, 0}) + U32(46) + icon);
+  EXPECT_EQ(record.Bytes(), Le32(46 + 8) + "lt" + Bytes({0, 0}) + Le32(46) + icon);
   EXPECT_EQ(RoundTrip(record).Content(), icon);
 
   record = CompanionRecord::PropertyPages({"List", "StandardFont"});
   EXPECT_EQ(record.Bytes(),
-            U32(2) + U16(5) + "List" + Bytes({0}) + U16(13) + "StandardFont" + Bytes({0}));
+            Le32(2) + Le16(5) + "List" + Bytes({0}) + Le16(13) + "StandardFont" + Bytes({0}));
   EXPECT_THAT(RoundTrip(record).Items(), testing::ElementsAre("List", "StandardFont"));
 
   const std::string blob("\x00{GUID}\xff", 8);
   record = CompanionRecord::SizedBlob(blob);
-  EXPECT_EQ(record.Bytes(), U32(8) + blob);
+  EXPECT_EQ(record.Bytes(), Le32(8) + blob);
   EXPECT_EQ(RoundTrip(record).Content(), blob);
   EXPECT_EQ(RoundTrip(record).Bytes(), record.Bytes());
 
@@ -101,16 +97,16 @@ TEST(CompanionRecord, EachKindRoundTripsWithVb6sLayout) {
 TEST(CompanionRecord, ListsWriteTheirWidthAsVb6Does) {
   // ItemData as VB6 writes it for a three-item list.
   auto itemData = CompanionRecord::List({"0", "1", "2"});
-  EXPECT_EQ(itemData.Bytes(), U16(3) + U16(3) + U16(1) + "0" + U16(1) + "1" + U16(1) + "2");
-  EXPECT_EQ(CompanionRecord::List({}).Bytes(), U16(0));
+  EXPECT_EQ(itemData.Bytes(), Le16(3) + Le16(3) + Le16(1) + "0" + Le16(1) + "1" + Le16(1) + "2");
+  EXPECT_EQ(CompanionRecord::List({}).Bytes(), Le16(0));
   EXPECT_TRUE(RoundTrip(CompanionRecord::List({})).Items().empty());
 
   auto list = CompanionRecord::List({"Red", "", "Dark green"});
-  EXPECT_EQ(list.Bytes(), U16(3) + U16(10) + U16(3) + "Red" + U16(0) + U16(10) + "Dark green");
+  EXPECT_EQ(list.Bytes(), Le16(3) + Le16(10) + Le16(3) + "Red" + Le16(0) + Le16(10) + "Dark green");
   EXPECT_THAT(RoundTrip(list).Items(), testing::ElementsAre("Red", "", "Dark green"));
 
   // A width that VB6 would not write is read all the same: the items say their own lengths.
-  CompanionFile odd("Form1.frx", U16(1) + U16(0) + U16(2) + "ab", {0});
+  CompanionFile odd("Form1.frx", Le16(1) + Le16(0) + Le16(2) + "ab", {0});
   EXPECT_THAT(odd.Read(0, Kind::kList).Items(), testing::ElementsAre("ab"));
 }
 
@@ -129,7 +125,7 @@ TEST(CompanionRecord, ShortTextLengthFormsAtTheirBoundaries) {
   const auto tooLong = qxtest::Caught([&] { text(65535); });
   EXPECT_EQ(tooLong.Number(), automation::err::kInvalidPropertyValue);
   EXPECT_THAT(tooLong.Description(), HasSubstr("65535"));
-  EXPECT_EQ(ReadError(Bytes({0xFF, 0xFF, 0xFF}) + U32(3) + "abc", 0, Kind::kText).Number(),
+  EXPECT_EQ(ReadError(Bytes({0xFF, 0xFF, 0xFF}) + Le32(3) + "abc", 0, Kind::kText).Number(),
             automation::err::kInvalidFileFormat);
   // A short length in the long form is read as it says.
   CompanionFile longForm("Form1.frx", Bytes({0xFF, 3, 0}) + "abc", {0});
@@ -162,18 +158,18 @@ TEST(CompanionFile, BrokenRecordsAreRefusedWithTheFileAndOffset) {
       {"", Kind::kText, "lies past the end of the file (0 bytes)"},
       {Bytes({0xFF, 0x01}), Kind::kText, "cut short"},
       {Bytes({0x40, 0, 0}), Kind::kLongString, "cut short"},
-      {U32(10) + "abc", Kind::kLongString, "says it holds 10 bytes"},
-      {U32(0xFFFFFFFF), Kind::kSizedBlob, "says it holds 4294967295 bytes"},
-      {U16(5), Kind::kList, "cut short"},
-      {U16(0xFFFF) + U16(3) + U16(1) + "a", Kind::kList, "65535 items, which do not fit"},
-      {U16(2) + U16(3) + U16(1) + "a" + U16(9) + "abc", Kind::kList, "item (number 2)"},
-      {U32(0x40000000) + U16(2), Kind::kPropertyPages, "which do not fit"},
-      {U32(1) + U16(4) + "List", Kind::kPropertyPages, "without its terminating NUL"},
-      {U32(1) + U16(0), Kind::kPropertyPages, "without its terminating NUL"},
-      {U32(12) + "BM" + Bytes({0, 0}) + U32(4) + "abcd", Kind::kPicture, "no \"lt\" mark"},
-      {U32(4) + "lt" + Bytes({0, 0}), Kind::kPicture, "no \"lt\" mark"},
-      {U32(12) + "lt" + Bytes({0, 0}) + U32(9) + "abcd", Kind::kPicture, "sizes that disagree"},
-      {U32(30) + "lt" + Bytes({0, 0}) + U32(22), Kind::kPicture, "says it holds 30 bytes"},
+      {Le32(10) + "abc", Kind::kLongString, "says it holds 10 bytes"},
+      {Le32(0xFFFFFFFF), Kind::kSizedBlob, "says it holds 4294967295 bytes"},
+      {Le16(5), Kind::kList, "cut short"},
+      {Le16(0xFFFF) + Le16(3) + Le16(1) + "a", Kind::kList, "65535 items, which do not fit"},
+      {Le16(2) + Le16(3) + Le16(1) + "a" + Le16(9) + "abc", Kind::kList, "item (number 2)"},
+      {Le32(0x40000000) + Le16(2), Kind::kPropertyPages, "which do not fit"},
+      {Le32(1) + Le16(4) + "List", Kind::kPropertyPages, "without its terminating NUL"},
+      {Le32(1) + Le16(0), Kind::kPropertyPages, "without its terminating NUL"},
+      {Le32(12) + "BM" + Bytes({0, 0}) + Le32(4) + "abcd", Kind::kPicture, "no \"lt\" mark"},
+      {Le32(4) + "lt" + Bytes({0, 0}), Kind::kPicture, "no \"lt\" mark"},
+      {Le32(12) + "lt" + Bytes({0, 0}) + Le32(9) + "abcd", Kind::kPicture, "sizes that disagree"},
+      {Le32(30) + "lt" + Bytes({0, 0}) + Le32(22), Kind::kPicture, "says it holds 30 bytes"},
   };
   for (const Case& c : cases) {
     const auto e = ReadError(c.bytes, 0, c.kind);

@@ -3,12 +3,11 @@
 // the home: what is there is the home's private state.)
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <string>
 
 #include "ide/model/component_file.h"
+#include "support/bytes.h"
 #include "support/temp_home.h"
 
 namespace idetest {
@@ -29,15 +28,8 @@ class FixtureCopy {
   std::filesystem::path dir_;
 };
 
-inline std::string ReadBytes(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-inline void WriteBytes(const std::filesystem::path& path, const std::string& bytes) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out << bytes;
-}
+using qxtest::ReadBytes;
+using qxtest::WriteBytes;
 
 // Every file under a folder with its bytes, by path relative to the folder.
 inline std::map<std::string, std::string> Snapshot(const std::filesystem::path& dir) {

@@ -18,6 +18,7 @@
 #include "platform/codepage.h"
 #include "platform/files.h"
 #include "support/errors.h"
+#include "support/fault_hook.h"
 
 namespace {
 
@@ -114,12 +115,7 @@ TEST(HostileFiles, FifosAndDevicesAreErrorsOfTheirComponent) {
 }
 
 // Removes the fault hook when the test ends, also when it fails.
-struct FaultHook {
-  explicit FaultHook(std::function<int(platform::WriteStep)> hook) {
-    platform::SetWriteFaultHook(std::move(hook));
-  }
-  ~FaultHook() { platform::SetWriteFaultHook({}); }
-};
+using qxtest::FaultHook;
 
 TEST(HostileFiles, AChangeMadeWhileTheSaveIsWrittenIsNotOverwritten) {
   qxtest::TempDir dir;

@@ -7,17 +7,14 @@
 
 #include <string>
 
+#include "support/bytes.h"
+
 namespace {
 
 using ide::form::ReplacePageText;
 using ide::form::SplitPageDocument;
 
-std::string Le32(uint32_t value) {
-  std::string bytes(4, '\0');
-  for (int i = 0; i < 4; ++i)
-    bytes[i] = static_cast<char>((value >> (8 * i)) & 0xFF);
-  return bytes;
-}
+using qxtest::Le32;
 
 TEST(PageDocument, ThePageIsTheTextBeforeTheNulBackToTheHeadersLastBinaryByte) {
   // The header ends with a length whose high bytes are zero, however printable its low byte.

@@ -18,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 using qxtest::IdeProcesses;
 using qxtest::JsonLines;
-using qxtest::ReadAll;
+using qxtest::ReadBytes;
 
 size_t Count(const std::string& text, const std::string& word) {
   size_t count = 0;
@@ -56,7 +56,7 @@ TEST_F(Estate, AFolderRunSearchesEveryProjectAnIdeCouldOpenAndNamesEachProblemsP
   // If, ...) is only code; every code page fixture has some.
   size_t expected = 0;
   for (const fs::path& file : Loadable())
-    expected += Count(ReadAll(file), "End ");
+    expected += Count(ReadBytes(file), "End ");
   ASSERT_GE(expected, 18u);
 
   const auto run = Qx({"search", "--json", "-F", "End ", "estate"}, work().string());
@@ -88,7 +88,7 @@ TEST_F(Estate, AFolderRunSearchesEveryProjectAnIdeCouldOpenAndNamesEachProblemsP
   EXPECT_EQ(summary["data"]["projects"]["with_notes"], 4);
   EXPECT_EQ(summary["data"]["projects"]["components_skipped"], 4);
   // The registry is the user's: the run's view of it is never written there.
-  EXPECT_EQ(Count(ReadAll(home() / "registry.reg"), "6C3A0C1E"), 0u);
+  EXPECT_EQ(Count(ReadBytes(home() / "registry.reg"), "6C3A0C1E"), 0u);
 
   // As text, each problem begins with its project; missing libraries do not change the status.
   const auto orders = Qx({"search", "-F", "Then", "estate/Orders"}, work().string());
@@ -119,7 +119,7 @@ TEST_F(Estate, AFolderRunSearchesEveryProjectAnIdeCouldOpenAndNamesEachProblemsP
 
 TEST_F(Estate, AProjectWithAMissingFileIsWrittenWhereItCanBeAndItsProjectFileKeepsTheLine) {
   const fs::path gaps = root_ / "Gaps";
-  const std::string vbp = ReadAll(gaps / "Gaps.vbp");
+  const std::string vbp = ReadBytes(gaps / "Gaps.vbp");
   const auto preview = Qx({"replace", "txtName", "txtFullName", "estate/Gaps"}, work().string());
   EXPECT_EQ(preview.status, 2);
   const auto write =
@@ -130,8 +130,8 @@ TEST_F(Estate, AProjectWithAMissingFileIsWrittenWhereItCanBeAndItsProjectFileKee
                            "found: estate/Shared/modShared.bas"),
             std::string::npos)
       << write.err;
-  EXPECT_EQ(Count(ReadAll(gaps / "frmMain.frm"), "txtFullName"), 3u);
-  EXPECT_EQ(ReadAll(gaps / "Gaps.vbp"), vbp);
+  EXPECT_EQ(Count(ReadBytes(gaps / "frmMain.frm"), "txtFullName"), 3u);
+  EXPECT_EQ(ReadBytes(gaps / "Gaps.vbp"), vbp);
 }
 
 // A place the driver refuses is never sent again by --write, so its file keeps every byte there
@@ -139,7 +139,7 @@ TEST_F(Estate, AProjectWithAMissingFileIsWrittenWhereItCanBeAndItsProjectFileKee
 // showed, and the refusal is said with its message.
 TEST_F(Estate, ARefusedPlaceKeepsItsBytesAndTheWriteIsThePreview) {
   const fs::path module = root_ / "Orders" / "modOrders.bas";
-  const std::string before = ReadAll(module);
+  const std::string before = ReadBytes(module);
   const std::vector<std::string> args{
       "-e", "^Public Sub ClearOrders\\(\\)", "-e", "Price\\b", "", "estate/Orders"};
   std::vector<std::string> shown{"replace"}, written{"replace", "--write"};
@@ -147,7 +147,7 @@ TEST_F(Estate, ARefusedPlaceKeepsItsBytesAndTheWriteIsThePreview) {
   written.insert(written.end(), args.begin(), args.end());
   const auto preview = Qx(shown, work().string());
   EXPECT_EQ(preview.status, 2);
-  EXPECT_EQ(ReadAll(module), before);
+  EXPECT_EQ(ReadBytes(module), before);
   const auto write = Qx(written, work().string());
   EXPECT_EQ(write.status, 2);
   EXPECT_NE(write.err.find("modOrders.ClearOrders: error 5000: This replacement would have "
@@ -157,7 +157,7 @@ TEST_F(Estate, ARefusedPlaceKeepsItsBytesAndTheWriteIsThePreview) {
   std::string expected = before;
   for (size_t at = expected.find("Price"); at != std::string::npos; at = expected.find("Price"))
     expected.erase(at, 5);
-  EXPECT_EQ(ReadAll(module), expected);
+  EXPECT_EQ(ReadBytes(module), expected);
   const auto diff = [](const std::string& out) {
     return out.substr(0, out.rfind('\n', out.size() - 2) + 1);
   };

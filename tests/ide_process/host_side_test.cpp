@@ -119,7 +119,7 @@ TEST_F(HostSide, DeactivateRaisesAnyOtherErrorAgainWithAnEmptySource) {
   // down and has no IDE project any more.
   std::ofstream(vbp_, std::ios::app) << "VersionComments=\"changed\"\r\n";
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  while (qxtest::ReadAll(home() / "qxvb6.log").find("reopened") == std::string::npos &&
+  while (qxtest::ReadBytes(home() / "qxvb6.log").find("reopened") == std::string::npos &&
          std::chrono::steady_clock::now() < deadline) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }

@@ -146,7 +146,7 @@ TEST_F(IdeProcesses, WithNoIdlePeriodTheIdeEndsWhenTheLastHostLetsGo) {
   const long pid = PidIn(Qx({"ide", "start", vbp_}).out);
   ASSERT_GT(pid, 0);
   EXPECT_TRUE(WaitGone(pid, std::chrono::seconds(10)));
-  const std::string log = qxtest::ReadAll(home() / "qxvb6.log");
+  const std::string log = qxtest::ReadBytes(home() / "qxvb6.log");
   EXPECT_NE(log.find("qxvb6[" + std::to_string(pid) + "] ending: idle"), std::string::npos) << log;
 }
 
@@ -322,15 +322,15 @@ TEST_F(IdeProcesses, TheIdeIsTheOneBesideTheQxThatRuns) {
   const long pid = PidIn(installed.out);
   ASSERT_GT(pid, 0) << installed.err;
   EXPECT_EQ(fs::read_symlink("/proc/" + std::to_string(pid) + "/exe"), bin / "qxvb6.exe");
-  EXPECT_NE(qxtest::ReadAll(home() / "registry.reg").find("prefix\\\\bin\\\\qxvb6.exe"),
+  EXPECT_NE(qxtest::ReadBytes(home() / "registry.reg").find("prefix\\\\bin\\\\qxvb6.exe"),
             std::string::npos);
   ASSERT_EQ(Qx({"ide", "stop", "--all"}).status, 0);
 
   // The build's qx takes the command back; a command the user wrote stays.
   ASSERT_GT(PidIn(Qx({"ide", "start", vbp_}).out), 0);
-  EXPECT_EQ(qxtest::ReadAll(home() / "registry.reg").find("prefix\\\\bin"), std::string::npos);
+  EXPECT_EQ(qxtest::ReadBytes(home() / "registry.reg").find("prefix\\\\bin"), std::string::npos);
   ASSERT_EQ(Qx({"ide", "stop", "--all"}).status, 0);
-  std::string registry = qxtest::ReadAll(home() / "registry.reg");
+  std::string registry = qxtest::ReadBytes(home() / "registry.reg");
   const size_t open =
       registry.find("[HKEY_CLASSES_ROOT\\VisualBasic.Project\\shell\\open\\command]");
   ASSERT_NE(open, std::string::npos) << registry;

@@ -24,6 +24,7 @@
 #include <thread>
 #include <vector>
 
+#include "support/bytes.h"
 #include "support/child_processes.h"
 #include "support/json_lines.h"
 #include "support/temp_home.h"
@@ -35,11 +36,6 @@ struct RunResult {
   std::string out;
   std::string err;
 };
-
-inline std::string ReadAll(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 // Gone: no such process, or one that ended and waits to be reaped.
 inline bool ProcessGone(long pid) {
@@ -130,8 +126,8 @@ class IdeProcesses : public ::testing::Test {
     const std::string n = runOf_[pid];
     RunResult result;
     result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    result.out = ReadAll(work_.path() / ("out" + n));
-    result.err = ReadAll(work_.path() / ("err" + n));
+    result.out = ReadBytes(work_.path() / ("out" + n));
+    result.err = ReadBytes(work_.path() / ("err" + n));
     return result;
   }
 

@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using qxtest::IdeProcesses;
-using qxtest::ReadAll;
+using qxtest::ReadBytes;
 
 // Every occurrence of `from` in the text replaced by `to`.
 std::string Replaced(std::string text, const std::string& from, const std::string& to) {
@@ -48,7 +48,7 @@ class ScanFixture : public IdeProcesses {
     fs::copy(fs::path(QX_FIXTURES) / "ide" / "scan", folder_, fs::copy_options::recursive);
   }
 
-  std::string File(const std::string& name) const { return ReadAll(folder_ / name); }
+  std::string File(const std::string& name) const { return ReadBytes(folder_ / name); }
 
   // What a replace or rename printed before its summary line.
   static std::string Diff(const std::string& out) {

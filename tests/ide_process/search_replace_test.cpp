@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using qxtest::IdeProcesses;
-using qxtest::ReadAll;
+using qxtest::ReadBytes;
 
 // The verb with the rest of its arguments, narrowed to the kinds whose components qx can open.
 std::vector<std::string> InCode(const std::string& verb, const std::vector<std::string>& rest) {
@@ -29,7 +29,7 @@ std::map<std::string, std::string> Snapshot(const fs::path& folder) {
   std::map<std::string, std::string> files;
   for (const auto& entry : fs::recursive_directory_iterator(folder)) {
     if (entry.is_regular_file()) {
-      files[fs::relative(entry.path(), folder).string()] = ReadAll(entry.path());
+      files[fs::relative(entry.path(), folder).string()] = ReadBytes(entry.path());
     }
   }
   return files;
@@ -44,8 +44,8 @@ size_t Count(const std::string& text, const std::string& word) {
 
 TEST_F(IdeProcesses, SearchFindsWhatACountOfTheFilesFindsAndEndsTheIdeItStarted) {
   const fs::path folder = work() / "Inventory";
-  const size_t expected = Count(ReadAll(folder / "CStockItem.cls"), "oldValue") +
-                          Count(ReadAll(folder / "modGlobals.bas"), "oldValue");
+  const size_t expected = Count(ReadBytes(folder / "CStockItem.cls"), "oldValue") +
+                          Count(ReadBytes(folder / "modGlobals.bas"), "oldValue");
   ASSERT_GT(expected, 0u);
 
   const auto count = Qx(InCode("search", {"--json", "oldValue", vbp_}));
@@ -175,12 +175,12 @@ TEST_F(IdeProcesses, ARenamedModulesProjectFileLineIsInThePreview) {
             std::string::npos)
       << preview.out;
   EXPECT_NE(preview.out.find("2 files"), std::string::npos) << preview.out;
-  const std::string vbp = ReadAll(folder / "Inventory.vbp");
+  const std::string vbp = ReadBytes(folder / "Inventory.vbp");
   const auto write = Qx({"replace", "--write", "--in", "names", "^modGlobals$", "modShared", vbp_});
   ASSERT_EQ(write.status, 0) << write.err;
-  EXPECT_EQ(ReadAll(folder / "Inventory.vbp"), vbp.substr(0, vbp.find("Module=modGlobals")) +
-                                                   "Module=modShared" +
-                                                   vbp.substr(vbp.find("Module=modGlobals") + 17));
+  EXPECT_EQ(ReadBytes(folder / "Inventory.vbp"),
+            vbp.substr(0, vbp.find("Module=modGlobals")) + "Module=modShared" +
+                vbp.substr(vbp.find("Module=modGlobals") + 17));
 }
 
 // Nothing is skipped without a word: a read-only component asked to change is an error naming
@@ -191,7 +191,7 @@ TEST_F(IdeProcesses, ReadOnlyAndUnreadableComponentsAreErrorsNamingThem) {
   const fs::path module = folder / "modGlobals.bas";
   fs::permissions(module, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
                   fs::perm_options::remove);
-  const std::string before = ReadAll(module);
+  const std::string before = ReadBytes(module);
   for (const bool write : {false, true}) {
     std::vector<std::string> args{"replace", "--kind", "Modules", "MAX_QUANTITY", "MAX_QTY", vbp_};
     if (write) args.insert(args.begin() + 1, "--write");
@@ -200,12 +200,12 @@ TEST_F(IdeProcesses, ReadOnlyAndUnreadableComponentsAreErrorsNamingThem) {
     EXPECT_NE(run.err.find("modGlobals.bas:"), std::string::npos) << run.err;
     EXPECT_NE(run.err.find("error 75: The component's file is read-only"), std::string::npos)
         << run.err;
-    EXPECT_EQ(ReadAll(module), before);
+    EXPECT_EQ(ReadBytes(module), before);
   }
 
   const fs::path table = folder / "Table.frm";
   std::ofstream(table, std::ios::binary) << std::string("\xFE\x01\x00\x00Customers\x00", 14);
-  std::string vbp = ReadAll(folder / "Inventory.vbp");
+  std::string vbp = ReadBytes(folder / "Inventory.vbp");
   vbp.insert(vbp.find("Form=mdiMain.frm"), "Form=Table.frm\r\n");
   std::ofstream(folder / "Inventory.vbp", std::ios::binary) << vbp;
   const auto run = Qx({"search", "-c", "MAX_QUANTITY", vbp_});
@@ -221,7 +221,7 @@ TEST_F(IdeProcesses, ReadOnlyAndUnreadableComponentsAreErrorsNamingThem) {
 TEST_F(IdeProcesses, AWarmIdeKeepsNothingOfAFailedWriteAndFollowsItsProjectFile) {
   ::setenv("QX_IDE_IDLE_SECONDS", "5", 1);
   const fs::path folder = work() / "Inventory";
-  const std::string cls = ReadAll(folder / "CStockItem.cls");
+  const std::string cls = ReadBytes(folder / "CStockItem.cls");
   const auto start = Qx({"ide", "start", vbp_});
   ASSERT_EQ(start.status, 0) << start.err;
   const long pid = PidIn(start.out);
@@ -229,7 +229,7 @@ TEST_F(IdeProcesses, AWarmIdeKeepsNothingOfAFailedWriteAndFollowsItsProjectFile)
   // Windows-1252, the project's code page, has no Chinese.
   const auto failed = Qx(InCode("replace", {"--write", "oldValue", "\xE6\x97\xA7", vbp_}));
   EXPECT_EQ(failed.status, 2) << failed.out << failed.err;
-  EXPECT_EQ(ReadAll(folder / "CStockItem.cls"), cls);
+  EXPECT_EQ(ReadBytes(folder / "CStockItem.cls"), cls);
   const auto search = Qx(InCode("search", {"-c", "oldValue", vbp_}));
   EXPECT_NE(search.out.find("CStockItem.cls:3\n"), std::string::npos) << search.out << search.err;
   const auto write = Qx(InCode("replace", {"--write", "NewDescription", "NewText", vbp_}));
@@ -239,10 +239,10 @@ TEST_F(IdeProcesses, AWarmIdeKeepsNothingOfAFailedWriteAndFollowsItsProjectFile)
        at = expected.find("NewDescription", at)) {
     expected.replace(at, 14, "NewText");
   }
-  EXPECT_EQ(ReadAll(folder / "CStockItem.cls"), expected);
+  EXPECT_EQ(ReadBytes(folder / "CStockItem.cls"), expected);
 
   // The class leaves the project: the next run no longer finds it.
-  std::string project = ReadAll(folder / "Inventory.vbp");
+  std::string project = ReadBytes(folder / "Inventory.vbp");
   project.erase(project.find("Class=CStockItem; CStockItem.cls\r\n"), 34);
   std::ofstream(folder / "Inventory.vbp", std::ios::binary) << project;
   const auto after = Qx(InCode("search", {"-l", "NewText", vbp_}));
@@ -259,7 +259,7 @@ TEST_F(IdeProcesses, AWarmIdeKeepsNothingOfAFailedWriteAndFollowsItsProjectFile)
 // string inside a comment is comment, and a name that only starts like the word is code.
 TEST_F(IdeProcesses, CodePartsAreSearchedAndReplacedOnTheirOwn) {
   const fs::path cls = work() / "Inventory" / "CStockItem.cls";
-  const std::string before = ReadAll(cls);
+  const std::string before = ReadBytes(cls);
   const auto count = [&](const std::string& part) {
     const auto run =
         Qx({"search", "-c", "-i", "--kind", "ClassModules", "--in", part, "quantity", vbp_});
@@ -277,7 +277,7 @@ TEST_F(IdeProcesses, CodePartsAreSearchedAndReplacedOnTheirOwn) {
   std::string expected = before;
   const std::string was = "\"Quantity out of range\"";
   expected.replace(expected.find(was), was.size(), "\"Amount out of range\"");
-  EXPECT_EQ(ReadAll(cls), expected);
+  EXPECT_EQ(ReadBytes(cls), expected);
 }
 
 // replace --json gives each match its replacement and its place; --only PLACES then writes those
@@ -303,16 +303,16 @@ TEST_F(IdeProcesses, ReplaceJsonNamesPlacesThatOnlyThenWrites) {
   }
   EXPECT_TRUE(seen) << json.out;
 
-  const std::string before = ReadAll(cls);
+  const std::string before = ReadBytes(cls);
   const auto wrong = replace({"--write", "--only", "CStockItem/procedure/Nowhere"});
   EXPECT_EQ(wrong.status, 2);
   EXPECT_NE(wrong.err.find("CStockItem/procedure/Nowhere"), std::string::npos) << wrong.err;
-  EXPECT_EQ(ReadAll(cls), before);
+  EXPECT_EQ(ReadBytes(cls), before);
 
   const auto only = replace({"--write", "--only", "CStockItem/procedure/Value.Let"});
   ASSERT_EQ(only.status, 0) << only.err;
   EXPECT_NE(only.out.find("5 replacements in 1 file; written"), std::string::npos) << only.out;
-  const std::string after = ReadAll(cls);
+  const std::string after = ReadBytes(cls);
   EXPECT_NE(after.find("    mAmount = NewValue\r\n"), std::string::npos);
   EXPECT_NE(after.find("Private mQuantity As Long"), std::string::npos) << "not an --only place";
 }
@@ -321,21 +321,21 @@ TEST_F(IdeProcesses, ReplaceJsonNamesPlacesThatOnlyThenWrites) {
 // for the rest of the file; the end of the answers is q, and then nothing is written.
 TEST_F(IdeProcesses, InteractiveReplaceWritesOnlyThePlacesAccepted) {
   const fs::path cls = work() / "Inventory" / "CStockItem.cls";
-  const std::string before = ReadAll(cls);
+  const std::string before = ReadBytes(cls);
   const std::vector<std::string> args{"replace", "--interactive", "--kind", "ClassModules",
                                       "-i",      "quantity",      "Amount", vbp_};
 
   const auto none = QxAnswering("", args);
   EXPECT_EQ(none.status, 1) << none.err;
   EXPECT_NE(none.out.find("Replace here [y,n,a,d,q,?]? "), std::string::npos) << none.out;
-  EXPECT_EQ(ReadAll(cls), before);
+  EXPECT_EQ(ReadBytes(cls), before);
 
   const auto some = QxAnswering("n\n?\ny\nd\n", args);
   ASSERT_EQ(some.status, 0) << some.err;
   EXPECT_NE(some.out.find(cls.string() + ": CStockItem.Value.Get\n@@ "), std::string::npos);
   EXPECT_NE(some.out.find("d - leave this place and every later place"), std::string::npos);
   EXPECT_NE(some.out.find("2 replacements in 1 file; written"), std::string::npos) << some.out;
-  const std::string after = ReadAll(cls);
+  const std::string after = ReadBytes(cls);
   EXPECT_NE(after.find("    Value = mAmount\r\n"), std::string::npos) << "accepted";
   EXPECT_NE(after.find("Private mQuantity As Long"), std::string::npos) << "declined";
   EXPECT_NE(after.find("    mQuantity = NewValue"), std::string::npos) << "d: the rest declined";

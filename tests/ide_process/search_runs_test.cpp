@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 using qxtest::ChildProcesses;
 using qxtest::IdeProcesses;
 using qxtest::JsonLines;
-using qxtest::ReadAll;
+using qxtest::ReadBytes;
 
 // What the IDE processes left in the run folder of the qx home.
 std::vector<std::string> RunFolder(const fs::path& home) {
@@ -94,14 +94,14 @@ TEST_F(SearchRuns, AFolderOfProjectsKeepsFewIdesAliveAndLeavesOnlyTheWarmOnes) {
   // One IDE per project that had a component left to search (the second project of the shared
   // module has none), each started while at most two (the warm ones) were alive; the last two
   // are left running, and end when told.
-  std::istringstream starts(ReadAll(log));
+  std::istringstream starts(ReadBytes(log));
   size_t ides = 0;
   std::vector<long> pids;
   for (long pid = 0, alive = 0; starts >> pid >> alive; ++ides) {
     EXPECT_LE(alive, 2) << "IDE " << pid << " started while more than two were alive";
     pids.push_back(pid);
   }
-  EXPECT_EQ(ides, 6u) << ReadAll(log);
+  EXPECT_EQ(ides, 6u) << ReadBytes(log);
   EXPECT_EQ(JsonLines(run.out).back()["data"]["ides_kept"], 2) << run.out;
   const auto list = Qx({"ide", "list"});
   EXPECT_EQ(std::count(list.out.begin(), list.out.end(), '\n'), 2) << list.out;
@@ -183,13 +183,13 @@ TEST_F(SearchRuns, AReaderThatHasGoneStopsTheRun) {
   ASSERT_TRUE(WIFEXITED(status));
   EXPECT_EQ(WEXITSTATUS(status), 0) << "it had matched";
 
-  std::istringstream starts(ReadAll(log));
+  std::istringstream starts(ReadBytes(log));
   size_t ides = 0;
   for (long pid = 0, alive = 0; starts >> pid >> alive; ++ides)
     EXPECT_TRUE(qxtest::ProcessGone(pid)) << "IDE " << pid << " outlived the run";
   EXPECT_LT(ides, 20u) << "the run went on after its reader had gone";
   EXPECT_EQ(RunFolder(home()), std::vector<std::string>{}) << "left in the run folder";
-  EXPECT_EQ(ReadAll(errors), "");
+  EXPECT_EQ(ReadBytes(errors), "");
 }
 
 TEST_F(SearchRuns, EveryKindIsSearchedAndBeginSaysTheCodePage) {

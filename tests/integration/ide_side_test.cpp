@@ -174,7 +174,7 @@ TEST_F(IdeSide, TheAddInRegistersEachSavedProjectInOrderUnderItsFileUntilItIsRem
 
   // The table keeps its order and removes every entry of a path in any case.
   for (const char* name : {"A", "B", "C", "D"})
-    DriverEnv::Write(env_.work() / (std::string(name) + ".vbp"), "Type=Exe\r\n");
+    qxtest::WriteBytes(env_.work() / (std::string(name) + ".vbp"), "Type=Exe\r\n");
   const auto path = [&](const char* name) { return (env_.work() / name).string(); };
   OpenInIde(path("A.vbp"));
   OpenInIde(path("B.vbp"));
@@ -241,15 +241,15 @@ TEST_F(IdeSide, AnotherIdeVersionAndFailingHandlersChangeNothingAndAreLogged) {
 
 TEST_F(IdeSide, TheDispatcherListsEveryKindFromTheIde) {
   // A third designer of neither special kind.
-  std::string dsr = DriverEnv::Read(folder_ / "DHTMLPage1.Dsr");
+  std::string dsr = qxtest::ReadBytes(folder_ / "DHTMLPage1.Dsr");
   dsr.replace(dsr.find("{90290CCD-F27D-11D0-8031-00C04FB6C701} DHTMLPage1"), 50,
               "{C0E45035-5775-11D0-B388-00A0C9055D8E} DataEnv1");
   dsr.replace(dsr.find("\"DHTMLPage1\"\r\nAttribute"), 12, "\"DataEnv1\"");
-  DriverEnv::Write(folder_ / "DataEnv1.Dsr", dsr);
+  qxtest::WriteBytes(folder_ / "DataEnv1.Dsr", dsr);
   Stamp(folder_ / "DataEnv1.Dsr");
-  std::string vbpText = DriverEnv::Read(vbp_);
+  std::string vbpText = qxtest::ReadBytes(vbp_);
   vbpText.insert(vbpText.find("Startup="), "Designer=DataEnv1.Dsr\r\n");
-  DriverEnv::Write(vbp_, vbpText);
+  qxtest::WriteBytes(vbp_, vbpText);
   ::chmod((folder_ / "UserControl1.ctl").c_str(), 0444);
 
   StartIde();

@@ -17,6 +17,7 @@
 
 #include "platform/files.h"
 #include "support/errors.h"
+#include "support/fault_hook.h"
 #include "support/temp_home.h"
 #include "test_files.h"
 
@@ -30,12 +31,7 @@ using qxtest::Caught;
 using qxtest::ErrorOf;
 
 // Removes the fault hook when the test ends, also when it fails.
-struct FaultHook {
-  explicit FaultHook(std::function<int(WriteStep)> hook) {
-    platform::SetWriteFaultHook(std::move(hook));
-  }
-  ~FaultHook() { platform::SetWriteFaultHook({}); }
-};
+using qxtest::FaultHook;
 
 TEST(FileSafety, OnlyRegularFilesAreRead) {
   qxtest::TempDir dir;

@@ -29,8 +29,8 @@ class Activate : public ::testing::Test {
  protected:
   Activate() {
     vbp_ = (env_.work() / "P.vbp").string();
-    DriverEnv::Write(vbp_, "Type=Exe\r\n");
-    DriverEnv::Write(env_.work() / "P.vbw", "Form1 = 1, 2, 3, 4, \r\n");
+    qxtest::WriteBytes(vbp_, "Type=Exe\r\n");
+    qxtest::WriteBytes(env_.work() / "P.vbw", "Form1 = 1, 2, 3, 4, \r\n");
     project_ = contracts::IDriver(driver_).GetProject("P", 0, "FileName=\"" + vbp_ + "\"");
   }
 
@@ -55,7 +55,7 @@ TEST_F(Activate, NoOpenCommandAndNoExecutableFailsWithAnEmptyPath) {
   EXPECT_EQ(e.Description(), std::string("File '' not found.") + kTrail);
   // The window-state file was prepared before the executable was looked for; the add-in entry
   // is written only once there is an executable to start.
-  EXPECT_EQ(DriverEnv::Read(env_.work() / "P.vbw"), "Form1 = 1, 2, 3, 4, C\r\n");
+  EXPECT_EQ(qxtest::ReadBytes(env_.work() / "P.vbw"), "Form1 = 1, 2, 3, 4, C\r\n");
   EXPECT_FALSE(AddInEntryWritten());
 }
 
@@ -66,7 +66,7 @@ TEST_F(Activate, AMissingProjectFileOrExecutableIsNamed) {
   std::filesystem::remove(vbp_);
   EXPECT_EQ(ReadDispatcher().Description(), "File '" + vbp_ + "' not found." + kTrail);
 
-  DriverEnv::Write(vbp_, "Type=Exe\r\n");
+  qxtest::WriteBytes(vbp_, "Type=Exe\r\n");
   const automation::Error e = ReadDispatcher();
   EXPECT_EQ(e.Number(), -32767);
   EXPECT_EQ(e.Description(), std::string("File 'c:\\VB98\\vb6.exe' not found.") + kTrail);

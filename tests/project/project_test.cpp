@@ -29,7 +29,7 @@ class ProjectTest : public ::testing::Test {
   std::filesystem::path Folder(std::initializer_list<std::pair<std::string, std::string>> files) {
     const auto folder = env_.work() / ("p" + std::to_string(++folders_));
     for (const auto& [name, bytes] : files)
-      DriverEnv::Write(folder / name, bytes);
+      qxtest::WriteBytes(folder / name, bytes);
     return folder;
   }
 
@@ -69,7 +69,7 @@ TEST_F(ProjectTest, GetProjectCachesByParameterTextButNotAFailure) {
                                  "\r\n\r\nPROGRAM CONTEXT:\r\n"
                                  "qxvb60.Project.Initialize.1  (4.1.475)\r\n"
                                  "qxvb60.Driver.IDriver_GetProject.1  (4.1.475)");
-  DriverEnv::Write(path, "Type=Exe\r\n");
+  qxtest::WriteBytes(path, "Type=Exe\r\n");
   EXPECT_NE(GetProject("FileName=" + path), nullptr);  // tried again, now found
   EXPECT_EQ(Caught([&] { GetProject(""); }).Description().rfind("File not found: \r\n", 0), 0u);
 }
@@ -107,7 +107,7 @@ TEST_F(ProjectTest, EnumObjectsReadsNamesFromTheProjectFileOrTheComponent) {
        "  attribute vb_name = \"frmMain\"  \r\n"},
       {"plain.frm", "VERSION 5.00\r\n"},
   });
-  DriverEnv::Write(env_.work() / "shared" / "Tools.bas", "Attribute VB_Name = \"Tools\"\r\n");
+  qxtest::WriteBytes(env_.work() / "shared" / "Tools.bas", "Attribute VB_Name = \"Tools\"\r\n");
   ::chmod((env_.work() / "shared" / "Tools.bas").c_str(), 0444);
   const ObjectRef project = Open(folder / "P.vbp");
   const Dispatch p(project);
@@ -202,14 +202,14 @@ TEST_F(ProjectTest, ListingFollowsChangesOfTheProjectAndComponentFiles) {
   const Dispatch p(Open(folder / "P.vbp"));
   EXPECT_EQ(p.Call("EnumObjects", "Form", 4).ToString(), "A\t4\t\t1\t1\t1\t0");
   // A component file that renames its component (same size, another time).
-  DriverEnv::Write(folder / "a.frm", "Attribute VB_Name = \"Bee\"\r\n");
+  qxtest::WriteBytes(folder / "a.frm", "Attribute VB_Name = \"Bee\"\r\n");
   EXPECT_EQ(p.Call("EnumObjects", "Form", 4).ToString(), "Bee\t4\t\t1\t1\t1\t0");
   EXPECT_EQ(Info(p, "Form", "Bee", false), "stamp writable");
   // Renamed again without a listing in between: GetObjectInfo still finds it by its new name.
-  DriverEnv::Write(folder / "a.frm", "Attribute VB_Name = \"CC\"\r\n");
+  qxtest::WriteBytes(folder / "a.frm", "Attribute VB_Name = \"CC\"\r\n");
   EXPECT_EQ(Info(p, "Form", "CC", false), "stamp writable");
   // A project file that changes is read again.
-  DriverEnv::Write(folder / "P.vbp", "Form=a.frm\r\nModule=M; m.bas\r\n");
+  qxtest::WriteBytes(folder / "P.vbp", "Form=a.frm\r\nModule=M; m.bas\r\n");
   EXPECT_EQ(p.Call("EnumObjects", "Module", 5).ToString(), "M\t5\t\t0\t0\t1\t0");
   // UpdateName keeps the new name and lists as before.
   contracts::IProject(p.object()).UpdateName("Renamed");

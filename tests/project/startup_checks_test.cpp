@@ -25,7 +25,7 @@ class StartupChecks : public ::testing::Test {
  protected:
   std::string Project(const std::string& bytes) {
     const auto path = env_.work() / "P.vbp";
-    DriverEnv::Write(path, bytes);
+    qxtest::WriteBytes(path, bytes);
     return path.string();
   }
   std::string MissingMessage(const std::string& bytes) {
@@ -48,9 +48,9 @@ TEST_F(StartupChecks, BackgroundLoadingMustBeOff) {
 }
 
 TEST_F(StartupChecks, ProjectFileCheckFindsEveryPieceOrReportsTheFirstMissingLine) {
-  DriverEnv::Write(env_.work() / "Form1.frm", "x");
-  DriverEnv::Write(env_.work() / "Res.res", "x");
-  DriverEnv::Write(env_.work() / "MSCOMCTL.OCX", "x");
+  qxtest::WriteBytes(env_.work() / "Form1.frm", "x");
+  qxtest::WriteBytes(env_.work() / "Res.res", "x");
+  qxtest::WriteBytes(env_.work() / "MSCOMCTL.OCX", "x");
   // Components relative to the project folder whatever the current folder; quoted resource
   // files; control libraries in the project folder or registered; keys in any case.
   EXPECT_EQ(MissingMessage("Type=Exe\r\nFORM=Form1.frm\r\nResFile32=\"Res.res\"\r\n"
@@ -81,7 +81,7 @@ TEST_F(StartupChecks, ProjectFileCheckFindsEveryPieceOrReportsTheFirstMissingLin
                 .find("Line 3: Object={9999"),
             std::string::npos);
   // A library named without an identifier is looked for in the Windows system folder too.
-  DriverEnv::Write(env_.home() / "drive_c" / "windows" / "system32" / "mylib.dll", "x");
+  qxtest::WriteBytes(env_.home() / "drive_c" / "windows" / "system32" / "mylib.dll", "x");
   EXPECT_EQ(MissingMessage("Object=mylib.dll; nowhere\\mylib.dll\r\n"), "");
 }
 
@@ -90,22 +90,22 @@ TEST_F(StartupChecks, WindowStateMarksWindowsClosedOrStaysWhole) {
   const auto vbw = env_.work() / "P.vbw";
   project::AdjustWindowState(vbp);  // no window-state file: none is created
   EXPECT_FALSE(std::filesystem::exists(vbw));
-  DriverEnv::Write(vbw,
-                   "\r\n\r\nForm1 = 88, 116, 794, 604, , 22, 22, 600, 500, \r\n\r\n"
-                   "Module1 = 0, 0, 0, 0, C\nClass1 = 1, 2, 3, 4, Z");
+  qxtest::WriteBytes(vbw,
+                     "\r\n\r\nForm1 = 88, 116, 794, 604, , 22, 22, 600, 500, \r\n\r\n"
+                     "Module1 = 0, 0, 0, 0, C\nClass1 = 1, 2, 3, 4, Z");
   project::AdjustWindowState(vbp);
-  EXPECT_EQ(DriverEnv::Read(vbw),
+  EXPECT_EQ(qxtest::ReadBytes(vbw),
             "Form1 = 88, 116, 794, 604, , 22, 22, 600, 500, C\r\n\r\n"
             "Module1 = 0, 0, 0, 0, C\r\nClass1 = 1, 2, 3, 4, Z\r\n");
 
   // On a full disk the file stays whole.
   const std::string before = "Form1 = 88, 116, 794, 604, \r\nModule1 = 0, 0, 0, 0, C\r\n";
-  DriverEnv::Write(vbw, before);
+  qxtest::WriteBytes(vbw, before);
   platform::SetWriteFaultHook(
       [](platform::WriteStep step) { return step == platform::WriteStep::kWrite ? ENOSPC : 0; });
   project::AdjustWindowState(vbp);  // the failure is not the caller's concern
   platform::SetWriteFaultHook({});
-  EXPECT_EQ(DriverEnv::Read(vbw), before);
+  EXPECT_EQ(qxtest::ReadBytes(vbw), before);
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(env_.work()),
                           std::filesystem::directory_iterator()),
             2);  // P.vbp and P.vbw: no temporary file left
@@ -116,7 +116,7 @@ TEST_F(StartupChecks, AddInEntryIsWrittenEveryTime) {
   project::WriteAddInEntry();
   EXPECT_EQ(platform::GetPrivateProfileString("Add-Ins32", "qxvb60.Connection", "", "vbaddin.ini"),
             "1");
-  const std::string ini = DriverEnv::Read(env_.home() / "drive_c" / "windows" / "vbaddin.ini");
+  const std::string ini = qxtest::ReadBytes(env_.home() / "drive_c" / "windows" / "vbaddin.ini");
   EXPECT_EQ(ini.find("qxvb60.Connection"), ini.rfind("qxvb60.Connection"));
 }
 
@@ -130,11 +130,11 @@ TEST_F(StartupChecks, ExecutableComesFromTheFileAssociationOnce) {
 
 TEST_F(StartupChecks, CapitalisedAssociationFallsBackToTheSearchToItsDepth) {
   platform::Registry::Instance().WriteValue(kOpenCommand, "", "C:\\VB98\\VB6.EXE \"%1\"");
-  DriverEnv::Write(env_.home() / "drive_c" / "x" / "y" / "vb6.exe", "x");
+  qxtest::WriteBytes(env_.home() / "drive_c" / "x" / "y" / "vb6.exe", "x");
   EXPECT_EQ(project::VB6EXEPath(), "c:\\x\\y\\vb6.exe");
   // The search goes to its depth and no further, in any letter case.
   const auto root = env_.work() / "root";
-  DriverEnv::Write(root / "a" / "b" / "vb6.exe", "x");
+  qxtest::WriteBytes(root / "a" / "b" / "vb6.exe", "x");
   const std::string folder = root.string();
   EXPECT_EQ(project::FindFile(folder, "vb6.exe", 2), "");
   EXPECT_EQ(project::FindFile(folder, "vb6.exe", 3), folder + "\\a\\b\\vb6.exe");

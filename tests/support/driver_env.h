@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <string>
 
@@ -14,6 +13,7 @@
 #include "automation/process.h"
 #include "host/register.h"
 #include "special/qxvb60.h"
+#include "support/bytes.h"
 #include "support/temp_home.h"
 
 namespace qxtest {
@@ -35,17 +35,6 @@ class DriverEnv {
     std::filesystem::copy(std::filesystem::path(QX_FIXTURES) / name, target,
                           std::filesystem::copy_options::recursive);
     return target;
-  }
-
-  // Writes a file of exactly these bytes.
-  static void Write(const std::filesystem::path& path, const std::string& bytes) {
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << bytes;
-  }
-
-  static std::string Read(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
   }
 
  private:
