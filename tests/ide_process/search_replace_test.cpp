@@ -352,7 +352,7 @@ TEST_F(IdeProcesses, AComponentNamedByAnAbsolutePathIsReportedAndTheRestReplaced
       "Attribute VB_Name = \"Shared\"\r\nOption Explicit\r\n\r\nPublic Function oldValue() As "
       "Long\r\n    oldValue = 1\r\nEnd Function\r\n";
   std::ofstream(shared, std::ios::binary) << module;
-  std::string project = ReadAll(vbp_);
+  std::string project = ReadBytes(vbp_);
   const std::string after = "Class=CStockItem; CStockItem.cls\r\n";
   project.insert(project.find(after) + after.size(), "Module=Shared; " + shared.string() + "\r\n");
   std::ofstream(vbp_, std::ios::binary) << project;
@@ -367,6 +367,6 @@ TEST_F(IdeProcesses, AComponentNamedByAnAbsolutePathIsReportedAndTheRestReplaced
         << run.err;
     EXPECT_NE(run.out.find("+    Dim previousValue As Long"), std::string::npos) << run.out;
   }
-  EXPECT_EQ(ReadAll(shared), module);
-  EXPECT_EQ(Count(ReadAll(work() / "Inventory" / "CStockItem.cls"), "oldValue"), 0u);
+  EXPECT_EQ(ReadBytes(shared), module);
+  EXPECT_EQ(Count(ReadBytes(work() / "Inventory" / "CStockItem.cls"), "oldValue"), 0u);
 }
