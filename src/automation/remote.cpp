@@ -108,11 +108,25 @@ class SocketAddress {
   int folder_ = -1;
 };
 
+// Whether a connection can carry a new call. Its end is noticed in an event-loop turn, which may
+// not have come since the peer went (an IDE ended by Ctrl-C): the events that are ready are
+// handled first, and a peer that has gone or cannot answer ends it too. A call begun on a
+// connection whose other end has shut down fails inside Cap'n Proto in a way that ends this
+// process, so it must never be begun.
+bool Usable(Connection& connection) {
+  Apartment::Get().WaitScope().poll();
+  if (!connection.broken && (StateOf(connection.peer) == ProcessState::Gone ||
+                             Unresponsive(connection.peer).has_value())) {
+    connection.broken = true;
+  }
+  return !connection.broken;
+}
+
 Connection& ConnectionTo(const std::string& path) {
   Connections& connections = TheConnections();
   auto it = connections.live.find(path);
   if (it != connections.live.end()) {
-    if (!it->second->broken) return *it->second;
+    if (Usable(*it->second)) return *it->second;
     connections.ended.push_back(std::move(it->second));
     connections.live.erase(it);
   }
