@@ -60,8 +60,10 @@ using RequestPlan = std::function<std::optional<std::string>(const Look& look)>;
 
 // The run of qx search and replace (the projects of the paths, their chosen components, a
 // preview of a replace made on a scratch copy), each component scanned with the request that
-// the plan gives it. Exit statuses as RunSearch.
-int RunScans(const SearchOptions& options, const RequestPlan& plan, Printer& printer);
+// the plan gives it. Exit statuses as RunSearch. With `prefilter`, a component whose bytes cannot
+// hold a match of the options' patterns is passed over without the IDE (cli/prefilter.h).
+int RunScans(const SearchOptions& options, const RequestPlan& plan, Printer& printer,
+             bool prefilter = false);
 
 struct RenameOptions {
   std::string projectFile;

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "host/scan/matcher.h"
+
 namespace cli {
 
 enum class CaseChoice { Sensitive, Insensitive, Smart };
@@ -47,6 +49,9 @@ const std::vector<std::string>& ScopeNames();
 // stops the run before any IDE starts. Raises the error to print, with the matcher's message
 // for a pattern.
 void ValidateSearchOptions(SearchOptions& options);
+
+// How the scanner matches the options' patterns.
+host::scan::MatchOptions MatchOptionsOf(const SearchOptions& options);
 
 // The request document for the scan buffer.
 std::string BuildRequest(const SearchOptions& options);
