@@ -234,12 +234,16 @@ std::string Untimed(const std::string& out) {
 // a word found nowhere. Each run prints with the prefilter what it prints without.
 TEST_F(SearchRuns, PrefilteredRunsPrintWhatFullRunsPrint) {
   const fs::path all = work() / "all";
-  fs::create_directories(all);
-  fs::copy(fs::path(QX_FIXTURES) / "codepage", all / "codepage", fs::copy_options::recursive);
-  for (const char* project : {"controls", "gbk", "orders"}) {
-    fs::copy(fs::path(QX_FIXTURES) / "ide" / project, all / project, fs::copy_options::recursive);
+  fs::create_directories(all / "ide");
+  for (const char* project : {"gbk", "sjis", "german"}) {
+    fs::copy(fs::path(QX_FIXTURES) / "codepage" / project, all / project,
+             fs::copy_options::recursive);
   }
-  std::ofstream(all / "orders" / "Orders.vbp", std::ios::binary)
+  for (const char* project : {"controls", "gbk", "orders"}) {
+    fs::copy(fs::path(QX_FIXTURES) / "ide" / project, all / "ide" / project,
+             fs::copy_options::recursive);
+  }
+  std::ofstream(all / "ide" / "orders" / "Orders.vbp", std::ios::binary)
       << "Type=Exe\r\nForm=frmOrders.frm\r\nName=\"Orders\"\r\n";
   fs::copy(work() / "Inventory", all / "Inventory", fs::copy_options::recursive);
   // A control array whose members the code never names with their index.
