@@ -60,7 +60,9 @@ using RequestPlan = std::function<std::optional<std::string>(const Look& look)>;
 
 // The run of qx search and replace (the projects of the paths, their chosen components, a
 // preview of a replace made on a scratch copy), each component scanned with the request that
-// the plan gives it. Exit statuses as RunSearch.
+// the plan gives it. Exit statuses as RunSearch. With the options' `prefilter`, a component whose
+// bytes cannot hold a match of the options' patterns is passed over without the IDE
+// (cli/prefilter.h); with a review, the user accepts or declines each place a replace changes.
 class Review;
 int RunScans(const SearchOptions& options, const RequestPlan& plan, Printer& printer,
              Review* review = nullptr);

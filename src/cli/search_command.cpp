@@ -30,6 +30,7 @@
 #include "cli/ide_processes.h"
 #include "cli/interruption.h"
 #include "cli/listing.h"
+#include "cli/prefilter.h"
 #include "cli/progress.h"
 #include "cli/project_files.h"
 #include "cli/project_survey.h"
@@ -97,7 +98,8 @@ class Run {
         plan_(std::move(plan)),
         unseenOnly_(options.only.begin(), options.only.end()),
         keep_(Keep(options)),
-        warm_(keep_) {}
+        warm_(keep_),
+        prefiltering_(options.prefilter) {}
 
   int Go() {
     const ProjectDiscovery discovery = FindProjects(options_.paths);
@@ -206,6 +208,9 @@ class Run {
     // files are found by the paths it gives them, and a preview that read them in another code
     // page would miss the very files a write then changes.
     session.UseCodePageOf(projectFile.string());
+    prefilter_.reset();
+    if (prefiltering_)
+      prefilter_.emplace(options_, platform::GetCodePage(session.CodePage().number));
     const host::RunView::Scope view;
     const ProjectSurvey survey = SurveyProject(projectFile);
     for (const RunProblem& problem : survey.problems)
@@ -280,6 +285,16 @@ class Run {
           // IDE is not asked for it.
           if (file != nullptr && survey.missing.contains(FileKey(file->file))) continue;
           if (file != nullptr && !done_.insert(FileKey(file->file)).second) continue;
+          // A component whose bytes cannot hold a match is searched without the IDE.
+          std::optional<std::string> bytes;
+          if (file != nullptr && prefilter_) {
+            bytes = ReadIfReadable(copy ? copy->Inside(file->file) : file->file);
+            if (bytes && !prefilter_->CouldMatch(collection.name, entry.name, *bytes)) {
+              Show(Unmatched(collection.name, entry, *file, std::move(*bytes), session.CodePage()));
+              progress_->ComponentDone();
+              continue;
+            }
+          }
           // Only a failure to reach the IDE is the project's; once it is reached, whatever fails
           // is the component's own.
           if (!reached) {
@@ -287,8 +302,9 @@ class Run {
             reached = true;
           }
           try {
-            if (std::optional<ScannedFile> changed = Component(
-                    project, scanned, collection.name, entry, file, copy, session.CodePage())) {
+            if (std::optional<ScannedFile> changed =
+                    Component(project, scanned, collection.name, entry, file, copy,
+                              session.CodePage(), std::move(bytes))) {
               result.changed.push_back(std::move(*changed));
             }
             progress_->ComponentDone();
@@ -398,13 +414,32 @@ class Run {
     }
   }
 
+  // A component whose file the prefilter showed to hold no match, as its scan would have given it.
+  static ScannedFile Unmatched(const std::string& collection,
+                               const contracts::EnumerationEntry& entry, const ComponentFile& file,
+                               std::string bytes, const platform::ProjectCodePage& codePage) {
+    ScannedFile scanned;
+    scanned.original = file.file;
+    scanned.line = file.line;
+    scanned.before = std::move(bytes);
+    scanned.after = scanned.before;
+    scanned.codePage = codePage;
+    scanned.collection = collection;
+    scanned.entry = entry;
+    scanned.scan.collection = collection;
+    scanned.scan.component = entry.name;
+    return scanned;
+  }
+
   // Scans one component and shows what it gave. A replace on a scratch copy returns the
-  // component when the scan changed its files, with what a write must do again.
+  // component when the scan changed its files, with what a write must do again. `bytes` are the
+  // component file's, when they have been read already.
   std::optional<ScannedFile> Component(const automation::ObjectRef& project,
                                        const fs::path& projectFile, const std::string& collection,
                                        const contracts::EnumerationEntry& entry,
                                        const ComponentFile* file, const ScratchCopy* copy,
-                                       const platform::ProjectCodePage& codePage) {
+                                       const platform::ProjectCodePage& codePage,
+                                       std::optional<std::string> bytes) {
     const Clock::time_point started = Clock::now();
     ScannedFile scanned;
     scanned.codePage = codePage;
@@ -415,7 +450,7 @@ class Run {
       scanned.original = file->file;
       scanned.line = file->line;
       onDisk = copy ? copy->Inside(file->file) : file->file;
-      scanned.before = platform::ReadFile(onDisk.string());
+      scanned.before = bytes ? std::move(*bytes) : platform::ReadFile(onDisk.string());
     }
     const automation::ObjectRef object =
         contracts::ICollection(contracts::IProject(project).GetCollection(collection))
@@ -626,6 +661,15 @@ class Run {
     return platform::ReadFile(file.string());
   }
 
+  // The file's bytes, or none when it cannot be read: the scan then says why.
+  static std::optional<std::string> ReadIfReadable(const fs::path& file) {
+    try {
+      return platform::ReadFile(file.string());
+    } catch (const automation::Error&) {
+      return std::nullopt;
+    }
+  }
+
   // Hands the component to the scanner with the request and gives back what it found.
   std::vector<ComponentScan> Scan(const automation::ObjectRef& object, const fs::path& projectFile,
                                   const contracts::EnumerationEntry& entry,
@@ -713,8 +757,10 @@ class Run {
   const RequestPlan plan_;
   std::set<std::string> unseenOnly_;  // the --only places no scan has shown yet
   const KeepSettings keep_;
-  WarmIdes warm_;        // the IDEs this run started and keeps
-  std::string request_;  // the request the buffer holds
+  WarmIdes warm_;  // the IDEs this run started and keeps
+  const bool prefiltering_;
+  std::optional<Prefilter> prefilter_;  // the project's, when the run prefilters
+  std::string request_;                 // the request the buffer holds
   // The run's scan buffer, made on first use (the session registers its class) and let go
   // before the session ends.
   std::optional<ScanBufferView> buffer_;
@@ -748,6 +794,7 @@ int RunSearch(SearchOptions& options, Printer& printer) {
     return kExitError;
   }
   const std::string request = BuildRequest(options);
+  options.prefilter = Prefilter::Enabled();
   const auto plan = [&request](const Look&) { return request; };
   if (!options.interactive) return RunScans(options, plan, printer);
   Review review(std::cin, std::cout);

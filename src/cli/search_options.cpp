@@ -68,6 +68,11 @@ void ValidateSearchOptions(SearchOptions& options) {
     if (!known)
       InvalidArgument("--kind: unknown kind \"" + kind + "\"; the kinds are " + KnownKinds());
   }
+  const host::scan::Matcher matcher(options.patterns, MatchOptionsOf(options));
+  if (options.replacement) host::scan::Replacement replacement(*options.replacement, matcher);
+}
+
+host::scan::MatchOptions MatchOptionsOf(const SearchOptions& options) {
   host::scan::MatchOptions match;
   match.literal = options.literal;
   match.wholeWord = options.wordRegexp;
@@ -75,8 +80,7 @@ void ValidateSearchOptions(SearchOptions& options) {
                        ? host::scan::CaseMode::kInsensitive
                    : options.caseChoice == CaseChoice::Smart ? host::scan::CaseMode::kSmart
                                                              : host::scan::CaseMode::kSensitive;
-  const host::scan::Matcher matcher(options.patterns, match);
-  if (options.replacement) host::scan::Replacement replacement(*options.replacement, matcher);
+  return match;
 }
 
 std::string BuildRequest(const SearchOptions& options) {

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "host/scan/matcher.h"
+
 namespace cli {
 
 enum class CaseChoice { Sensitive, Insensitive, Smart };
@@ -41,6 +43,9 @@ struct SearchOptions {
   bool interactive = false;  // qx replace --interactive: ask about each place, write those accepted
   bool noKeep = false;       // --no-keep: end the IDEs the run started
   bool summary = true;       // false: the run is a step of a command that sums up itself
+  // Pass over a component whose bytes cannot hold a match without asking the IDE (search and
+  // replace; a rename looks at every component)
+  bool prefilter = false;
 };
 
 // The places a search can look in, and the component kinds it can be narrowed to.
@@ -51,6 +56,9 @@ const std::vector<std::string>& ScopeNames();
 // stops the run before any IDE starts. Raises the error to print, with the matcher's message
 // for a pattern.
 void ValidateSearchOptions(SearchOptions& options);
+
+// How the scanner matches the options' patterns.
+host::scan::MatchOptions MatchOptionsOf(const SearchOptions& options);
 
 // The request document for the scan buffer.
 std::string BuildRequest(const SearchOptions& options);

@@ -10,6 +10,7 @@
 
 #include "automation/error.h"
 #include "cli/file_matches.h"
+#include "cli/prefilter.h"
 #include "cli/printer.h"
 #include "cli/project_files.h"
 #include "cli/project_survey.h"
@@ -19,6 +20,7 @@
 #include "cli/unified_diff.h"
 #include "host/run_view.h"
 #include "host/scan/scan_request.h"
+#include "platform/codepage.h"
 #include "support/driver_env.h"
 
 namespace {
@@ -222,6 +224,48 @@ TEST(SearchOptions, BadKindsScopesPatternsAndReplacementsStopTheRun) {
   options.componentGlob = "frm*";
   EXPECT_TRUE(cli::ComponentSelected(options, "FrmMain"));
   EXPECT_FALSE(cli::ComponentSelected(options, "Module1"));
+}
+
+// What a component's bytes must hold: the pieces of a plain pattern in the code page, folded
+// for -i up to the letters that fold beyond ASCII; nothing for a regular expression.
+TEST(Prefilter, PiecesAreEncodedSplitAndFoldedAsTheBytesHoldThem) {
+  const auto bytes = [](const cli::Prefilter::Needles& needles) {
+    std::vector<std::vector<std::string>> all;
+    for (const cli::Prefilter::Needle& needle : *needles) {
+      all.emplace_back();
+      for (const cli::Prefilter::Piece& piece : needle)
+        all.back().push_back(piece.bytes);
+    }
+    return all;
+  };
+  cli::SearchOptions options;
+  options.literal = true;
+  options.scope = {"code", "names"};
+  options.patterns = {"say \"hi\"(2)", "库存"};
+  cli::Prefilter gbk(options, platform::GetCodePage(936));
+  EXPECT_EQ(bytes(gbk.CodeNeedles()),
+            (std::vector<std::vector<std::string>>{{"say ", "hi", "(2)"}, {"\xBF\xE2\xB4\xE6"}}));
+  EXPECT_EQ(bytes(gbk.DesignedNeedles()),
+            (std::vector<std::vector<std::string>>{{"say ", "hi"}, {"\xBF\xE2\xB4\xE6"}}));
+  EXPECT_FALSE(gbk.CouldMatch("Modules", "Module1", "say \"\"hi\"\"(3)"));
+  EXPECT_TRUE(gbk.CouldMatch("Forms", "Form1", "say \"\"hi\"\""));
+  EXPECT_TRUE(gbk.CouldMatch("Designers", "Form1", ""));
+  // A code page without the characters: no file of it holds them.
+  cli::Prefilter western(options, platform::GetCodePage(1252));
+  EXPECT_EQ(bytes(western.CodeNeedles()).size(), 1u);
+
+  options.caseChoice = cli::CaseChoice::Insensitive;
+  options.patterns = {"Größe"};
+  cli::Prefilter caseless(options, platform::GetCodePage(1252));
+  EXPECT_EQ(bytes(caseless.CodeNeedles()), (std::vector<std::vector<std::string>>{{"gr", "e"}}));
+  EXPECT_TRUE(caseless.CouldMatch("Modules", "Module1", "' GRÖSSE"));
+  EXPECT_FALSE(caseless.CouldMatch("Modules", "Module1", "' MASSE"));
+  // The listing's name of the component counts in its names.
+  EXPECT_TRUE(caseless.CouldMatch("Modules", "modGröße", ""));
+
+  options.literal = false;
+  options.patterns = {"Gr.sse"};
+  EXPECT_FALSE(cli::Prefilter(options, platform::GetCodePage(1252)).CodeNeedles());
 }
 
 // A module file: header, declarations, a procedure with a hidden member attribute after its

@@ -2,7 +2,8 @@
 // projects keeps one IDE at a time and leaves none, nor anything in the run folder; a file that
 // several projects share is searched once; Ctrl-C ends the IDE the run started, and a reader
 // that has gone stops the run; forms are left out with a notice unless asked for; JSON's "begin"
-// says the code page.
+// says the code page; components whose bytes cannot match are passed over, printing what a full
+// run prints.
 
 #include <fcntl.h>
 #include <signal.h>
@@ -210,6 +211,129 @@ TEST_F(SearchRuns, EveryKindIsSearchedAndBeginSaysTheCodePage) {
   EXPECT_EQ(forms.status, 0) << forms.err;
   EXPECT_EQ(forms.err, "");
   EXPECT_NE(forms.out.find("frmMain.frm:"), std::string::npos) << forms.out;
+}
+
+// The run's JSON lines without their timings and the count of IDEs it kept (a run that needs no
+// IDE starts none).
+std::string Untimed(const std::string& out) {
+  std::string kept;
+  for (nlohmann::json record : JsonLines(out)) {
+    if (record.contains("data") && record["data"].is_object()) {
+      nlohmann::json& data = record["data"];
+      data.erase("elapsed_total");
+      data.erase("elapsed");
+      data.erase("ides_kept");
+      if (data.contains("stats")) data["stats"].erase("elapsed");
+    }
+    kept += record.dump() + "\n";
+  }
+  return kept;
+}
+
+// Needles where the presented text and the file's bytes differ: a caption's doubled quote, a
+// control array member's index, a default property value, letters whose other case is not ASCII,
+// a list item kept in the .frx alone, text in GBK and in Windows-1252, a regular expression, and
+// a word found nowhere. Each run prints with the prefilter what it prints without.
+TEST_F(SearchRuns, PrefilteredRunsPrintWhatFullRunsPrint) {
+  const fs::path all = work() / "all";
+  fs::create_directories(all / "ide");
+  for (const char* project : {"gbk", "sjis", "german"}) {
+    fs::copy(fs::path(QX_FIXTURES) / "codepage" / project, all / project,
+             fs::copy_options::recursive);
+  }
+  for (const char* project : {"controls", "gbk", "orders"}) {
+    fs::copy(fs::path(QX_FIXTURES) / "ide" / project, all / "ide" / project,
+             fs::copy_options::recursive);
+  }
+  std::ofstream(all / "ide" / "orders" / "Orders.vbp", std::ios::binary)
+      << "Type=Exe\r\nForm=frmOrders.frm\r\nName=\"Orders\"\r\n";
+  fs::copy(work() / "Inventory", all / "Inventory", fs::copy_options::recursive);
+  // A control array whose members the code never names with their index.
+  fs::create_directories(all / "array");
+  std::ofstream(all / "array" / "Array.vbp", std::ios::binary)
+      << "Type=Exe\r\nForm=frmArray.frm\r\nName=\"Array\"\r\n";
+  std::ofstream(all / "array" / "frmArray.frm", std::ios::binary)
+      << "VERSION 5.00\r\nBegin VB.Form frmArray \r\n   Caption         =   \"Array\"\r\n"
+         "   ClientHeight    =   1200\r\n   ClientWidth     =   3000\r\n"
+         "   Begin VB.CommandButton cmdGo \r\n      Caption         =   \"Two\"\r\n"
+         "      Height          =   375\r\n      Index           =   1\r\n"
+         "      Left            =   1560\r\n      TabIndex        =   1\r\n"
+         "      Top             =   240\r\n      Width           =   1215\r\n   End\r\n"
+         "   Begin VB.CommandButton cmdGo \r\n      Caption         =   \"One\"\r\n"
+         "      Height          =   375\r\n      Index           =   0\r\n"
+         "      Left            =   240\r\n      TabIndex        =   0\r\n"
+         "      Top             =   240\r\n      Width           =   1215\r\n   End\r\n"
+         "End\r\nAttribute VB_Name = \"frmArray\"\r\nAttribute VB_GlobalNameSpace = False\r\n"
+         "Attribute VB_Creatable = False\r\nAttribute VB_PredeclaredId = True\r\n"
+         "Attribute VB_Exposed = False\r\nOption Explicit\r\n\r\n"
+         "Private Sub cmdGo_Click(Index As Integer)\r\n    Unload Me\r\nEnd Sub\r\n";
+  qxbench::GeneratorOptions generated;
+  generated.totalLines = 400;
+  generated.proceduresPerComponent = 4;
+  generated.controlsPerForm = 3;
+  generated.rareEvery = 3;
+  qxbench::GenerateProject(all / "generated", generated);
+  // Warm IDEs keep the many runs short.
+  ::setenv("QX_KEEP_IDES", "12", 1);
+
+  const std::vector<std::vector<std::string>> needles = {
+      {"-F", "\"open\""},
+      {"--in", "code,names", "-F", "\"cash\""},
+      {"--in", "names,code", "-F", "cmdGo(1)"},
+      {"-i", "sans serif"},
+      {"-i", "--in", "code,names", "STOCK"},
+      {"-F", "Banana"},
+      {"-F", "库存"},
+      {"--in", "code", "-F", "Kundenübersicht"},
+      {"Reconc[a-z]+"},
+      {"ZebraQuux"},
+  };
+  const auto both = [&](std::vector<std::string> args) {
+    SCOPED_TRACE(::testing::PrintToString(args));
+    args.push_back(all.string());
+    ::setenv("QX_NO_PREFILTER", "1", 1);
+    const auto full = Qx(args);
+    ::unsetenv("QX_NO_PREFILTER");
+    const auto prefiltered = Qx(args);
+    EXPECT_EQ(prefiltered.status, full.status) << full.err;
+    const bool json = std::find(args.begin(), args.end(), "--json") != args.end();
+    EXPECT_EQ(json ? Untimed(prefiltered.out) : prefiltered.out,
+              json ? Untimed(full.out) : full.out);
+    EXPECT_EQ(prefiltered.err, full.err);
+  };
+  for (const std::vector<std::string>& needle : needles) {
+    std::vector<std::string> search{"search", "--json"};
+    search.insert(search.end(), needle.begin(), needle.end());
+    both(search);
+  }
+  // A replace's preview, from a few of them.
+  for (const size_t n : {0, 4, 5, 6}) {
+    std::vector<std::string> replace{"replace"};
+    replace.insert(replace.end(), needles[n].begin(), needles[n].end() - 1);
+    replace.insert(replace.end(), {"-e", needles[n].back(), "Quux"});
+    both(replace);
+  }
+  for (const char* style : {"-c", "-l"}) {
+    both({"search", style, "-i", "STOCK"});
+    both({"search", style, "ZebraQuux"});
+  }
+}
+
+// A search whose word no file holds starts no IDE.
+TEST_F(SearchRuns, ASearchForAWordNowhereStartsNoIde) {
+  fs::copy(fs::path(QX_FIXTURES) / "codepage", work() / "cp", fs::copy_options::recursive);
+  const fs::path log = WatchIdeStarts();
+  const std::vector<std::string> args{"search", "--in",      "code,names",
+                                      "-F",     "ZebraQuux", (work() / "cp").string()};
+  const auto run = Qx(args);
+  EXPECT_EQ(run.status, 1) << run.err;
+  EXPECT_EQ(run.out, "");
+  EXPECT_FALSE(fs::exists(log)) << ReadBytes(log);
+  // Without the prefilter the same run asks the IDE.
+  ::setenv("QX_NO_PREFILTER", "1", 1);
+  EXPECT_EQ(Qx(args).status, 1);
+  ::unsetenv("QX_NO_PREFILTER");
+  EXPECT_TRUE(fs::exists(log));
 }
 
 }  // namespace

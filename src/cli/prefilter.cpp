@@ -1,0 +1,158 @@
+#include "cli/prefilter.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+
+#include "automation/error.h"
+#include "automation/utf8.h"
+
+namespace cli {
+namespace {
+
+constexpr char32_t kKelvinSign = 0x212A;  // matches k and K without regard to case
+constexpr char32_t kLongS = 0x017F;       // matches s and S without regard to case
+
+// The characters that make a regular expression more than its own text.
+constexpr std::string_view kMetacharacters = "\\^$.|?*+()[]{}";
+
+bool Has(const std::vector<std::string>& scope, std::string_view place) {
+  return std::find(scope.begin(), scope.end(), place) != scope.end();
+}
+
+bool Encodable(const platform::CodePage& codePage, char32_t c) {
+  std::string text;
+  automation::utf8::Append(text, c);
+  try {
+    codePage.Encode(text);
+    return true;
+  } catch (const automation::Error&) {
+    return false;
+  }
+}
+
+char FoldAscii(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// Which characters of a pattern's text stand for something that need not be in the bytes.
+struct Splits {
+  bool caseless = false;
+  bool kelvin = false;   // caseless, and the code page has the Kelvin sign
+  bool longS = false;    // caseless, and the code page has the long s
+  bool indexes = false;  // a control array member's name: brackets and digits
+
+  bool At(char32_t c) const {
+    if (c == '"' || c == '\r' || c == '\n' || c == automation::utf8::kInvalid) return true;
+    if (indexes && (c == '(' || c == ')' || (c >= '0' && c <= '9'))) return true;
+    if (!caseless) return false;
+    if (c >= 0x80) return true;
+    if (c == 'k' || c == 'K') return kelvin;
+    if (c == 's' || c == 'S') return longS;
+    return false;
+  }
+};
+
+// The pieces of a pattern's text, each encoded in the code page: nullopt when a piece has
+// characters that the code page cannot represent, which no file of it can then hold; no pieces
+// when the bytes cannot be compared for it.
+std::optional<Prefilter::Needle> NeedleOf(std::string_view text, const Splits& splits,
+                                          const platform::CodePage& codePage) {
+  Prefilter::Needle needle;
+  bool comparable = true;
+  std::string piece;
+  const auto end = [&]() -> bool {
+    if (piece.empty()) return true;
+    Prefilter::Piece encoded;
+    encoded.folded = splits.caseless;
+    try {
+      encoded.bytes = codePage.Encode(piece);
+    } catch (const automation::Error&) {
+      // Without regard to case, the other case may still be there.
+      comparable = comparable && !encoded.folded;
+      return encoded.folded;
+    }
+    // Folding compares ASCII letters byte by byte: only where the code page keeps ASCII as it is.
+    if (encoded.folded) {
+      comparable = comparable && encoded.bytes == piece;
+      std::transform(encoded.bytes.begin(), encoded.bytes.end(), encoded.bytes.begin(), FoldAscii);
+    }
+    piece.clear();
+    needle.push_back(std::move(encoded));
+    return true;
+  };
+  for (size_t at = 0; at < text.size();) {
+    const size_t start = at;
+    const char32_t c = automation::utf8::Next(text, at);
+    if (!splits.At(c)) {
+      piece.append(text.substr(start, at - start));
+    } else if (!end()) {
+      return std::nullopt;
+    }
+  }
+  if (!end()) return std::nullopt;
+  if (!comparable) needle.clear();
+  return needle;
+}
+
+bool Occurs(std::string_view bytes, const Prefilter::Piece& piece) {
+  if (!piece.folded) return bytes.find(piece.bytes) != std::string_view::npos;
+  const auto fold = [](char c) { return static_cast<size_t>(FoldAscii(c)); };
+  const auto same = [](char a, char b) { return FoldAscii(a) == FoldAscii(b); };
+  const std::boyer_moore_horspool_searcher searcher(piece.bytes.begin(), piece.bytes.end(), fold,
+                                                    same);
+  return std::search(bytes.begin(), bytes.end(), searcher) != bytes.end();
+}
+
+bool AnyOccurs(std::string_view bytes, const Prefilter::Needles& needles) {
+  if (!needles) return true;
+  return std::any_of(needles->begin(), needles->end(), [&](const Prefilter::Needle& needle) {
+    return std::all_of(needle.begin(), needle.end(),
+                       [&](const Prefilter::Piece& piece) { return Occurs(bytes, piece); });
+  });
+}
+
+}  // namespace
+
+Prefilter::Prefilter(const SearchOptions& options, const platform::CodePage& codePage) {
+  matcher_.emplace(options.patterns, MatchOptionsOf(options));
+  Splits splits;
+  splits.caseless = matcher_->CaseInsensitive();
+  splits.kelvin = splits.caseless && Encodable(codePage, kKelvinSign);
+  splits.longS = splits.caseless && Encodable(codePage, kLongS);
+  Splits designed = splits;
+  designed.indexes = Has(options.scope, "names");
+  code_.emplace();
+  designed_.emplace();
+  for (const std::string& pattern : options.patterns) {
+    if (!options.literal && pattern.find_first_of(kMetacharacters) != std::string::npos) {
+      code_.reset();
+      designed_.reset();
+      break;
+    }
+    if (std::optional<Needle> needle = NeedleOf(pattern, splits, codePage))
+      code_->push_back(std::move(*needle));
+    if (std::optional<Needle> needle = NeedleOf(pattern, designed, codePage))
+      designed_->push_back(std::move(*needle));
+  }
+  designedChecked_ = !Has(options.scope, "properties") && !Has(options.scope, "html");
+  namesChecked_ = Has(options.scope, "names") || Has(options.scope, "properties");
+}
+
+bool Prefilter::CouldMatch(std::string_view collection, std::string_view name,
+                           std::string_view bytes) {
+  const bool code = collection == "Modules" || collection == "ClassModules";
+  const bool designed = collection == "Forms" || collection == "UserControls" ||
+                        collection == "PropertyPages" || collection == "UserDocuments";
+  if (!code && !(designed && designedChecked_)) return true;
+  // The component's name as the listing gives it, which the IDE may present in its letter case.
+  if (namesChecked_ && matcher_->IsMatch(name)) return true;
+  return AnyOccurs(bytes, code ? code_ : designed_);
+}
+
+bool Prefilter::Enabled() {
+  const char* off = std::getenv("QX_NO_PREFILTER");
+  return off == nullptr || std::string_view(off) != "1";
+}
+
+}  // namespace cli
