@@ -179,6 +179,7 @@ int RunRename(const RenameOptions& options, Printer& printer) {
   // (frmMain.Controls("Option1")): it is said, and left as it is.
   run.replacement = target.newName;
   run.write = options.write;
+  run.whole = true;
   return RunScans(
       run,
       [&](const Look& scan) -> std::optional<std::string> {

@@ -144,7 +144,7 @@ class Run {
       printer_.Problem(problem);
     totals_.seconds = Since(start_);
     totals_.replace = options_.replacement.has_value();
-    totals_.written = options_.write;
+    totals_.written = options_.write && !withheld_;
     totals_.idesKept = warm_.Count();
     totals_.keptFor = keep_.idle;
     if (options_.summary) printer_.SearchSummary(totals_, options_.style);
@@ -244,6 +244,7 @@ class Run {
                   "hold; name it relative to the project file"});
     }
     FileChange projectChange{projectFile, platform::ReadFile(copy.project().string()), {}};
+    const size_t failedBefore = totals_.refused + totals_.problems;
     PassResult preview = Pass(session, copy.project(), &copy, reachable);
     Unreached(reachable);
     // Renaming a module or class renames its entry in the project file too.
@@ -254,6 +255,14 @@ class Run {
       if (options_.style != SearchStyle::Quiet) ShowChange(projectChange);
     }
     if (!options_.write || preview.changed.empty() || Interrupted() != 0) return;
+    // A change that must be whole (a rename and its references) is not written in part.
+    if (options_.whole && totals_.refused + totals_.problems != failedBefore) {
+      Report({false, project_, "", 0, 5,
+              "nothing is written: the change cannot be made at every place it needs (the "
+              "errors above)"});
+      withheld_ = true;
+      return;
+    }
     Write(session, projectFile, preview.changed);
     if (projectChanged) Compare(projectChange);
   }
@@ -770,6 +779,7 @@ class Run {
   ProgressLine* progress_ = nullptr;
   SearchTotals totals_;
   bool error_ = false;
+  bool withheld_ = false;         // a write that had to be whole was not made
   std::string project_;           // the project being searched, as shown
   bool projectReported_ = false;  // a problem of it has been reported
 };

@@ -46,6 +46,8 @@ struct SearchOptions {
   // Pass over a component whose bytes cannot hold a match without asking the IDE (search and
   // replace; a rename looks at every component)
   bool prefilter = false;
+  // All or nothing: a project whose preview failed anywhere is not written (a rename)
+  bool whole = false;
 };
 
 // The places a search can look in, and the component kinds it can be narrowed to.

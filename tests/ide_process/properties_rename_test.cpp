@@ -194,6 +194,16 @@ TEST_F(ScanFixture, RefusedNamesAreReportedWithTheirMessageAndTheRestIsWritten) 
 }
 
 TEST_F(ScanFixture, RenameRenamesAControlArrayWithItsEventProceduresAndPreviewIsWrite) {
+  // A reference that cannot be changed (its module is read-only) stops the whole rename.
+  const fs::path moduleFile = folder_ / "modMain.bas";
+  fs::permissions(moduleFile, fs::perms::owner_write, fs::perm_options::remove);
+  const auto stopped = Qx({"rename", "--write", vbp_, "frmScan.OPTSIZE", "optChoice"});
+  EXPECT_EQ(stopped.status, 2);
+  EXPECT_NE(stopped.err.find("error 5: nothing is written"), std::string::npos) << stopped.err;
+  EXPECT_NE(stopped.out.find("; nothing written"), std::string::npos) << stopped.out;
+  EXPECT_EQ(File("frmScan.frm"), frm_);
+  fs::permissions(moduleFile, fs::perms::owner_write, fs::perm_options::add);
+
   const auto shown = Qx({"rename", vbp_, "frmScan.OPTSIZE", "optChoice"});
   ASSERT_EQ(shown.status, 0) << shown.err;
   EXPECT_EQ(File("frmScan.frm"), frm_);
