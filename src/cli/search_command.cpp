@@ -148,7 +148,7 @@ class Run {
     totals_.idesKept = warm_.Count();
     totals_.keptFor = keep_.idle;
     if (options_.summary) printer_.SearchSummary(totals_, options_.style);
-    if (error_ || totals_.refused > 0) return kExitError;
+    if (errors_ > 0 || totals_.refused > 0) return kExitError;
     return totals_.matches > 0 ? kExitMatch : kExitNoMatch;
   }
 
@@ -189,7 +189,7 @@ class Run {
     if (Interrupted() != 0) return;
     printer_.Report(problem);
     ++totals_.problems;
-    if (!problem.note) error_ = true;
+    if (!problem.note) ++errors_;
     if (!problem.project.empty() && !projectReported_) {
       projectReported_ = true;
       ++totals_.projectsWithProblems;
@@ -244,7 +244,7 @@ class Run {
                   "hold; name it relative to the project file"});
     }
     FileChange projectChange{projectFile, platform::ReadFile(copy.project().string()), {}};
-    const size_t failedBefore = totals_.refused + totals_.problems;
+    const size_t failedBefore = totals_.refused + errors_;
     PassResult preview = Pass(session, copy.project(), &copy, reachable);
     Unreached(reachable);
     // Renaming a module or class renames its entry in the project file too.
@@ -256,7 +256,7 @@ class Run {
     }
     if (!options_.write || preview.changed.empty() || Interrupted() != 0) return;
     // A change that must be whole (a rename and its references) is not written in part.
-    if (options_.whole && totals_.refused + totals_.problems != failedBefore) {
+    if (options_.whole && totals_.refused + errors_ != failedBefore) {
       Report({false, project_, "", 0, 5,
               "nothing is written: the change cannot be made at every place it needs (the "
               "errors above)"});
@@ -778,7 +778,7 @@ class Run {
   std::set<std::string> done_;  // component files already searched in this run
   ProgressLine* progress_ = nullptr;
   SearchTotals totals_;
-  bool error_ = false;
+  size_t errors_ = 0;             // the problems reported that are errors, not notes
   bool withheld_ = false;         // a write that had to be whole was not made
   std::string project_;           // the project being searched, as shown
   bool projectReported_ = false;  // a problem of it has been reported
