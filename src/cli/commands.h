@@ -72,6 +72,7 @@ struct RenameOptions {
   std::string control;  // COMPONENT.OLDNAME
   std::string newName;
   bool write = false;
+  bool interactive = false;  // ask about each place, write those accepted
   bool noKeep = false;
 };
 

@@ -265,6 +265,10 @@ Verb AddRename(CLI::App& app, Options& o) {
   verb->add_option("NEWNAME", o.rename.newName, "The control's new name")->required();
   verb->add_flag("--write", o.rename.write, "Write the rename into the project");
   verb->add_flag("--json", o.json, kJsonHelp);
+  verb->add_flag("--interactive", o.rename.interactive,
+                 "Show each place's change and ask whether to make it (y, n, a, d, q, ?); write "
+                 "the places accepted")
+      ->excludes(verb->get_option("--json"));
   verb->add_flag("--no-keep", o.rename.noKeep, kNoKeepHelp);
   return {verb, [&o](cli::Printer& printer) { return cli::RunRename(o.rename, printer); }, nullptr,
           true};

@@ -2,6 +2,7 @@
 // has been looked at (rename_plan.h), so that the preview, the write and their exit statuses are
 // those of qx replace.
 
+#include <iostream>
 #include <nlohmann/json.hpp>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "cli/commands.h"
 #include "cli/project_files.h"
 #include "cli/rename_plan.h"
+#include "cli/review.h"
 #include "foundation/vxhandler.h"
 
 namespace cli {
@@ -178,8 +180,9 @@ int RunRename(const RenameOptions& options, Printer& printer) {
   // through its component (frmMain.Option1). A string that holds its name may be a reference
   // (frmMain.Controls("Option1")): it is said, and left as it is.
   run.replacement = target.newName;
-  run.write = options.write;
+  run.write = options.write || options.interactive;
   run.whole = true;
+  Review review(std::cin, std::cout);
   return RunScans(
       run,
       [&](const Look& scan) -> std::optional<std::string> {
@@ -198,7 +201,7 @@ int RunRename(const RenameOptions& options, Printer& printer) {
         if (SameVbName(component, target.component)) return own;
         return ReferenceRequest(target);
       },
-      printer);
+      printer, options.interactive ? &review : nullptr);
 }
 
 }  // namespace cli
