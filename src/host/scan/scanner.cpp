@@ -27,19 +27,42 @@ json ErrorJson(const automation::Error& error) {
   return json{{"number", error.Number()}, {"description", error.Description()}};
 }
 
+// The options for procedure texts: only the parts of the code that the scopes ask for.
+MatchOptions CodeOptions(const ScanRequest& request) {
+  MatchOptions options = request.options;
+  options.codeParts = request.CodeParts();
+  return options;
+}
+
+// A request with its patterns and replacement compiled.
+struct CompiledRequest {
+  explicit CompiledRequest(const std::string& text)
+      : request(ScanRequest::Parse(text)),
+        matcher(request.patterns, request.options),
+        codeMatcher(request.patterns, CodeOptions(request)) {
+    if (request.replacement) replacement.emplace(*request.replacement, matcher);
+  }
+  CompiledRequest(const CompiledRequest&) = delete;
+  CompiledRequest& operator=(const CompiledRequest&) = delete;
+
+  const ScanRequest request;
+  Matcher matcher;
+  Matcher codeMatcher;  // for procedure texts
+  std::optional<Replacement> replacement;
+};
+
 // One ScanObject: the walk over the component's places and the result document it fills.
 class Walk {
  public:
-  Walk(const ScanRequest& request, const ObjectRef& component, std::string componentName,
+  Walk(CompiledRequest& compiled, const ObjectRef& component, std::string componentName,
        bool updatable)
-      : request_(request),
+      : request_(compiled.request),
         component_(component),
         componentName_(std::move(componentName)),
         updatable_(updatable),
-        matcher_(request.patterns, request.options),
-        codeMatcher_(request.patterns, CodeOptions(request)) {
-    if (request.replacement) replacement_.emplace(*request.replacement, matcher_);
-  }
+        matcher_(compiled.matcher),
+        codeMatcher_(compiled.codeMatcher),
+        replacement_(compiled.replacement) {}
 
   void Run(json& result) {
     places_ = json::array();
@@ -168,31 +191,24 @@ class Walk {
     }
   }
 
-  // The options for procedure texts: only the parts of the code that the scopes ask for.
-  static MatchOptions CodeOptions(const ScanRequest& request) {
-    MatchOptions options = request.options;
-    options.codeParts = request.CodeParts();
-    return options;
-  }
-
   const ScanRequest& request_;
   const ObjectRef& component_;
   const std::string componentName_;
   const bool updatable_;
-  Matcher matcher_;
-  Matcher codeMatcher_;  // for procedure texts
-  std::optional<Replacement> replacement_;
+  Matcher& matcher_;
+  Matcher& codeMatcher_;  // for procedure texts
+  const std::optional<Replacement>& replacement_;
   json places_;
   json problems_;
   std::vector<Change> changes_;
 };
 
-// A run hands every component the same request: it is parsed on its first use only.
-std::shared_ptr<const ScanRequest> ParsedRequest(std::string text) {
+// A run hands every component the same request: it is parsed and compiled on its first use only.
+std::shared_ptr<CompiledRequest> Compiled(std::string text) {
   thread_local std::string lastText;
-  thread_local std::shared_ptr<const ScanRequest> last;
+  thread_local std::shared_ptr<CompiledRequest> last;
   if (!last || text != lastText) {
-    last = std::make_shared<const ScanRequest>(ScanRequest::Parse(text));
+    last = std::make_shared<CompiledRequest>(text);
     lastText = std::move(text);
   }
   return last;
@@ -221,8 +237,7 @@ void Scanner::ScanObject(const std::string& projectName, const std::string& coll
         "No scan buffer is registered under the name \"" + scanBufferName + "\".");
   }
   const Dispatch bufferCalls(buffer);
-  const std::shared_ptr<const ScanRequest> request =
-      ParsedRequest(bufferCalls.Get("Request").ToString());
+  const std::shared_ptr<CompiledRequest> request = Compiled(bufferCalls.Get("Request").ToString());
 
   json result{{"project", projectName},
               {"collection", collectionName},
