@@ -212,4 +212,10 @@ bool IsRemote(const ObjectRef& object) {
   return dynamic_cast<const RemoteObject*>(object.get()) != nullptr;
 }
 
+std::optional<long> ServingProcess(const ObjectRef& object) {
+  if (const auto* proxy = dynamic_cast<const RemoteObject*>(object.get()))
+    return proxy->ProcessId();
+  return std::nullopt;
+}
+
 }  // namespace automation

@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "automation/object.h"
@@ -44,5 +45,8 @@ void SetIncomingCallObserver(std::function<void(const Object& callee)> observer)
 // True when the object is a proxy for an object of another process (for tests and diagnostics:
 // callers need not care).
 bool IsRemote(const ObjectRef& object);
+
+// The process that serves the object, for a proxy; none for an object of this process.
+std::optional<long> ServingProcess(const ObjectRef& object);
 
 }  // namespace automation

@@ -42,29 +42,55 @@ ScanPlace PlaceOf(const json& value) {
   return place;
 }
 
+std::vector<ComponentScan> ScansOf(const json& documents) {
+  std::vector<ComponentScan> scans;
+  for (const json& d : documents) {
+    ComponentScan scan;
+    scan.project = d.value("project", std::string());
+    scan.collection = d.at("collection").get<std::string>();
+    scan.component = d.at("component").get<std::string>();
+    scan.updatable = d.value("updatable", false);
+    for (const json& place : d.at("places"))
+      scan.places.push_back(PlaceOf(place));
+    if (d.contains("problems")) {
+      for (const json& problem : d["problems"])
+        scan.problems.push_back(ErrorOf(problem));
+    }
+    scans.push_back(std::move(scan));
+  }
+  return scans;
+}
+
+[[noreturn]] void Unreadable(const json::exception& e) {
+  throw automation::Error(5, "qx", std::string("The scan results are not readable: ") + e.what());
+}
+
 }  // namespace
 
 std::vector<ComponentScan> ParseScanResults(std::string_view text) {
   try {
-    const json documents = json::parse(text);
-    std::vector<ComponentScan> scans;
-    for (const json& d : documents) {
-      ComponentScan scan;
-      scan.project = d.value("project", std::string());
-      scan.collection = d.at("collection").get<std::string>();
-      scan.component = d.at("component").get<std::string>();
-      scan.updatable = d.value("updatable", false);
-      for (const json& place : d.at("places"))
-        scan.places.push_back(PlaceOf(place));
-      if (d.contains("problems")) {
-        for (const json& problem : d["problems"])
-          scan.problems.push_back(ErrorOf(problem));
-      }
-      scans.push_back(std::move(scan));
-    }
-    return scans;
+    return ScansOf(json::parse(text));
   } catch (const json::exception& e) {
-    throw automation::Error(5, "qx", std::string("The scan results are not readable: ") + e.what());
+    Unreadable(e);
+  }
+}
+
+std::vector<AgentOutcome> ParseAgentOutcomes(std::string_view text) {
+  try {
+    std::vector<AgentOutcome> outcomes;
+    for (const json& element : json::parse(text)) {
+      AgentOutcome& outcome = outcomes.emplace_back();
+      if (const auto results = element.find("results"); results != element.end()) {
+        outcome.scans = ScansOf(*results);
+        continue;
+      }
+      const ScanError error = ErrorOf(element.at("error"));
+      outcome.error = automation::Error(error.number, "", error.description);
+      outcome.atFactory = element.at("at").get<std::string>() == "factory";
+    }
+    return outcomes;
+  } catch (const json::exception& e) {
+    Unreadable(e);
   }
 }
 

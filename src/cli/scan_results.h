@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "automation/error.h"
+
 namespace cli {
 
 struct ScanError {
@@ -52,5 +54,17 @@ struct ComponentScan {
 // The buffer's Results: a JSON array of component documents. Raises 5 naming what is wrong when
 // the document is not one.
 std::vector<ComponentScan> ParseScanResults(std::string_view json);
+
+// What the scan agent did with one component of a batch (host/scan/scan_agent.h): the result
+// documents of its scan, or the error that stopped it and whether making the component object
+// raised it.
+struct AgentOutcome {
+  std::vector<ComponentScan> scans;
+  std::optional<automation::Error> error;
+  bool atFactory = false;
+};
+
+// The agent's answer, one outcome per component it did. Raises 5 when it is not one.
+std::vector<AgentOutcome> ParseAgentOutcomes(std::string_view json);
 
 }  // namespace cli

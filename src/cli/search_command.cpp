@@ -35,12 +35,14 @@
 #include "cli/project_files.h"
 #include "cli/project_survey.h"
 #include "cli/review.h"
+#include "cli/scan_agent.h"
 #include "cli/scan_buffer.h"
 #include "cli/scan_results.h"
 #include "cli/scratch_copy.h"
 #include "cli/session.h"
 #include "cli/unified_diff.h"
 #include "cli/warm_ides.h"
+#include "contracts/component_kinds.h"
 #include "contracts/driver_interfaces.h"
 #include "contracts/enumeration.h"
 #include "host/run_view.h"
@@ -54,6 +56,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::string_view kDesigners = "Designers";
+// How many components of a search wait to be scanned by the IDE's agent in one batch.
+constexpr size_t kBatch = 128;
 
 double Since(Clock::time_point start) {
   return std::chrono::duration<double>(Clock::now() - start).count();
@@ -89,6 +93,16 @@ struct PassResult {
   std::vector<ScannedFile> changed;
 };
 
+// A search's component waiting for its batch to be scanned by the IDE's agent, or one that the
+// prefilter passed over behind such, shown in its turn.
+struct Queued {
+  std::string collection;
+  contracts::EnumerationEntry entry;
+  const ComponentFile* file = nullptr;
+  std::optional<std::string> bytes;
+  std::optional<ScannedFile> unmatched;  // passed over by the prefilter: shown as it is
+};
+
 class Run {
  public:
   Run(const SearchOptions& options, Printer& printer, RequestPlan plan, Review* review)
@@ -99,7 +113,8 @@ class Run {
         unseenOnly_(options.only.begin(), options.only.end()),
         keep_(Keep(options)),
         warm_(keep_),
-        prefiltering_(options.prefilter) {}
+        prefiltering_(options.prefilter),
+        batchRequest_(options.batch ? BuildRequest(options) : std::string()) {}
 
   int Go() {
     const ProjectDiscovery discovery = FindProjects(options_.paths);
@@ -277,6 +292,7 @@ class Run {
       // them apart. With a designer among the components the IDE is reached first, so that the
       // listing is its own and a page is searched as a page, its HTML included.
       const std::vector<ComponentFile>& files = survey.files;
+      const bool batch = !batchRequest_.empty() && copy == nullptr;
       bool reached = false;
       if (std::any_of(files.begin(), files.end(),
                       [](const ComponentFile& file) { return file.collection == kDesigners; })) {
@@ -299,31 +315,132 @@ class Run {
           if (file != nullptr && prefilter_) {
             bytes = ReadIfReadable(copy ? copy->Inside(file->file) : file->file);
             if (bytes && !prefilter_->CouldMatch(collection.name, entry.name, *bytes)) {
-              Show(Unmatched(collection.name, entry, *file, std::move(*bytes), session.CodePage()));
-              progress_->ComponentDone();
+              ScannedFile unmatched =
+                  Unmatched(collection.name, entry, *file, std::move(*bytes), session.CodePage());
+              // Shown in its turn: after the components waiting for their batch.
+              if (!queue_.empty()) {
+                queue_.push_back(
+                    {collection.name, entry, file, std::nullopt, std::move(unmatched)});
+              } else {
+                Show(unmatched);
+                progress_->ComponentDone();
+              }
               continue;
             }
           }
           // Only a failure to reach the IDE is the project's; once it is reached, whatever fails
           // is the component's own.
           if (!reached) {
-            Reach(project);
+            const automation::ObjectRef dispatcher = Reach(project);
             reached = true;
+            if (batch) StartAgent(dispatcher, project, scanned);
           }
-          try {
-            if (std::optional<ScannedFile> changed =
-                    Component(project, scanned, collection.name, entry, file, copy,
-                              session.CodePage(), std::move(bytes))) {
-              result.changed.push_back(std::move(*changed));
-            }
-            progress_->ComponentDone();
-          } catch (const automation::Error& e) {
-            ComponentFailed(entry.name, file, e);
+          if (agent_) {
+            queue_.push_back({collection.name, entry, file, std::move(bytes), std::nullopt});
+            if (queue_.size() >= kBatch) Flush(project, scanned, session.CodePage(), result);
+            continue;
           }
+          ScanComponent(project, scanned, collection.name, entry, file, copy, session.CodePage(),
+                        std::move(bytes), result);
         }
       }
+      Flush(project, scanned, session.CodePage(), result);
     });
+    agent_.reset();
     return result;
+  }
+
+  // One component scanned and shown; what fails is the component's.
+  void ScanComponent(const automation::ObjectRef& project, const fs::path& scanned,
+                     const std::string& collection, const contracts::EnumerationEntry& entry,
+                     const ComponentFile* file, const ScratchCopy* copy,
+                     const platform::ProjectCodePage& codePage, std::optional<std::string> bytes,
+                     PassResult& result) {
+    try {
+      if (std::optional<ScannedFile> changed = Component(project, scanned, collection, entry, file,
+                                                         copy, codePage, std::move(bytes))) {
+        result.changed.push_back(std::move(*changed));
+      }
+      progress_->ComponentDone();
+    } catch (const automation::Error& e) {
+      ComponentFailed(entry.name, file, e);
+    }
+  }
+
+  // A search has its components scanned by an agent in the IDE's process, a batch at a time.
+  // Without one (the IDE cannot make it), each is scanned on its own, as a replace's are.
+  void StartAgent(const automation::ObjectRef& dispatcher, const automation::ObjectRef& project,
+                  const fs::path& scanned) {
+    agent_.reset();
+    queue_.clear();
+    prefetched_.clear();
+    try {
+      agent_.emplace(dispatcher, project, scanned.stem().string());
+    } catch (const automation::Error&) {
+      // One by one then: the first component says what is wrong, if anything is.
+    }
+  }
+
+  // Scans the waiting components through the agent, then shows each in its turn as a scan on
+  // its own would (Component takes the agent's outcome for it).
+  void Flush(const automation::ObjectRef& project, const fs::path& scanned,
+             const platform::ProjectCodePage& codePage, PassResult& result) {
+    std::vector<Queued> queue = std::move(queue_);
+    queue_.clear();
+    Prefetch(queue);
+    for (Queued& queued : queue) {
+      if (Stopped()) break;
+      if (queued.unmatched) {
+        Show(*queued.unmatched);
+        progress_->ComponentDone();
+        continue;
+      }
+      ScanComponent(project, scanned, queued.collection, queued.entry, queued.file, nullptr,
+                    codePage, std::move(queued.bytes), result);
+    }
+    prefetched_.clear();
+  }
+
+  void Prefetch(const std::vector<Queued>& queue) {
+    if (!agent_) return;
+    std::vector<AgentItem> items;
+    std::vector<std::string> keys;
+    for (const Queued& queued : queue) {
+      if (queued.unmatched) continue;
+      const contracts::ComponentKind* kind = contracts::FindCollectionKind(queued.collection);
+      if (kind == nullptr) continue;
+      items.push_back({std::string(kind->factory), queued.entry.name, queued.entry.writable});
+      keys.push_back(AgentKey(queued.collection, queued.entry.name));
+    }
+    if (items.empty()) return;
+    try {
+      std::vector<AgentOutcome> outcomes = agent_->Scan(items, batchRequest_);
+      for (size_t i = 0; i < keys.size(); ++i)
+        prefetched_[keys[i]] = std::move(outcomes[i]);
+    } catch (const automation::Error&) {
+      // The agent could not do them (its IDE has ended, say): each is scanned on its own, which
+      // says what fails where.
+      agent_.reset();
+    }
+  }
+
+  static std::string AgentKey(const std::string& collection, const std::string& name) {
+    return collection + "/" + name;
+  }
+
+  // What the agent found for the component with the request, taken once; none when the
+  // component must be scanned on its own: it was not in a batch, or making its object failed
+  // there (made again here, that says exactly what a scan on its own says).
+  std::optional<std::vector<ComponentScan>> Prefetched(const std::string& collection,
+                                                       const std::string& name,
+                                                       const std::string& request) {
+    const auto it = prefetched_.find(AgentKey(collection, name));
+    if (it == prefetched_.end() || request != batchRequest_) return std::nullopt;
+    AgentOutcome outcome = std::move(it->second);
+    prefetched_.erase(it);
+    if (outcome.error && outcome.atFactory) return std::nullopt;
+    if (outcome.error) throw *outcome.error;
+    return std::move(outcome.scans);
   }
 
   // Opens the project in the driver for the body, and lets it go afterwards.
@@ -366,8 +483,8 @@ class Run {
 
   // Connects the project to its IDE, starting one if need be: a failure here (the IDE cannot be
   // started, the project cannot be opened) is the project's.
-  static void Reach(const automation::ObjectRef& project) {
-    automation::Dispatch(project).Get("Dispatcher");
+  static automation::ObjectRef Reach(const automation::ObjectRef& project) {
+    return automation::Dispatch(project).Get("Dispatcher").ToObject();
   }
 
   // Every component file of the project is searched, or has been said not to be: one that the
@@ -461,11 +578,18 @@ class Run {
       onDisk = copy ? copy->Inside(file->file) : file->file;
       scanned.before = bytes ? std::move(*bytes) : platform::ReadFile(onDisk.string());
     }
-    const automation::ObjectRef object =
-        contracts::ICollection(contracts::IProject(project).GetCollection(collection))
-            .GetObject(entry.name);
+    // The component object, made when a scan needs it: one the agent scanned needs none.
+    automation::ObjectRef object;
+    const auto objectOf = [&]() -> const automation::ObjectRef& {
+      if (!object) {
+        object = contracts::ICollection(contracts::IProject(project).GetCollection(collection))
+                     .GetObject(entry.name);
+      }
+      return object;
+    };
     const Look look = [&](const std::string& request) {
-      return Scan(object, projectFile, entry, request);
+      if (auto scans = Prefetched(collection, entry.name, request)) return std::move(*scans);
+      return Scan(objectOf(), projectFile, entry, request);
     };
     const std::optional<std::string> request = plan_(look);
     if (!request) return std::nullopt;
@@ -476,7 +600,7 @@ class Run {
     std::map<fs::path, FileChange> companions;
     if (replacing) ReadCompanions(onDisk, copy, companions, &FileChange::before);
     std::optional<ScannedFile> changed;
-    for (ComponentScan& scan : Scan(object, projectFile, entry, *request)) {
+    for (ComponentScan& scan : look(*request)) {
       scanned.scan = std::move(scan);
       for (const ScanPlace& place : scanned.scan.places)
         unseenOnly_.erase(place.id);
@@ -493,7 +617,7 @@ class Run {
         const bool refused = Refused(scanned.scan);
         const bool declined = copy != nullptr && review_ != nullptr && Ask(scanned);
         if (copy != nullptr && (refused || declined) && Changed(scanned)) {
-          Redo(object, projectFile, entry, onDisk, scanned, companions);
+          Redo(objectOf(), projectFile, entry, onDisk, scanned, companions);
         }
         scanned.accepted = Accepted(scanned.scan);
       }
@@ -769,7 +893,13 @@ class Run {
   WarmIdes warm_;  // the IDEs this run started and keeps
   const bool prefiltering_;
   std::optional<Prefilter> prefilter_;  // the project's, when the run prefilters
-  std::string request_;                 // the request the buffer holds
+  // A search's batches: the one request of its components, the agent of the project's IDE, the
+  // components waiting for their batch, and what the agent found for those not shown yet.
+  const std::string batchRequest_;  // empty: every component is scanned on its own
+  std::optional<ScanAgentView> agent_;
+  std::vector<Queued> queue_;
+  std::map<std::string, AgentOutcome> prefetched_;
+  std::string request_;  // the request the buffer holds
   // The run's scan buffer, made on first use (the session registers its class) and let go
   // before the session ends.
   std::optional<ScanBufferView> buffer_;
@@ -805,6 +935,7 @@ int RunSearch(SearchOptions& options, Printer& printer) {
   }
   const std::string request = BuildRequest(options);
   options.prefilter = Prefilter::Enabled();
+  options.batch = !options.replacement && ScanAgentView::Enabled();
   const auto plan = [&request](const Look&) { return request; };
   if (!options.interactive) return RunScans(options, plan, printer);
   Review review(std::cin, std::cout);

@@ -46,6 +46,9 @@ struct SearchOptions {
   // Pass over a component whose bytes cannot hold a match without asking the IDE (search and
   // replace; a rename looks at every component)
   bool prefilter = false;
+  // Have an agent in the IDE's process scan the components, many per call (a search: every
+  // component takes the options' request); false: one call per component
+  bool batch = false;
   // All or nothing: a project whose preview failed anywhere is not written (a rename)
   bool whole = false;
 };

@@ -6,7 +6,9 @@
 // Its members (class "IdeControl"): ProcessId (Long), Projects (the open projects' file names,
 // joined by tab characters), IdleSeconds (Long, since the last call into the IDE from another
 // process, calls to the control object not counted), Quit (ends the IDE once the current call
-// has returned), ShowWindow(hWnd, nCmdShow) (Boolean: ShowWindow on a window of the IDE).
+// has returned), ShowWindow(hWnd, nCmdShow) (Boolean: ShowWindow on a window of the IDE),
+// CreateObject(ProgId) (an object of a class registered in the IDE's process, made there, as
+// Windows makes an object in the server process that registered its class: the scan agent).
 
 #include <chrono>
 #include <optional>

@@ -13,6 +13,7 @@
 #include "host/problem_log.h"
 #include "host/problem_log_link.h"
 #include "host/registry_key.h"
+#include "host/scan/scan_agent.h"
 #include "host/scan/scan_buffer.h"
 #include "host/scan/scanner.h"
 #include "host/tracer.h"
@@ -38,6 +39,7 @@ void RegisterClasses() {
   RegisterNew<RegistryKey>();
   RegisterNew<scan::Scanner>();
   RegisterNew<scan::ScanBuffer>();
+  RegisterNew<scan::ScanAgent>();
   // One per process: every creation gives the current process's object.
   automation::RegisterClass(Tracer::kProgId, [] { return Tracer::Instance(); });
   automation::RegisterClass(HostUtility::kProgId, [] { return HostUtility::Instance(); });

@@ -233,8 +233,9 @@ std::string Untimed(const std::string& out) {
 // Needles where the presented text and the file's bytes differ: a caption's doubled quote, a
 // control array member's index, a default property value, letters whose other case is not ASCII,
 // a list item kept in the .frx alone, text in GBK and in Windows-1252, a regular expression, and
-// a word found nowhere. Each run prints with the prefilter what it prints without.
-TEST_F(SearchRuns, PrefilteredRunsPrintWhatFullRunsPrint) {
+// a word found nowhere. Each run prints with the prefilter and the IDE's scan agent what it prints
+// with every component asked of the IDE one by one; a search also with the agent alone.
+TEST_F(SearchRuns, PrefilteredAndBatchedRunsPrintWhatFullRunsPrint) {
   const fs::path all = work() / "all";
   fs::create_directories(all / "ide");
   for (const char* project : {"gbk", "sjis", "german"}) {
@@ -291,15 +292,20 @@ TEST_F(SearchRuns, PrefilteredRunsPrintWhatFullRunsPrint) {
   const auto both = [&](std::vector<std::string> args) {
     SCOPED_TRACE(::testing::PrintToString(args));
     args.push_back(all.string());
-    ::setenv("QX_NO_PREFILTER", "1", 1);
-    const auto full = Qx(args);
-    ::unsetenv("QX_NO_PREFILTER");
-    const auto prefiltered = Qx(args);
-    EXPECT_EQ(prefiltered.status, full.status) << full.err;
     const bool json = std::find(args.begin(), args.end(), "--json") != args.end();
-    EXPECT_EQ(json ? Untimed(prefiltered.out) : prefiltered.out,
-              json ? Untimed(full.out) : full.out);
-    EXPECT_EQ(prefiltered.err, full.err);
+    ::setenv("QX_NO_PREFILTER", "1", 1);
+    ::setenv("QX_NO_BATCH", "1", 1);
+    const auto full = Qx(args);
+    ::unsetenv("QX_NO_BATCH");
+    std::vector<qxtest::RunResult> runs;
+    if (args[0] == "search") runs.push_back(Qx(args));
+    ::unsetenv("QX_NO_PREFILTER");
+    runs.push_back(Qx(args));
+    for (const qxtest::RunResult& run : runs) {
+      EXPECT_EQ(run.status, full.status) << full.err;
+      EXPECT_EQ(json ? Untimed(run.out) : run.out, json ? Untimed(full.out) : full.out);
+      EXPECT_EQ(run.err, full.err);
+    }
   };
   for (const std::vector<std::string>& needle : needles) {
     std::vector<std::string> search{"search", "--json"};

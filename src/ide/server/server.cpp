@@ -69,6 +69,7 @@ class IdeControl : public automation::Object {
                                                   .Get("IdleSeconds", &IdeControl::IdleSeconds)
                                                   .Method("Quit", &IdeControl::Quit)
                                                   .Method("ShowWindow", &IdeControl::ShowWindow)
+                                                  .Method("CreateObject", &IdeControl::Create)
                                                   .Build();
     return info;
   }
@@ -88,6 +89,10 @@ class IdeControl : public automation::Object {
   }
   void Quit() { activity_.quit = true; }
   bool ShowWindow(int32_t hWnd, int32_t command) { return platform::ShowWindow(hWnd, command); }
+  automation::ObjectRef Create(const std::string& progId) {
+    automation::Process::Scope scope(ide_.Process());
+    return automation::CreateObject(progId);
+  }
 
  private:
   Ide& ide_;

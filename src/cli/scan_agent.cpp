@@ -1,0 +1,67 @@
+#include "cli/scan_agent.h"
+
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <string_view>
+
+#include "automation/error.h"
+#include "automation/remote.h"
+#include "host/host_utility.h"
+#include "host/ide_control.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* kAgentClass = "qxlib41.ScanAgent";
+
+// The agent, made by the control object of the IDE process that serves the dispatcher.
+automation::ObjectRef MakeAgent(const automation::ObjectRef& dispatcher) {
+  const std::optional<long> ide = automation::ServingProcess(dispatcher);
+  if (!ide) return automation::CreateObject(kAgentClass);
+  const automation::ObjectRef control =
+      host::HostUtility::Instance()->GetRegisteredObject(host::ControlName(*ide));
+  if (!control) automation::Raise(automation::err::kServerUnavailable);
+  return automation::Dispatch(control).Call("CreateObject", kAgentClass).ToObject();
+}
+
+std::string ItemsJson(const std::vector<AgentItem>& items, size_t from) {
+  nlohmann::json list = nlohmann::json::array();
+  for (size_t i = from; i < items.size(); ++i)
+    list.push_back({{"factory", items[i].factory},
+                    {"name", items[i].name},
+                    {"updatable", items[i].updatable}});
+  return list.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+}  // namespace
+
+ScanAgentView::ScanAgentView(automation::ObjectRef dispatcher, automation::ObjectRef project,
+                             std::string projectName)
+    : dispatcher_(std::move(dispatcher)),
+      project_(std::move(project)),
+      projectName_(std::move(projectName)),
+      agent_(MakeAgent(dispatcher_)) {}
+
+bool ScanAgentView::Enabled() {
+  const char* off = std::getenv("QX_NO_BATCH");
+  return off == nullptr || std::string_view(off) != "1";
+}
+
+std::vector<AgentOutcome> ScanAgentView::Scan(const std::vector<AgentItem>& items,
+                                              const std::string& request) const {
+  std::vector<AgentOutcome> outcomes;
+  while (outcomes.size() < items.size()) {
+    std::vector<AgentOutcome> done =
+        ParseAgentOutcomes(agent_
+                               .Call("ScanComponents", dispatcher_, project_, projectName_,
+                                     ItemsJson(items, outcomes.size()), request)
+                               .ToString());
+    if (done.empty()) automation::Raise(automation::err::kInternal, "the scan agent did nothing");
+    for (AgentOutcome& outcome : done)
+      outcomes.push_back(std::move(outcome));
+  }
+  outcomes.resize(items.size());
+  return outcomes;
+}
+
+}  // namespace cli

@@ -1,0 +1,94 @@
+#include "host/scan/scan_agent.h"
+
+#include <unistd.h>
+
+#include <nlohmann/json.hpp>
+
+#include "automation/error.h"
+#include "host/host_utility.h"
+#include "host/scan/scan_buffer.h"
+
+namespace host::scan {
+namespace {
+
+using automation::Dispatch;
+using automation::ObjectRef;
+using json = nlohmann::json;
+using Clock = std::chrono::steady_clock;
+
+std::string Failure(const automation::Error& error, std::string_view at) {
+  return json{{"error", {{"number", error.Number()}, {"description", error.Description()}}},
+              {"at", at}}
+      .dump(-1, ' ', false, json::error_handler_t::replace);
+}
+
+}  // namespace
+
+ScanAgent::ScanAgent() : buffer_(std::make_shared<ScanBuffer>()) {}
+
+ScanAgent::~ScanAgent() {
+  if (cookie_ == 0) return;
+  try {
+    HostUtility::Instance()->RevokeObject(cookie_);
+  } catch (...) {
+    // Revoking only drops the table's entry; the process's entries go with it.
+  }
+}
+
+const automation::ClassInfo& ScanAgent::Class() const {
+  static const automation::ClassInfo info =
+      automation::ClassBuilder<ScanAgent>("ScanAgent")
+          .Method("ScanComponents", &ScanAgent::ScanComponents,
+                  {"Dispatcher", "Project", "ProjectName", "Components", "Request"})
+          .Build();
+  return info;
+}
+
+void ScanAgent::Register() {
+  if (cookie_ != 0) return;
+  static int serial = 0;
+  bufferName_ = "qx-agent-" + std::to_string(::getpid()) + "-" + std::to_string(++serial);
+  cookie_ = HostUtility::Instance()->RegisterObject(bufferName_, buffer_);
+}
+
+std::string ScanAgent::ScanComponents(const ObjectRef& dispatcher, const ObjectRef& project,
+                                      const std::string& projectName, const std::string& components,
+                                      const std::string& request) {
+  if (!dispatcher) automation::Raise(automation::err::kObjectNotSet, "no project dispatcher");
+  const json list = json::parse(components, nullptr, false);
+  if (!list.is_array()) {
+    automation::Raise(automation::err::kInvalidCall, "the components must be a JSON array");
+  }
+  Register();
+  buffer_->SetRequest(request);
+  const Dispatch factories(dispatcher);
+  const Clock::time_point started = Clock::now();
+  std::string answer = "[";
+  for (size_t i = 0; i < list.size(); ++i) {
+    if (i > 0 && Clock::now() - started >= kSlice) break;
+    const json& item = list[i];
+    const std::string name = item.value("name", "");
+    if (i > 0) answer += ',';
+    ObjectRef object;
+    try {
+      object = factories.Call(item.value("factory", ""), project, name).ToObject();
+      if (!object) automation::Raise(automation::err::kObjectNotSet);
+    } catch (const automation::Error& e) {
+      answer += Failure(e, "factory");
+      continue;
+    }
+    buffer_->Clear();
+    try {
+      Dispatch(object, "IObject")
+          .Call("Scan", projectName, name, item.value("updatable", false), bufferName_);
+      answer += "{\"results\":" + buffer_->Results() + "}";
+    } catch (const automation::Error& e) {
+      answer += Failure(e, "scan");
+    }
+  }
+  buffer_->Clear();
+  answer += ']';
+  return answer;
+}
+
+}  // namespace host::scan

@@ -1,0 +1,60 @@
+#pragma once
+// ScanAgent: many components of one project scanned in one call, in the process that holds
+// them. Scanning component by component from qx costs several calls between the processes for
+// each (the component object made, its scan, the scanner's look-up of the buffer and its
+// result); an agent made in the IDE's process (IdeControl.CreateObject) does the same steps there,
+// for a list of components, and answers once.
+//
+// For each component the agent calls what qx calls per component: the project dispatcher's
+// factory for the component's kind (Get<Kind>(project, name)), then IObject.Scan with a scan
+// buffer of its own (registered once, for as long as the agent lives), so that the component
+// object, its modes and the Scanner do exactly what they do for a single scan.
+//
+// ScanComponents(Dispatcher, Project, ProjectName, Components, Request) takes the components as
+// a JSON array, [{"factory": "GetModule", "name": "Module1", "updatable": true}, ...], and
+// answers a JSON array with one element per component it did, in order:
+//
+//   {"results": [<the Scanner's result documents, as the buffer keeps them>]}
+//   {"error": {"number": 91, "description": "..."}, "at": "factory" | "scan"}
+//
+// It stops after the component that ends its time slice, so that one call never holds the IDE
+// for long (a `qx ide stop`, another host's look-up wait for it): the caller sends the rest
+// again. At least one component is always done.
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "automation/object.h"
+
+namespace host::scan {
+
+class ScanBuffer;
+
+class ScanAgent : public automation::Object {
+ public:
+  static constexpr const char* kProgId = "qxlib41.ScanAgent";
+  // How long one ScanComponents call goes on starting components.
+  static constexpr std::chrono::milliseconds kSlice{100};
+
+  ScanAgent();
+  ~ScanAgent() override;
+  ScanAgent(const ScanAgent&) = delete;
+  ScanAgent& operator=(const ScanAgent&) = delete;
+
+  const automation::ClassInfo& Class() const override;
+
+  std::string ScanComponents(const automation::ObjectRef& dispatcher,
+                             const automation::ObjectRef& project, const std::string& projectName,
+                             const std::string& components, const std::string& request);
+
+ private:
+  // The buffer through which the component objects' scans answer, registered on first use.
+  void Register();
+
+  std::shared_ptr<ScanBuffer> buffer_;
+  std::string bufferName_;
+  int32_t cookie_ = 0;
+};
+
+}  // namespace host::scan
