@@ -6,7 +6,8 @@
 // buffer object.
 //
 // The request and each result are JSON documents (scan_request.h, scanner.h); the buffer keeps
-// them as text and checks only that a result is well-formed JSON.
+// them as text and checks only that a result is one object (braces around it); its reader parses
+// it.
 
 #include <string>
 #include <vector>
@@ -23,7 +24,7 @@ class ScanBuffer : public automation::Object {
 
   const std::string& Request() const { return request_; }
   void SetRequest(std::string request) { request_ = std::move(request); }
-  // Keeps the results of one ScanObject call. A text that is not one JSON object raises 5.
+  // Keeps the results of one ScanObject call. A text not within braces raises 5.
   void AddResult(const std::string& result);
   // Every result kept so far, as a JSON array in the order they arrived.
   std::string Results() const;
