@@ -129,7 +129,8 @@ TEST(Mutation, DamagedFilesLoadOrFailCleanlyAndResaveByteForByte) {
       // Renaming an entry to its own name sends every line through the line writer.
       for (std::size_t i = 0; i < project->Entries().size(); ++i) {
         if (!project->Entries()[i].name.empty()) {
-          project->RenameEntry(i, std::string(project->Entries()[i].name));
+          const std::string name(project->Entries()[i].name);
+          project->RenameEntry(i, name, name);
           EXPECT_EQ(project->Render(), bytes);
           break;
         }

@@ -194,6 +194,21 @@ TEST(Project, ProjectLinesReadAsTheDriverReadsThem) {
   odd->Save();
   EXPECT_EQ(ReadBytes(copy.Path("Odd.vbp")),
             "Type=Exe\r\n  module =  Even ;  ModUtil.bas \r\nName=\"Odd\"\r\n");
+  // A form's name is in no entry, but Startup= and IconForm= name it: renaming it renames them,
+  // and a rename dropped puts them back.
+  WriteBytes(copy.Path("Forms.vbp"),
+             "Type=Exe\r\nForm=frmMain.frm\r\nIconForm=\"frmMain\"\r\n"
+             "Startup = \"FRMMAIN\"\r\nName=\"Forms\"\r\n");
+  auto forms = Project::Open(copy.Path("Forms.vbp"));
+  ASSERT_EQ(forms->Count(), 1u);
+  forms->At(0).SetName("frmStart");
+  EXPECT_EQ(forms->File().Render(),
+            "Type=Exe\r\nForm=frmMain.frm\r\nIconForm=\"frmStart\"\r\n"
+            "Startup = \"frmStart\"\r\nName=\"Forms\"\r\n");
+  // (The form's file changed on disk since it was read: its save is refused and dropped.)
+  WriteBytes(copy.Path("frmMain.frm"), ReadBytes(copy.Path("frmMain.frm")) + "\r\n");
+  EXPECT_EQ(ErrorOf([&] { forms->At(0).Save(); }), 75);
+  EXPECT_EQ(forms->File().Render(), ReadBytes(copy.Path("Forms.vbp")));
   // A binary file is not a project file.
   WriteBytes(copy.Path("Binary.vbp"), std::string("Type=Exe\r\n\0\x01\x02\r\nName=\"B\"\r\n", 25));
   EXPECT_EQ(ErrorOf([&] { Project::Open(copy.Path("Binary.vbp")); }), 321);

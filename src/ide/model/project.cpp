@@ -150,8 +150,9 @@ void Component::SetName(std::string_view name) {
     automation::Raise(err::kInvalidPropertyValue,
                       "another component is already named \"" + std::string(name) + "\"");
   }
+  const std::string oldName = File().Name();
   File().SetName(name);
-  project_.file_->RenameEntry(entry_, name);
+  project_.file_->RenameEntry(entry_, oldName, name);
 }
 
 ComponentType Component::Type() {

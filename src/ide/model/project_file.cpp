@@ -94,11 +94,37 @@ std::unique_ptr<ProjectFile> ProjectFile::Parse(std::string bytes,
   return file;
 }
 
-void ProjectFile::RenameEntry(std::size_t index, std::string_view name) {
+std::vector<std::pair<std::size_t, std::size_t>> ProjectFile::LinesNaming(
+    std::string_view name) const {
+  std::vector<std::pair<std::size_t, std::size_t>> found;
+  for (std::size_t i = 0; i < lines_.size(); ++i) {
+    const std::string_view text = lines_[i].Text();
+    const std::string_view trimmed = TrimBlanks(text);
+    if (!trimmed.empty() && trimmed.front() == '[') break;  // a tool's section
+    const platform::ProjectLine line = platform::SplitProjectLine(text);
+    if (line.hasKey &&
+        (EqualsAsciiNoCase(line.key, "Startup") || EqualsAsciiNoCase(line.key, "IconForm")) &&
+        automation::SameVbName(Unquote(line.value), name)) {
+      found.emplace_back(i, line.valueOffset);
+    }
+  }
+  return found;
+}
+
+void ProjectFile::RenameEntry(std::size_t index, std::string_view oldName, std::string_view name) {
   ProjectEntry& entry = entries_.at(index);
-  if (entry.kind != FileKind::kModule && entry.kind != FileKind::kClass) return;
+  const std::vector<std::pair<std::size_t, std::size_t>> naming = LinesNaming(oldName);
+  const bool named = entry.kind == FileKind::kModule || entry.kind == FileKind::kClass;
+  if (!named && naming.empty()) return;
+  Before& before = before_.try_emplace(index, Before{entry, lines_[entry.line], {}}).first->second;
+  dirty_ = true;
+  for (const auto& [i, start] : naming) {
+    before.naming.emplace_back(i, lines_[i]);
+    lines_[i].SetText(std::string(lines_[i].Text().substr(0, start)) + "\"" + std::string(name) +
+                      "\"");
+  }
+  if (!named) return;
   SourceLine& line = lines_[entry.line];
-  before_.try_emplace(index, Before{entry, line});
   std::string text(line.Text());
   if (entry.hasName) {
     text.replace(entry.nameOffset, entry.name.size(), name);
@@ -126,6 +152,8 @@ void ProjectFile::RestoreEntry(std::size_t index) {
   if (it == before_.end()) return;
   entries_[index] = std::move(it->second.entry);
   lines_[entries_[index].line] = std::move(it->second.line);
+  for (auto& [line, was] : it->second.naming)
+    lines_[line] = std::move(was);
   before_.erase(it);
   dirty_ = !before_.empty();
 }

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -45,10 +46,11 @@ class ProjectFile {
   const std::string& Name() const { return name_; }
   const std::vector<SourceLine>& Lines() const { return lines_; }
 
-  // A Module= or Class= entry takes a new component name; only its line changes, and in it only
-  // the name (the path keeps its spelling, blanks stay where they were). A line that gave only
-  // the file gets a name part in front of it.
-  void RenameEntry(std::size_t entry, std::string_view name);
+  // The entry's component takes a new name. A Module= or Class= entry's line changes, and in it
+  // only the name (the path keeps its spelling, blanks stay where they were); a line that gave
+  // only the file gets a name part in front of it. The Startup= and IconForm= lines that named
+  // the component by its old name (as VB compares names) name it by the new one.
+  void RenameEntry(std::size_t entry, std::string_view oldName, std::string_view name);
   // Puts an entry back as it was when the file was last read or saved (its component's changes
   // were dropped); every entry, without one given (writing the file failed).
   void RestoreEntry(std::size_t entry);
@@ -75,7 +77,11 @@ class ProjectFile {
   struct Before {
     ProjectEntry entry;
     SourceLine line;
+    std::vector<std::pair<std::size_t, SourceLine>> naming;  // Startup=, IconForm= lines
   };
+  // The Startup= and IconForm= lines that name the component of this name, each with where its
+  // value starts.
+  std::vector<std::pair<std::size_t, std::size_t>> LinesNaming(std::string_view name) const;
   std::map<std::size_t, Before> before_;
   LineEnd dominant_ = LineEnd::kCrLf;
   bool finalBreak_ = true;
