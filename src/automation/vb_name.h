@@ -9,6 +9,10 @@ namespace automation {
 
 bool IsVbName(std::string_view name);
 
+// Whether the name is one of VB's keywords (Dim, Sub, Me, String, ...), which code cannot use as
+// the name of anything, in any letter case.
+bool IsVbKeyword(std::string_view name);
+
 // Whether a character can be part of an identifier as code reads it: letters of every script
 // (any byte from 0x80: VB6 projects have Chinese and Cyrillic names), digits and "_".
 bool IsIdentChar(char c);

@@ -254,15 +254,15 @@ Verb AddReplace(CLI::App& app, Options& o) {
 Verb AddRename(CLI::App& app, Options& o) {
   CLI::App* verb = app.add_subcommand(
       "rename",
-      "Show what renaming a control (every element of a control array) would change: its name, "
-      "its event procedures and the references to it in its component's code; with --write, "
-      "change it");
+      "Show what renaming a control (every element of a control array) or a form, module or "
+      "class would change: its name, its event procedures, the references to it in the "
+      "project's code and the project file; with --write, change it");
   verb->add_option("PROJECT", o.rename.projectFile, "The project file (.vbp)")->required();
-  verb->add_option("CONTROL", o.rename.control,
+  verb->add_option("TARGET", o.rename.control,
                    "COMPONENT.OLDNAME: the form-like component and the control's name, without "
-                   "an index")
+                   "an index; or COMPONENT: a form, module or class")
       ->required();
-  verb->add_option("NEWNAME", o.rename.newName, "The control's new name")->required();
+  verb->add_option("NEWNAME", o.rename.newName, "The new name")->required();
   verb->add_flag("--write", o.rename.write, "Write the rename into the project");
   verb->add_flag("--json", o.json, kJsonHelp);
   verb->add_flag("--interactive", o.rename.interactive,

@@ -10,6 +10,7 @@
 #include "automation/error.h"
 #include "automation/vb_name.h"
 #include "cli/commands.h"
+#include "cli/declared_names.h"
 #include "cli/project_files.h"
 #include "cli/rename_plan.h"
 #include "cli/review.h"
@@ -38,11 +39,20 @@ std::string ProcedureName(const std::string& place) {
 
 RenameTarget ParseRenameTarget(const std::string& control, const std::string& newName) {
   const size_t dot = control.find('.');
+  const bool valid = automation::IsVbName(newName) && !automation::IsVbKeyword(newName);
+  if (dot == std::string::npos && automation::IsVbName(control)) {
+    if (!valid) {
+      Refuse(control + " -> " + newName +
+             ": not a name VB allows (a letter, then letters, digits and underscores, 40 at most, "
+             "not a keyword)");
+    }
+    return {control, "", newName};
+  }
   if (dot == std::string::npos || dot == 0 || dot + 1 == control.size() ||
       control.find('.', dot + 1) != std::string::npos) {
-    Refuse("\"" + control + "\": name the control as COMPONENT.OLDNAME");
+    Refuse("\"" + control + "\": name a component, or a control as COMPONENT.OLDNAME");
   }
-  if (!automation::IsVbName(newName)) {
+  if (!valid) {
     throw automation::Error(foundation::kUserError, "qx",
                             control + " -> " + newName + ": Invalid control name syntax.");
   }
@@ -59,7 +69,8 @@ std::string ReferenceRequest(const RenameTarget& target) {
 }
 
 std::string MentionRequest(const RenameTarget& target) {
-  const std::string pattern = "(?<!\\w)\\Q" + target.oldName + "\\E(?!\\w)";
+  const std::string& name = target.oldName.empty() ? target.component : target.oldName;
+  const std::string pattern = "(?<!\\w)\\Q" + name + "\\E(?!\\w)";
   return nlohmann::ordered_json{
       {"patterns", {pattern}}, {"case", "insensitive"}, {"scope", {"strings"}}}
       .dump();
@@ -134,6 +145,125 @@ std::optional<std::string> RenameRequest(const ComponentScan& inventory,
       .dump();
 }
 
+bool CheckComponentRename(const std::vector<ComponentScan>& inventories,
+                          const RenameTarget& target) {
+  const std::string what = target.component + " -> " + target.newName;
+  const ComponentScan* own = nullptr;
+  for (const ComponentScan& inventory : inventories) {
+    if (SameVbName(inventory.component, target.component)) own = &inventory;
+  }
+  if (own == nullptr) Refuse(what + ": the project has no component " + target.component);
+  if (own->collection != "Forms" && own->collection != "Modules" &&
+      own->collection != "ClassModules") {
+    Refuse(what + ": only forms, modules and classes are renamed; " + own->component +
+           " is named in the descriptions of what holds it");
+  }
+  if (own->component == target.newName) return false;
+  // A new spelling of the same name changes nothing that code could take for another thing.
+  if (SameVbName(own->component, target.newName)) return true;
+  for (const ComponentScan& inventory : inventories) {
+    if (&inventory != own && SameVbName(inventory.component, target.newName)) {
+      Refuse(what + ": the project already has a component " + inventory.component);
+    }
+  }
+  // Any other thing of either name: code that names it could not be told from code that names
+  // the component.
+  const auto either = [&](std::string_view name) {
+    return SameVbName(name, target.component) || SameVbName(name, target.newName);
+  };
+  for (const ComponentScan& inventory : inventories) {
+    for (const ScanPlace& place : inventory.places) {
+      if (place.kind == "controlName" && either(BaseName(place.name))) {
+        Refuse(what + ": " + inventory.component + " has a control named " + BaseName(place.name));
+      }
+      if (place.kind != "procedure") continue;
+      if (either(ProcedureName(place.name))) {
+        Refuse(what + ": " + inventory.component + " has a procedure " + ProcedureName(place.name));
+      }
+      for (const std::string& name : DeclaredNames(place.text)) {
+        if (either(name)) {
+          Refuse(what + ": " + inventory.component + "." + place.name + " declares " + name);
+        }
+      }
+    }
+  }
+  return true;
+}
+
+std::string ComponentRenameRequest(const RenameTarget& target, bool own) {
+  const std::string pattern = "(?<![\\w.])\\Q" + target.component + "\\E(?!\\w)";
+  nlohmann::ordered_json scopes =
+      own ? nlohmann::ordered_json{"names", "code"} : nlohmann::ordered_json{"code"};
+  return nlohmann::ordered_json{{"patterns", {pattern}},         {"case", "insensitive"},
+                                {"replacement", target.newName}, {"write", true},
+                                {"scope", std::move(scopes)},    {"codeOnly", true}}
+      .dump();
+}
+
+namespace {
+
+// The rename written (or previewed) in every component of the project: the target's own with
+// its request, the others with theirs. A string that holds the old name may be a reference
+// (frmMain.Controls("Option1"), Forms("frmMain")): it is said, and left as it is.
+int RenameEverywhere(const RenameOptions& options, const RenameTarget& target, SearchOptions run,
+                     const std::string& own, const std::string& others, Printer& printer) {
+  const std::string project = ShowPath(options.projectFile);
+  const std::string named = target.component + (target.oldName.empty() ? "" : "." + target.oldName);
+  run.replacement = target.newName;
+  run.write = options.write || options.interactive;
+  run.whole = true;
+  Review review(std::cin, std::cout);
+  return RunScans(
+      run,
+      [&](const Look& scan) -> std::optional<std::string> {
+        std::string component;
+        for (const ComponentScan& mentions : scan(MentionRequest(target))) {
+          component = mentions.component;
+          for (const ScanPlace& place : mentions.places) {
+            for (const ScanMatch& match : place.matches) {
+              printer.Report({true, project, mentions.component, 0, std::nullopt,
+                              place.name + ": \"" + match.text + "\" in a string may name " +
+                                  named + "; it is left as it is"});
+            }
+          }
+        }
+        return SameVbName(component, target.component) ? own : others;
+      },
+      printer, options.interactive ? &review : nullptr);
+}
+
+// qx rename PROJECT COMPONENT NEWNAME: every component is looked at first (writing nothing), so
+// that a conflict anywhere refuses the rename before anything is written.
+int RenameComponent(const RenameOptions& options, const RenameTarget& target, SearchOptions run,
+                    Printer& printer) {
+  SearchOptions look = run;
+  look.summary = false;
+  std::vector<ComponentScan> inventories;
+  const int looked = RunScans(
+      look,
+      [&](const Look& scan) -> std::optional<std::string> {
+        for (ComponentScan& inventory : scan(InventoryRequest()))
+          inventories.push_back(std::move(inventory));
+        return std::nullopt;
+      },
+      printer);
+  if (looked == kExitError) return kExitError;
+  try {
+    if (!CheckComponentRename(inventories, target)) {
+      printer.Notice(target.component + " is named " + target.newName +
+                     " already: nothing to rename");
+      return kExitNoMatch;
+    }
+  } catch (const automation::Error& e) {
+    printer.Report({false, ShowPath(options.projectFile), "", 0, e.Number(), e.Description()});
+    return kExitError;
+  }
+  return RenameEverywhere(options, target, run, ComponentRenameRequest(target, true),
+                          ComponentRenameRequest(target, false), printer);
+}
+
+}  // namespace
+
 int RunRename(const RenameOptions& options, Printer& printer) {
   const std::string project = ShowPath(options.projectFile);
   RenameTarget target;
@@ -146,6 +276,7 @@ int RunRename(const RenameOptions& options, Printer& printer) {
   SearchOptions run;
   run.noKeep = options.noKeep;
   run.paths = {options.projectFile};
+  if (target.oldName.empty()) return RenameComponent(options, target, run, printer);
 
   // First the control's component alone, which writes nothing: whether the rename may happen,
   // and its request there. A refusal stops the rename before anything is written anywhere.
@@ -177,31 +308,8 @@ int RunRename(const RenameOptions& options, Printer& printer) {
   }
 
   // Then every component: the control's own with its request, the others where they name it
-  // through its component (frmMain.Option1). A string that holds its name may be a reference
-  // (frmMain.Controls("Option1")): it is said, and left as it is.
-  run.replacement = target.newName;
-  run.write = options.write || options.interactive;
-  run.whole = true;
-  Review review(std::cin, std::cout);
-  return RunScans(
-      run,
-      [&](const Look& scan) -> std::optional<std::string> {
-        std::string component;
-        for (const ComponentScan& mentions : scan(MentionRequest(target))) {
-          component = mentions.component;
-          for (const ScanPlace& place : mentions.places) {
-            for (const ScanMatch& match : place.matches) {
-              printer.Report({true, project, mentions.component, 0, std::nullopt,
-                              place.name + ": \"" + match.text + "\" in a string may name " +
-                                  target.component + "." + target.oldName +
-                                  "; it is left as it is"});
-            }
-          }
-        }
-        if (SameVbName(component, target.component)) return own;
-        return ReferenceRequest(target);
-      },
-      printer, options.interactive ? &review : nullptr);
+  // through its component (frmMain.Option1).
+  return RenameEverywhere(options, target, run, *own, ReferenceRequest(target), printer);
 }
 
 }  // namespace cli

@@ -19,6 +19,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "cli/scan_results.h"
 
@@ -26,14 +27,14 @@ namespace cli {
 
 struct RenameTarget {
   std::string component;
-  std::string oldName;
+  std::string oldName;  // the control's; empty: the component itself is renamed
   std::string newName;
 };
 
-// "COMPONENT.OLDNAME" and NEWNAME as a target. Raises 5 when the first is not of that form, and
-// the driver's "Invalid control name syntax." when NEWNAME is not a control name (VB's naming
-// rule: a letter, then letters, digits and underscores, 40 at most; no index: a whole array is
-// renamed at once).
+// "COMPONENT.OLDNAME" (a control) or "COMPONENT" and NEWNAME as a target. Raises 5 when the first
+// is neither, and, when NEWNAME is not a name (VB's naming rule: a letter, then letters, digits
+// and underscores, 40 at most, not a keyword; no index: a whole array is renamed at once), the
+// driver's "Invalid control name syntax." for a control, 5 for a component.
 RenameTarget ParseRenameTarget(const std::string& control, const std::string& newName);
 
 // The request of the inventory: every control name and procedure, each matched once (an empty
@@ -43,7 +44,8 @@ std::string InventoryRequest();
 // The request for a component other than the control's: its references through the component.
 std::string ReferenceRequest(const RenameTarget& target);
 
-// The request that finds the control's name as a whole word in string literals; writes nothing.
+// The request that finds the target's old name (the control's, or the component's) as a whole
+// word in string literals; writes nothing.
 std::string MentionRequest(const RenameTarget& target);
 
 // The request that renames the target, from the inventory of its component; none when the
@@ -53,5 +55,21 @@ std::string MentionRequest(const RenameTarget& target);
 // named so.
 std::optional<std::string> RenameRequest(const ComponentScan& inventory,
                                          const RenameTarget& target);
+
+// A component's rename (qx rename PROJECT COMPONENT NEWNAME), checked against the inventories of
+// every component of the project before anything is written. False when the component is named
+// so already. Raises 5 naming the reason when it must not happen: the project has no component
+// of that name, or another of the new one; the component is not a form, module or class (a
+// user control, page or document is named in the descriptions of what holds it); or, unless the
+// rename only changes letter case, a control, procedure, variable, constant, parameter or type
+// of the old or the new name exists anywhere, which code could not tell from the component.
+bool CheckComponentRename(const std::vector<ComponentScan>& inventories,
+                          const RenameTarget& target);
+
+// The request that renames a component: its name (in its own, `own`), and the name as a whole
+// word in the code's statements, not after a "." (another object's member), in every component.
+// The IDE renames the rest: the Attribute VB_Name line, a form's Begin line, and the project
+// file's entry and its Startup= and IconForm= lines.
+std::string ComponentRenameRequest(const RenameTarget& target, bool own);
 
 }  // namespace cli

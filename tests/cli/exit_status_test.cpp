@@ -52,8 +52,10 @@ TEST_F(QxProgram, UsageErrorsExitTwoWithTheirMessageAndHelpExitsZero) {
            {{"rename", vbp, "frmMain.Option1", "1st"},
             "qx: " + vbp +
                 ": error -32767: frmMain.Option1 -> 1st: Invalid control name syntax.\n"},
-           {{"rename", vbp, "Option1", "Choice"},
-            "qx: " + vbp + ": error 5: \"Option1\": name the control as COMPONENT.OLDNAME\n"},
+           {{"rename", vbp, "frmMain.Option1.Value", "Choice"},
+            "qx: " + vbp +
+                ": error 5: \"frmMain.Option1.Value\": name a component, or a control as "
+                "COMPONENT.OLDNAME\n"},
            {{"list", "--bogus", vbp},
             "qx: The following argument was not expected: --bogus" + retry},
            {{"list"}, "qx: PROJECT is required" + retry},

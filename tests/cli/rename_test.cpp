@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "automation/error.h"
+#include "cli/declared_names.h"
 #include "cli/rename_plan.h"
 #include "host/scan/matcher.h"
 #include "host/scan/replacement.h"
@@ -58,7 +59,7 @@ std::string Apply(const std::string& json, const std::string& text) {
 
 TEST(RenamePlan, TargetsAndNamesThatCannotBeRenamedAreRefusedWithTheirReason) {
   for (const std::string& bad :
-       std::vector<std::string>{"1abc", "a b", "Choice(2)", "", std::string(41, 'x')}) {
+       std::vector<std::string>{"1abc", "a b", "Choice(2)", "", std::string(41, 'x'), "dim"}) {
     try {
       cli::ParseRenameTarget("frmMain.Option1", bad);
       ADD_FAILURE() << bad;
@@ -66,9 +67,11 @@ TEST(RenamePlan, TargetsAndNamesThatCannotBeRenamedAreRefusedWithTheirReason) {
       EXPECT_EQ(e.Description(), "frmMain.Option1 -> " + bad + ": Invalid control name syntax.");
     }
   }
-  for (const std::string bad : {"frmMain", ".Option1", "frmMain.", "a.b.c"})
+  for (const std::string bad : {"1frm", ".Option1", "frmMain.", "a.b.c"})
     EXPECT_THROW(cli::ParseRenameTarget(bad, "Choice"), automation::Error) << bad;
   EXPECT_EQ(cli::ParseRenameTarget("frmMain.Option1", "Choice").component, "frmMain");
+  // A target without a control is the component itself.
+  EXPECT_EQ(cli::ParseRenameTarget("frmMain", "frmStart").oldName, "");
 
   const ComponentScan form = Inventory({"Option1(0)", "Option1(1)", "lstItems", "cmd_Ok"},
                                        {"<declarations>", "Option1_Click", "Choice_Helper",
@@ -124,6 +127,69 @@ TEST(RenamePlan, TheRequestRenamesNamesEventsAndReferencesOutsideLiteralsAndComm
             "    Option1_Got_Focus: Option1_Load: Option1x = 1\r\n"
             "Rem Option1 here\r\n"
             "End Sub");
+}
+
+TEST(RenamePlan, TheNamesCodeDeclaresAreFoundInItsStatementsAlone) {
+  const struct {
+    std::string code;
+    std::vector<std::string> names;
+  } cases[] = {
+      {"Dim a As Long, b(1 To 3, 2) As String, c", {"a", "b", "c"}},
+      {"Private WithEvents mItem As CStockItem", {"mItem"}},
+      {"Public Const MAX = 3: Static s", {"MAX", "s"}},
+      {"Private Function F(ByVal x As Long, Optional y = \"a, b\") As Long", {"x", "y"}},
+      {"Private Declare Function T Lib \"k\" Alias \"G\" (ByRef p As Any) As Long", {"p"}},
+      {"Public Type Row\r\n  Id As Long\r\nEnd Type", {"Row"}},
+      {"ReDim Preserve arr(10)\r\nDim a, _\r\n    b As Long", {"arr", "a", "b"}},
+      {"Dim t As String ' Dim u\r\nx = \"Dim v\"\r\nRem Dim w", {"t"}},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(cli::DeclaredNames(c.code), c.names) << c.code;
+}
+
+TEST(RenamePlan, AComponentsRenameIsRefusedWhereCodeCouldTakeItForAnotherThing) {
+  ComponentScan form = Inventory({"Option1(0)", "lstItems"}, {"Form_Load"});
+  form.collection = "Forms";
+  ComponentScan module;
+  module.component = "modMain";
+  module.collection = "Modules";
+  module.places.push_back(Place("procedure", "<declarations>"));
+  module.places.back().text = "Option Explicit\r\nPublic gCount As Long ' frmOld";
+  module.places.push_back(Place("procedure", "Main"));
+  module.places.back().text = "Sub Main(ByVal mode As Long)\r\n  frmMain.Show\r\nEnd Sub";
+  ComponentScan control;
+  control.component = "ctlGauge";
+  control.collection = "UserControls";
+  const std::vector<ComponentScan> project{form, module, control};
+  const auto check = [&](std::string component, std::string name) -> std::string {
+    try {
+      return cli::CheckComponentRename(project, {component, "", name}) ? "accepted" : "same";
+    } catch (const automation::Error& e) {
+      return e.Description();
+    }
+  };
+  EXPECT_EQ(check("frmMain", "frmStart"), "accepted");
+  EXPECT_EQ(check("FRMMAIN", "frmMain"), "same");
+  EXPECT_EQ(check("frmMain", "FRMMAIN"), "accepted");
+  EXPECT_EQ(check("frmMain", "ModMain"),
+            "frmMain -> ModMain: the project already has a component modMain");
+  EXPECT_EQ(check("frmMain", "lstItems"),
+            "frmMain -> lstItems: frmMain has a control named lstItems");
+  EXPECT_EQ(check("frmMain", "option1"), "frmMain -> option1: frmMain has a control named Option1");
+  EXPECT_EQ(check("frmMain", "main"), "frmMain -> main: modMain has a procedure Main");
+  EXPECT_EQ(check("frmMain", "GCOUNT"),
+            "frmMain -> GCOUNT: modMain.<declarations> declares gCount");
+  EXPECT_EQ(check("frmMain", "Mode"), "frmMain -> Mode: modMain.Main declares mode");
+  EXPECT_EQ(check("modMain", "frmOld"), "accepted");  // only a comment names it
+  EXPECT_EQ(check("ctlGauge", "ctlMeter"),
+            "ctlGauge -> ctlMeter: only forms, modules and classes are renamed; ctlGauge is named "
+            "in the descriptions of what holds it");
+  EXPECT_EQ(check("frmGone", "frmHere"),
+            "frmGone -> frmHere: the project has no component frmGone");
+  // The name as a whole word in statements, never another object's member.
+  const std::string request = cli::ComponentRenameRequest({"frmMain", "", "frmStart"}, false);
+  EXPECT_EQ(Apply(request, "frmMain.Show: Set f = New FRMMAIN: x.frmMain = frmMain2 ' frmMain"),
+            "frmStart.Show: Set f = New frmStart: x.frmMain = frmMain2 ' frmMain");
 }
 
 }  // namespace

@@ -275,6 +275,50 @@ TEST_F(ScanFixture, RenameRenamesAControlArrayWithItsEventProceduresAndPreviewIs
             Replaced(module, "frmScan.optSize(1).Value", "frmScan.optChoice(1).Value"));
 }
 
+TEST_F(ScanFixture, RenamingAComponentFollowsItsReferencesAndItsProjectFileLines) {
+  const std::string module = File("modMain.bas");
+  const std::string project = File("Scan.vbp");
+  const auto shown = Qx({"rename", vbp_, "frmScan", "frmPick"});
+  ASSERT_EQ(shown.status, 0) << shown.err;
+  EXPECT_EQ(File("frmScan.frm"), frm_);
+  const auto written = Qx({"rename", "--write", vbp_, "frmScan", "frmPick"});
+  ASSERT_EQ(written.status, 0) << written.err;
+  EXPECT_EQ(Diff(written.out), Diff(shown.out));
+  // The form's Begin line and name; the code that names it, not the comment; the startup form.
+  EXPECT_EQ(File("frmScan.frm"),
+            Replaced(Replaced(frm_, "Begin VB.Form frmScan ", "Begin VB.Form frmPick "),
+                     "VB_Name = \"frmScan\"", "VB_Name = \"frmPick\""));
+  EXPECT_EQ(File("modMain.bas"), Replaced(Replaced(module, "frmScan.", "frmPick."),
+                                          "as frmPick.optSize", "as frmScan.optSize"));
+  EXPECT_EQ(File("Scan.vbp"), Replaced(project, "Startup=\"frmScan\"", "Startup=\"frmPick\""));
+
+  // Refused, changing nothing: another component's name, a procedure's, a keyword, a kind that
+  // what holds it names, no such component.
+  const std::string before = File("modMain.bas");
+  const std::string place = "qx: " + vbp_ + ": error 5: ";
+  const struct {
+    std::string component, name, err;
+  } refusals[] = {
+      {"frmPick", "MODMAIN", "frmPick -> MODMAIN: the project already has a component modMain"},
+      {"frmPick", "ChooseLarge", "frmPick -> ChooseLarge: modMain has a procedure ChooseLarge"},
+      {"frmPick", "optSize", "frmPick -> optSize: frmPick has a control named optSize"},
+      {"frmPick", "Select",
+       "frmPick -> Select: not a name VB allows (a letter, then letters, digits and underscores, "
+       "40 at most, not a keyword)"},
+      {"pgStock", "pgGoods",
+       "pgStock -> pgGoods: only forms, modules and classes are renamed; pgStock is named in the "
+       "descriptions of what holds it"},
+      {"frmScan", "frmOther", "frmScan -> frmOther: the project has no component frmScan"},
+  };
+  for (const auto& r : refusals) {
+    SCOPED_TRACE(r.name);
+    const auto run = Qx({"rename", "--write", vbp_, r.component, r.name});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, place + r.err + "\n");
+    EXPECT_EQ(File("modMain.bas"), before);
+  }
+}
+
 TEST_F(ScanFixture, APreviewShowsTheCompanionsItChangesAndWriteChangesThemAlike) {
   // As the project came from Windows: the companion in upper case, the page's HTML in a folder
   // of its own.
