@@ -119,6 +119,12 @@ std::optional<std::string> RenameRequest(const ComponentScan& inventory,
   }
   for (const ScanPlace& place : inventory.places) {
     if (place.kind != "procedure" || respelling) continue;
+    // A variable, constant or parameter of the new name would take the control's references.
+    for (const std::string& name : DeclaredNames(place.text)) {
+      if (SameVbName(name, target.newName)) {
+        Refuse(what + ": " + inventory.component + "." + place.name + " declares " + name);
+      }
+    }
     for (const std::string& event : events) {
       if (SameVbName(ProcedureName(place.name), target.newName + "_" + event)) {
         Refuse(what + ": " + inventory.component + " already has a procedure " +

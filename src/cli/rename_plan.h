@@ -51,8 +51,8 @@ std::string MentionRequest(const RenameTarget& target);
 // The request that renames the target, from the inventory of its component; none when the
 // control already has exactly that name. Raises 5 naming the reason when the rename must not
 // happen: the component has no control of the old name, already has a control of the new one,
-// or a procedure that the rename would make (Choice_Click beside Option1_Click), or is itself
-// named so.
+// a procedure that the rename would make (Choice_Click beside Option1_Click), or a variable,
+// constant or parameter of the new name, or is itself named so.
 std::optional<std::string> RenameRequest(const ComponentScan& inventory,
                                          const RenameTarget& target);
 

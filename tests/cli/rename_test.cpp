@@ -85,6 +85,10 @@ TEST(RenamePlan, TargetsAndNamesThatCannotBeRenamedAreRefusedWithTheirReason) {
             "5 frmMain.Option1 -> LSTITEMS: frmMain already has a control named lstItems");
   EXPECT_EQ(Refusal(form, target("option1", "pick")),
             "5 frmMain.option1 -> pick: frmMain already has a procedure Pick_Click");
+  ComponentScan declaring = form;
+  declaring.places[7].text = "Private Sub Choice_Helper(ByVal chosen As Long)\r\nEnd Sub";
+  EXPECT_EQ(Refusal(declaring, target("Option1", "Chosen")),
+            "5 frmMain.Option1 -> Chosen: frmMain.Choice_Helper declares chosen");
   EXPECT_EQ(Refusal(form, target("Option1", "FRMMAIN")),
             "5 frmMain.Option1 -> FRMMAIN: FRMMAIN is the name of the component itself");
   // A procedure of the new name that the rename would not make is no obstacle, nor one of

@@ -2,6 +2,11 @@
 // independent count finds, a preview that is exactly what --write then does, and no IDE left
 // behind by a run that started it.
 
+#include <poll.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -340,6 +345,79 @@ TEST_F(IdeProcesses, InteractiveReplaceWritesOnlyThePlacesAccepted) {
   EXPECT_NE(after.find("Private mQuantity As Long"), std::string::npos) << "declined";
   EXPECT_NE(after.find("    mQuantity = NewValue"), std::string::npos) << "d: the rest declined";
   EXPECT_EQ(Qx({"ide", "list"}).out, "") << "the run ended the IDE it started";
+}
+
+// The same on a terminal: the questions come on it and the answers typed there are taken; a
+// terminal that goes away in the middle (the user's window closed) writes nothing.
+TEST_F(IdeProcesses, InteractiveReplaceOnATerminalAsksThereAndALostTerminalWritesNothing) {
+  const fs::path cls = work() / "Inventory" / "CStockItem.cls";
+  const std::string before = ReadBytes(cls);
+  std::vector<std::string> argv{QX_BIN, "replace",  "--interactive", "--kind", "ClassModules",
+                                "-i",   "quantity", "Amount",        vbp_};
+  std::vector<char*> raw;
+  for (std::string& arg : argv)
+    raw.push_back(arg.data());
+  raw.push_back(nullptr);
+
+  // Starts qx on a new terminal and reads what it shows there until `wanted` (or 60 s pass).
+  struct Terminal {
+    int master = -1;
+    pid_t pid = -1;
+    std::string shown;
+    bool Await(const std::string& wanted) {
+      const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+      while (shown.find(wanted) == std::string::npos) {
+        pollfd ready{master, POLLIN, 0};
+        if (std::chrono::steady_clock::now() > deadline || ::poll(&ready, 1, 1000) < 0)
+          return false;
+        char buffer[4096];
+        const ssize_t n = ready.revents != 0 ? ::read(master, buffer, sizeof buffer) : 0;
+        if (n < 0) return false;  // the other side has closed
+        shown.append(buffer, static_cast<size_t>(n));
+      }
+      return true;
+    }
+    int End() {
+      if (master >= 0) ::close(master);
+      master = -1;
+      int status = 0;
+      ::waitpid(pid, &status, 0);
+      return status;
+    }
+    ~Terminal() {
+      if (master >= 0) {
+        ::kill(pid, SIGKILL);
+        End();
+      }
+    }
+  };
+  const auto start = [&](Terminal& terminal) {
+    terminal.pid = ::forkpty(&terminal.master, nullptr, nullptr, nullptr);
+    ASSERT_GE(terminal.pid, 0);
+    if (terminal.pid == 0) {
+      ::execve(raw[0], raw.data(), environ);
+      ::_exit(127);
+    }
+  };
+
+  {
+    Terminal terminal;
+    start(terminal);
+    ASSERT_TRUE(terminal.Await("Replace here [y,n,a,d,q,?]? ")) << terminal.shown;
+    ::close(terminal.master);  // the terminal goes: qx is hung up on
+    terminal.master = -1;
+    int status = 0;
+    ::waitpid(terminal.pid, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 128 + SIGHUP) << status;
+    EXPECT_EQ(ReadBytes(cls), before);
+  }
+  Terminal terminal;
+  start(terminal);
+  ASSERT_TRUE(terminal.Await("Replace here [y,n,a,d,q,?]? ")) << terminal.shown;
+  ASSERT_EQ(::write(terminal.master, "a\n", 2), 2);
+  EXPECT_TRUE(terminal.Await("written")) << terminal.shown;
+  EXPECT_EQ(WEXITSTATUS(terminal.End()), 0);
+  EXPECT_EQ(ReadBytes(cls).find("mQuantity"), std::string::npos) << "a: every place of the file";
 }
 
 // A module that the project file names by an absolute path (a shared module outside the
