@@ -62,6 +62,17 @@ int CompareNoCaseUnicode(std::string_view a, std::string_view b) {
   std::size_t i = 0;
   std::size_t j = 0;
   while (i < a.size() && j < b.size()) {
+    const auto c = static_cast<unsigned char>(a[i]);
+    const auto d = static_cast<unsigned char>(b[j]);
+    // ASCII on both sides, as most names are: folded without decoding.
+    if (c < 0x80 && d < 0x80) {
+      const auto x = static_cast<unsigned char>(LowerAscii(static_cast<char>(c)));
+      const auto y = static_cast<unsigned char>(LowerAscii(static_cast<char>(d)));
+      if (x != y) return x < y ? -1 : 1;
+      ++i;
+      ++j;
+      continue;
+    }
     const char32_t x = Fold(a, i);
     const char32_t y = Fold(b, j);
     if (x != y) return x < y ? -1 : 1;
