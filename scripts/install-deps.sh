@@ -8,7 +8,7 @@ packages=(
   cmake ninja-build g++ pkg-config clang-format ccache
   clang libclang-rt-14-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  libcli11-dev nlohmann-json3-dev libpcre2-dev libcapnp-dev capnproto libuchardet-dev libgit2-dev
+  libcli11-dev nlohmann-json3-dev libpcre2-dev libcapnp-dev capnproto libuchardet-dev libgit2-dev libre2-dev
 )
 if [ "${1:-}" = bench ]; then
   packages+=(ripgrep)

@@ -1,5 +1,6 @@
 #include "cli/prefilter.h"
 
+#include <re2/filtered_re2.h>
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
@@ -104,15 +105,44 @@ bool Occurs(std::string_view bytes, const Prefilter::Piece& piece) {
   return std::search(bytes.begin(), bytes.end(), searcher) != bytes.end();
 }
 
-bool AnyOccurs(std::string_view bytes, const Prefilter::Needles& needles) {
-  if (!needles) return true;
-  return std::any_of(needles->begin(), needles->end(), [&](const Prefilter::Needle& needle) {
-    return std::all_of(needle.begin(), needle.end(),
-                       [&](const Prefilter::Piece& piece) { return Occurs(bytes, piece); });
-  });
+bool AllOccur(std::string_view bytes, const Prefilter::Needle& needle) {
+  return std::all_of(needle.begin(), needle.end(),
+                     [&](const Prefilter::Piece& piece) { return Occurs(bytes, piece); });
 }
 
 }  // namespace
+
+// The regular expressions of the search in RE2's filter, and the pieces of each literal it
+// asks for, as the code and as form-like components hold them (nullopt: no file can hold it).
+struct Prefilter::Expressions {
+  re2::FilteredRE2 filter;
+  std::vector<std::optional<Needle>> code;
+  std::vector<std::optional<Needle>> designed;
+
+  bool CouldMatch(std::string_view bytes, bool inCode) const {
+    const std::vector<std::optional<Needle>>& literals = inCode ? code : designed;
+    std::vector<int> found;
+    for (size_t i = 0; i < literals.size(); ++i) {
+      if (literals[i] && AllOccur(bytes, *literals[i])) found.push_back(static_cast<int>(i));
+    }
+    std::vector<int> potential;
+    filter.AllPotentials(found, &potential);
+    return !potential.empty();
+  }
+};
+
+Prefilter::Prefilter(Prefilter&&) noexcept = default;
+Prefilter::~Prefilter() = default;
+
+bool Prefilter::AnyOccurs(std::string_view bytes, bool code) const {
+  const Needles& needles = code ? code_ : designed_;
+  if (!needles) return true;
+  if (std::any_of(needles->begin(), needles->end(),
+                  [&](const Needle& needle) { return AllOccur(bytes, needle); })) {
+    return true;
+  }
+  return expressions_ && expressions_->CouldMatch(bytes, code);
+}
 
 Prefilter::Prefilter(const SearchOptions& options, const platform::CodePage& codePage) {
   matcher_.emplace(options.patterns, MatchOptionsOf(options));
@@ -124,16 +154,37 @@ Prefilter::Prefilter(const SearchOptions& options, const platform::CodePage& cod
   designed.indexes = Has(options.scope, "names");
   code_.emplace();
   designed_.emplace();
+  auto expressions = std::make_unique<Expressions>();
+  re2::RE2::Options reading;
+  reading.set_case_sensitive(!splits.caseless);
+  reading.set_log_errors(false);
   for (const std::string& pattern : options.patterns) {
     if (!options.literal && pattern.find_first_of(kMetacharacters) != std::string::npos) {
+      int id = 0;
+      if (expressions->filter.Add(pattern, reading, &id) == re2::RE2::NoError) continue;
       code_.reset();
       designed_.reset();
-      break;
+      return;
     }
     if (std::optional<Needle> needle = NeedleOf(pattern, splits, codePage))
       code_->push_back(std::move(*needle));
     if (std::optional<Needle> needle = NeedleOf(pattern, designed, codePage))
       designed_->push_back(std::move(*needle));
+  }
+  if (expressions->filter.NumRegexps() > 0) {
+    // RE2 gives the literals in lower case, whatever the expression's: they are compared in both
+    // cases, so letters beyond ASCII are cut out of them as without regard to case.
+    Splits literal = splits;
+    literal.caseless = true;
+    Splits literalDesigned = designed;
+    literalDesigned.caseless = true;
+    std::vector<std::string> literals;
+    expressions->filter.Compile(&literals);
+    for (const std::string& text : literals) {
+      expressions->code.push_back(NeedleOf(text, literal, codePage));
+      expressions->designed.push_back(NeedleOf(text, literalDesigned, codePage));
+    }
+    expressions_ = std::move(expressions);
   }
   designedChecked_ = !Has(options.scope, "properties") && !Has(options.scope, "html");
   namesChecked_ = Has(options.scope, "names") || Has(options.scope, "properties");
@@ -147,7 +198,7 @@ bool Prefilter::CouldMatch(std::string_view collection, std::string_view name,
   if (!code && !(designed && designedChecked_)) return true;
   // The component's name as the listing gives it, which the IDE may present in its letter case.
   if (namesChecked_ && matcher_->IsMatch(name)) return true;
-  return AnyOccurs(bytes, code ? code_ : designed_);
+  return AnyOccurs(bytes, code);
 }
 
 bool Prefilter::Enabled() {

@@ -18,10 +18,15 @@
 // presented as "), at line breaks (a match keeps to one line, and a file's line ends are not the
 // presented ones), and, when matching without regard to case, at every letter whose other case
 // is not ASCII (`k` also matches the Kelvin sign, `s` the long s, where the code page has them);
-// the other letters are compared in both ASCII cases. A regular expression is checked only when
-// it has no metacharacter at all (it is then its own text); any other lets every component
-// through. With several patterns, one whose pieces all occur is enough.
+// the other letters are compared in both ASCII cases. A regular expression without any
+// metacharacter is its own text. Of any other, RE2's filter (FilteredRE2) works out the literals
+// a match must hold, as a tree of "all of" and "one of": each literal is split into pieces as a
+// pattern is, and compared in both ASCII cases (RE2 gives them in lower case); a literal with
+// characters beyond ASCII is taken to be there. An expression that RE2 does not read (a
+// lookbehind, a back-reference, PCRE2's own syntax) lets every component through. With several
+// patterns, one that could match is enough.
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -58,9 +63,16 @@ class Prefilter {
   const Needles& CodeNeedles() const { return code_; }
   const Needles& DesignedNeedles() const { return designed_; }
 
+  Prefilter(Prefilter&&) noexcept;
+  ~Prefilter();
+
  private:
+  struct Expressions;
+  bool AnyOccurs(std::string_view bytes, bool code) const;
+
   Needles code_;      // modules, classes, and the code of form-like components
   Needles designed_;  // form-like components searched in their code and names
+  std::unique_ptr<Expressions> expressions_;  // the regular expressions, when RE2 reads them all
   bool designedChecked_ = false;
   bool namesChecked_ = false;
   std::optional<host::scan::Matcher> matcher_;

@@ -263,8 +263,15 @@ TEST(Prefilter, PiecesAreEncodedSplitAndFoldedAsTheBytesHoldThem) {
   // The listing's name of the component counts in its names.
   EXPECT_TRUE(caseless.CouldMatch("Modules", "modGröße", ""));
 
+  // A regular expression: the literals RE2 finds it needs, compared in both cases.
   options.literal = false;
-  options.patterns = {"Gr.sse"};
+  options.patterns = {"Gr.sse (it|field)"};
+  cli::Prefilter expression(options, platform::GetCodePage(1252));
+  EXPECT_TRUE(expression.CouldMatch("Modules", "Module1", "' GRUSSE FIELD"));
+  EXPECT_FALSE(expression.CouldMatch("Modules", "Module1", "' GRUSSE Feld"));
+  EXPECT_FALSE(expression.CouldMatch("Modules", "Module1", "' Gruss it"));
+  // One that RE2 does not read (a lookbehind) lets everything through.
+  options.patterns = {"Gr.sse", "(?<=x)Gr"};
   EXPECT_FALSE(cli::Prefilter(options, platform::GetCodePage(1252)).CodeNeedles());
 }
 

@@ -287,6 +287,8 @@ TEST_F(SearchRuns, PrefilteredAndBatchedRunsPrintWhatFullRunsPrint) {
       {"-F", "库存"},
       {"--in", "code", "-F", "Kundenübersicht"},
       {"Reconc[a-z]+"},
+      {"--in", "names,code", "-i", "cmdgo\\(1\\)|\"op(en|n)\""},
+      {"-i", "kunden(ü|u)bersicht|库.?存"},
       {"ZebraQuux"},
   };
   const auto both = [&](std::vector<std::string> args) {
