@@ -67,26 +67,6 @@ TEST_F(VbideProperties, AFormListsItsWindowPropertiesByNameAndPosition) {
   EXPECT_EQ(ErrorOf([&] { Properties("modMain").Call("Item", 1); }), 9);
 }
 
-// What a write saves is the model's (ObjectPropertiesTest).
-TEST_F(VbideProperties, ValueWritesReachTheModelAndMarkTheComponentDirty) {
-  Open("props", "Props.vbp");
-  EXPECT_FALSE(Component("frmProps").Get("IsDirty").ToBool());
-  EXPECT_EQ(ErrorOf([&] { Item("frmProps", "StartUpPosition").Put("Value", 9); }), 380);
-  EXPECT_FALSE(Component("frmProps").Get("IsDirty").ToBool());
-  Item("frmProps", "Caption").Put("Value", "Edited");
-  EXPECT_TRUE(Component("frmProps").Get("IsDirty").ToBool());
-  // Value is the default member: dispatch identifier 0.
-  EXPECT_EQ(Item("frmProps", "Caption").GetId(0).ToString(), "Edited");
-  auto vbComponent = automation::As<ide::vbide::VBComponent>(Component("frmProps").object());
-  ide::form::FormContext context = vbComponent->Model().Form();
-  EXPECT_EQ(ide::form::ObjectProperties(context, context.description->Root()).Get("Caption"),
-            Variant("Edited"));
-  // Marked saved, the next write shows again.
-  Component("frmProps").Put("IsDirty", false);
-  Item("frmProps", "Caption").Put("Value", "Again");
-  EXPECT_TRUE(Component("frmProps").Get("IsDirty").ToBool());
-}
-
 TEST_F(VbideProperties, TheFontObjectIsLiveByNameAndDispatchIdentifier) {
   Open("props", "Props.vbp");
   Dispatch font(Item("frmProps", "Font").Get("Object").ToObject());
@@ -141,21 +121,6 @@ TEST_F(VbideProperties, ListsAreReadAndWrittenByIndexedValue) {
   // A stored control's other properties through the same collection.
   EXPECT_EQ(Dispatch(Dispatch(properties).Call("Item", "TabIndex").ToObject()).Get("Value"),
             Variant::Integer(2));
-}
-
-TEST_F(VbideProperties, DesignersAnswerTheirSettings) {
-  Open("ledger", "Ledger.vbp");
-  EXPECT_EQ(Item("dhtMain", "SourceFile").Get("Value").ToString(), "");
-  EXPECT_EQ(Item("dhtMain", "BuildFile").Get("Value").ToString(), "");
-  EXPECT_EQ(Item("dhtMain", "id").Get("Value").ToString(), "dhtMain");
-  EXPECT_EQ(Item("dhtMain", "ShowBorder").Get("Value"), Variant(true));
-  Item("dhtMain", "BuildFile").Put("Value", "c:\\web\\main.htm");
-  EXPECT_EQ(Item("dhtMain", "BuildFile").Get("Value").ToString(), "c:\\web\\main.htm");
-  // Other form-like kinds answer their classes' properties.
-  EXPECT_EQ(Item("ctlGauge", "Name").Get("Value").ToString(), "ctlGauge");
-  EXPECT_EQ(Item("docHome", "Name").Get("Value").ToString(), "docHome");
-  EXPECT_EQ(Item("ppgGauge", "Name").Get("Value").ToString(), "ppgGauge");
-  EXPECT_EQ(ErrorOf([&] { Item("frmShell", "ScaleHeight"); }), 9);  // runtime only
 }
 
 }  // namespace
