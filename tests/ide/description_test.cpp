@@ -117,6 +117,41 @@ TEST(Description, ObjectsGroupsAndPropertiesAreReadInStoredOrder) {
   EXPECT_EQ(references[2].reference, (CompanionReference{true, "frmOrders.frx", 0x2E}));
 }
 
+TEST(Description, EveryFormLikeFixtureComesBackByteForByte) {
+  struct Case {
+    const char* file;
+    FileKind kind;
+    int codePage;
+  };
+  const Case cases[] = {
+      {"orders/frmOrders.frm", FileKind::kForm, 1252},
+      {"orders/deOrders.Dsr", FileKind::kDesigner, 1252},
+      {"ledger/frmMain.frm", FileKind::kForm, 1252},
+      {"ledger/frmShell.frm", FileKind::kForm, 1252},
+      {"ledger/ctlGauge.ctl", FileKind::kUserControl, 1252},
+      {"ledger/ppgGauge.pag", FileKind::kPropertyPage, 1252},
+      {"ledger/docHome.dob", FileKind::kUserDocument, 1252},
+      {"ledger/dhtMain.Dsr", FileKind::kDesigner, 1252},
+      {"gbk/\xE7\xAA\x97\xE4\xBD\x93/\xE4\xB8\xBB\xE7\xAA\x97\xE4\xBD\x93.frm", FileKind::kForm,
+       936},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.file);
+    Loaded loaded = Load(c.file, c.kind, c.codePage);
+    EXPECT_FALSE(loaded.file->IsDirty());
+    EXPECT_EQ(idetest::RenderThroughLines(*loaded.file), loaded.bytes);
+    // Writing every property with the value text it has changes nothing either.
+    Description& d = loaded.description();
+    std::vector<DescriptionNode*> nodes = d.Controls();
+    nodes.push_back(&d.Root());
+    for (DescriptionNode* node : nodes) {
+      for (PropertyEntry* p : node->Properties())
+        node->SetProperty(p->Name(), p->ValueText());
+    }
+    EXPECT_FALSE(d.IsDirty());
+  }
+}
+
 TEST(Description, EditsRewriteOnlyTheirLinesInVb6sOrderAndLayout) {
   const FontValues arial{"Arial", 9.75, 0, 700, false, false, false};
   struct Case {

@@ -112,6 +112,48 @@ TEST(PropertyCatalog, EveryTableIsWellFormed) {
   }
 }
 
+// Defaults confirmed by VB6's own form files, which leave out a property at its default.
+TEST(PropertyCatalog, DefaultsTheFormFilesConfirm) {
+  struct Row {
+    std::string_view cls, name;
+    double value;
+  };
+  const Row rows[] = {
+      {"VB.Form", "BackColor", static_cast<int32_t>(0x8000000F)},
+      {"VB.Form", "ForeColor", static_cast<int32_t>(0x80000012)},
+      {"VB.Form", "BorderStyle", 2},
+      {"VB.Form", "FillStyle", 1},
+      {"VB.Form", "StartUpPosition", 0},
+      {"VB.Form", "ScaleMode", 1},
+      {"VB.Form", "ShowInTaskbar", -1},
+      {"VB.UserControl", "BackStyle", 1},
+      {"VB.UserControl", "ClipBehavior", 1},
+      {"VB.Frame", "BorderStyle", 1},
+      {"VB.Label", "UseMnemonic", -1},
+      {"VB.Label", "BackStyle", 1},
+      {"VB.TextBox", "BackColor", static_cast<int32_t>(0x80000005)},
+      {"VB.TextBox", "HideSelection", -1},
+      {"VB.TextBox", "BorderStyle", 1},
+      {"VB.ListBox", "IntegralHeight", -1},
+      {"VB.HScrollBar", "Max", 32767},
+      {"VB.VScrollBar", "LargeChange", 1},
+      {"VB.Shape", "BackStyle", 0},
+      {"VB.Shape", "FillStyle", 1},
+      {"VB.Line", "BorderColor", static_cast<int32_t>(0x80000008)},
+      {"VB.CheckBox", "MaskColor", 0x00C0C0C0},
+      {"VB.Timer", "Interval", 0},
+      {"VB.Timer", "Enabled", -1},
+      {"VB.CommandButton", "Appearance", 1},
+  };
+  for (const Row& row : rows) {
+    const PropertyInfo& p = Prop(row.cls, row.name);
+    EXPECT_EQ(p.omission.kind, DefaultValue::Kind::kNumber) << row.cls << "." << row.name;
+    EXPECT_EQ(p.omission.number, row.value) << row.cls << "." << row.name;
+  }
+  EXPECT_EQ(Prop("VB.FileListBox", "Pattern").omission.text, "*.*");
+  EXPECT_EQ(Prop("VB.Data", "Connect").omission.text, "Access");
+}
+
 TEST(PropertyCatalog, WhatVbAlwaysWritesAndWhatANewObjectGets) {
   EXPECT_EQ(Prop("VB.Form", "LinkTopic").saving, Saving::kAlways);
   EXPECT_EQ(Prop("VB.Form", "ScaleWidth").saving, Saving::kAlways);
@@ -137,6 +179,35 @@ TEST(PropertyCatalog, WhatVbAlwaysWritesAndWhatANewObjectGets) {
             Variant::Long(static_cast<int32_t>(0x8000000C)));
   EXPECT_EQ(DefaultOf(Prop("VB.Label", "Caption"), "Label1"), Variant(""));
   EXPECT_EQ(DefaultOf(Prop("VB.TextBox", "Index")), Variant::Integer(-1));
+}
+
+TEST(PropertyCatalog, FontsAndWhoHasThem) {
+  EXPECT_EQ(kDefaultFont.name, "MS Sans Serif");
+  EXPECT_EQ(kDefaultFont.size, 8.25);
+  EXPECT_EQ(kDefaultFont.weight, 400);
+  EXPECT_EQ(kDefaultFont.charset, 0);
+  EXPECT_TRUE(IsBold(700));
+  EXPECT_TRUE(IsBold(900));
+  EXPECT_FALSE(IsBold(699));
+  // The font block's own order, every attribute saved but Bold.
+  const auto font = FontProperties();
+  ASSERT_EQ(font.size(), 8u);
+  EXPECT_EQ(font[0].name, "Name");
+  EXPECT_EQ(font[0].omission.text, "MS Sans Serif");
+  EXPECT_EQ(font[1].name, "Size");
+  EXPECT_EQ(font[6].name, "Strikethrough");
+  EXPECT_EQ(font[7].name, "Bold");
+  EXPECT_EQ(font[7].saving, Saving::kNever);
+  EXPECT_EQ(CoerceValue(font[3], automation::Variant(700)), automation::Variant::Integer(700));
+  for (std::string_view cls : {"VB.Form", "VB.UserControl", "VB.PropertyPage", "VB.UserDocument",
+                               "VB.TextBox", "VB.Data", "VB.PictureBox", "VB.Frame"}) {
+    EXPECT_TRUE(Class(cls).HasFont()) << cls;
+  }
+  for (std::string_view cls :
+       {"VB.MDIForm", "VB.Line", "VB.Shape", "VB.Image", "VB.OLE", "VB.Timer", "VB.Menu",
+        "VB.HScrollBar", "DHTMLPageDesigner.DHTMLPage"}) {
+    EXPECT_FALSE(Class(cls).HasFont()) << cls;
+  }
 }
 
 TEST(PropertyCatalog, EnumerationDescriptionsAreWhatFormFilesShow) {

@@ -286,6 +286,38 @@ TEST_F(VbControls, OtherLibrariesControlsHaveTheExtendersProperties) {
   EXPECT_EQ(FormBytes(), before);
 }
 
+TEST_F(VbControls, ControlPropertiesListTheWindowsPropertiesWithNameFirst) {
+  const Dispatch properties(Control("txtInner").Get("Properties").ToObject());
+  EXPECT_GT(properties.Get("Count").ToLong(), 40);
+  EXPECT_EQ(Dispatch(properties.Call("Item", 1).ToObject()).Get("Name").ToString(), "Name");
+  EXPECT_EQ(Property(Control("txtInner"), "Text").Get("Value").ToString(), "inner");
+  EXPECT_EQ(
+      Property(Control("lstItems"), "List").GetAt("IndexedValue", Variant::Long(1)).ToString(),
+      "Banana");
+  // Font attributes are the live control's, not the window's.
+  EXPECT_EQ(ErrorOf([&] { Property(Control("txtInner"), "FontBold"); }), 9);
+  // Other libraries' controls: what the file stores, and their name and index.
+  EXPECT_EQ(Property(Control("barProgress"), "Max").Get("Value").ToLong(), 50);
+  EXPECT_EQ(Property(Control("barProgress"), "Index").Get("Value").ToLong(), -1);
+  Reindex(Control("barProgress"), 3);
+  EXPECT_EQ(NameOf(Control("barProgress", 3)), "barProgress(3)");
+}
+
+TEST_F(VbControls, LiveWritesChangeOnlyTheirLines) {
+  const std::string before = FormBytes();
+  Live("lblNote").Put("Caption", "Remark");
+  Live("Option1", 1).Put("Caption", "Uno");
+  EXPECT_TRUE(form_.Get("IsDirty").ToBool());
+  Save();
+  EXPECT_EQ(Missing(before, FormBytes()),
+            (std::multiset<std::string>{"      Caption         =   \"Note\"\r",
+                                        "      Caption         =   \"One\"\r"}));
+  EXPECT_EQ(Missing(FormBytes(), before),
+            (std::multiset<std::string>{"      Caption         =   \"Remark\"\r",
+                                        "      Caption         =   \"Uno\"\r"}));
+  EXPECT_FALSE(form_.Get("IsDirty").ToBool());
+}
+
 TEST_F(VbControls, RenamesKeepControlArraysConsistent) {
   const Dispatch one = Control("Option1", 1);
   // A fresh name: the member leaves the array and keeps its index.

@@ -67,6 +67,26 @@ TEST_F(VbideProperties, AFormListsItsWindowPropertiesByNameAndPosition) {
   EXPECT_EQ(ErrorOf([&] { Properties("modMain").Call("Item", 1); }), 9);
 }
 
+// What a write saves is the model's (ObjectPropertiesTest).
+TEST_F(VbideProperties, ValueWritesReachTheModelAndMarkTheComponentDirty) {
+  Open("props", "Props.vbp");
+  EXPECT_FALSE(Component("frmProps").Get("IsDirty").ToBool());
+  EXPECT_EQ(ErrorOf([&] { Item("frmProps", "StartUpPosition").Put("Value", 9); }), 380);
+  EXPECT_FALSE(Component("frmProps").Get("IsDirty").ToBool());
+  Item("frmProps", "Caption").Put("Value", "Edited");
+  EXPECT_TRUE(Component("frmProps").Get("IsDirty").ToBool());
+  // Value is the default member: dispatch identifier 0.
+  EXPECT_EQ(Item("frmProps", "Caption").GetId(0).ToString(), "Edited");
+  auto vbComponent = automation::As<ide::vbide::VBComponent>(Component("frmProps").object());
+  ide::form::FormContext context = vbComponent->Model().Form();
+  EXPECT_EQ(ide::form::ObjectProperties(context, context.description->Root()).Get("Caption"),
+            Variant("Edited"));
+  // Marked saved, the next write shows again.
+  Component("frmProps").Put("IsDirty", false);
+  Item("frmProps", "Caption").Put("Value", "Again");
+  EXPECT_TRUE(Component("frmProps").Get("IsDirty").ToBool());
+}
+
 TEST_F(VbideProperties, TheFontObjectIsLiveByNameAndDispatchIdentifier) {
   Open("props", "Props.vbp");
   Dispatch font(Item("frmProps", "Font").Get("Object").ToObject());
