@@ -303,15 +303,6 @@ TEST_F(VbControls, ControlPropertiesListTheWindowsPropertiesWithNameFirst) {
   EXPECT_EQ(NameOf(Control("barProgress", 3)), "barProgress(3)");
 }
 
-TEST_F(VbControls, FileListBoxesListNothingAtDesignTime) {
-  const Dispatch files = Live("filPick");
-  EXPECT_EQ(files.Get("ListCount").ToLong(), 0);
-  EXPECT_EQ(files.GetAt("List", Variant::Long(0)).ToString(), "");
-  EXPECT_EQ(files.Get("Pattern").ToString(), "*.txt");
-  EXPECT_EQ(ErrorOf([&] { files.Call("AddItem", "a.txt"); }), 438);
-  EXPECT_EQ(ErrorOf([&] { files.Call("Clear"); }), 438);
-}
-
 TEST_F(VbControls, LiveWritesChangeOnlyTheirLines) {
   const std::string before = FormBytes();
   Live("lblNote").Put("Caption", "Remark");

@@ -143,19 +143,4 @@ TEST_F(VbideProperties, ListsAreReadAndWrittenByIndexedValue) {
             Variant::Integer(2));
 }
 
-TEST_F(VbideProperties, DesignersAnswerTheirSettings) {
-  Open("ledger", "Ledger.vbp");
-  EXPECT_EQ(Item("dhtMain", "SourceFile").Get("Value").ToString(), "");
-  EXPECT_EQ(Item("dhtMain", "BuildFile").Get("Value").ToString(), "");
-  EXPECT_EQ(Item("dhtMain", "id").Get("Value").ToString(), "dhtMain");
-  EXPECT_EQ(Item("dhtMain", "ShowBorder").Get("Value"), Variant(true));
-  Item("dhtMain", "BuildFile").Put("Value", "c:\\web\\main.htm");
-  EXPECT_EQ(Item("dhtMain", "BuildFile").Get("Value").ToString(), "c:\\web\\main.htm");
-  // Other form-like kinds answer their classes' properties.
-  EXPECT_EQ(Item("ctlGauge", "Name").Get("Value").ToString(), "ctlGauge");
-  EXPECT_EQ(Item("docHome", "Name").Get("Value").ToString(), "docHome");
-  EXPECT_EQ(Item("ppgGauge", "Name").Get("Value").ToString(), "ppgGauge");
-  EXPECT_EQ(ErrorOf([&] { Item("frmShell", "ScaleHeight"); }), 9);  // runtime only
-}
-
 }  // namespace
