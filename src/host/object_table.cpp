@@ -188,14 +188,17 @@ struct LiveEntry {
   fs::path file;
 };
 
-// The registrations of the other processes that are still running. Entries (and sockets) left
-// by processes that have ended are removed on the way.
-std::vector<LiveEntry> OtherLiveEntries() {
+// The registrations of the other processes that are still running, of one key only when one is
+// given. Entries (and sockets) left by processes that have ended are removed on the way; with a
+// key, only its own entries are checked, so that a look-up asks the process table about the
+// processes that registered the name rather than about every process of the home.
+std::vector<LiveEntry> OtherLiveEntries(const std::string* key = nullptr) {
   std::vector<LiveEntry> live;
   const fs::path run = platform::RunFolder();
   std::error_code ec;
   for (fs::directory_iterator it(run, ec), end; !ec && it != end; it.increment(ec)) {
     const fs::path& file = it->path();
+    if (key != nullptr && file.extension() != ".entry") continue;
     if (file.extension() == ".sock") {
       // The socket of a process that ended without registrations left.
       const std::string stem = file.stem().string();
@@ -214,7 +217,7 @@ std::vector<LiveEntry> OtherLiveEntries() {
     }
     if (file.extension() != ".entry") continue;
     std::optional<Entry> entry = ReadEntry(file);
-    if (!entry) continue;
+    if (!entry || (key != nullptr && entry->key != *key)) continue;
     if (entry->pid == ::getpid() && entry->start == OwnStart()) continue;  // ours: in memory
     const ProcessStamp process = StampOf(entry->pid);
     if (!process.alive || process.start != entry->start) {
@@ -236,6 +239,9 @@ ObjectTable& ObjectTable::Get() {
 }
 
 int32_t ObjectTable::Add(const std::string& name, automation::ObjectRef object) {
+  // What ended processes left is cleared here, once per registration; a look-up checks the
+  // registrations of its own name only.
+  OtherLiveEntries();
   State& state = TheState();
   const fs::path run = platform::RunFolder();
   Entry entry;
@@ -273,7 +279,7 @@ automation::ObjectRef ObjectTable::Find(const std::string& name) {
     for (const auto& r : TheState().registrations) {
       if (r.key == key) candidates.push_back(Candidate{r.stamp, r.object, {}, {}});
     }
-    for (LiveEntry& live : OtherLiveEntries()) {
+    for (LiveEntry& live : OtherLiveEntries(&key)) {
       if (live.entry.key == key)
         candidates.push_back(
             Candidate{live.entry.stamp, nullptr, std::move(live.entry), live.file});

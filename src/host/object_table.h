@@ -7,7 +7,9 @@
 // registration, the cookie and the name). A look-up from any process reads the entries, skips
 // (and removes, with their sockets) those of processes that have ended, and connects to the
 // socket of the latest registration of the name, which hands out a proxy. A process finds its
-// own registrations in memory and gets the object itself.
+// own registrations in memory and gets the object itself. A look-up asks the process table
+// about the processes that registered its name only; the entries and sockets of every ended
+// process are removed at each registration and each listing of names.
 
 #include <cstdint>
 #include <string>
