@@ -3,6 +3,7 @@
 #include <array>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "components/declared_types.h"
 #include "foundation/operation.h"
@@ -40,13 +41,18 @@ const automation::ClassInfo& Control::Class() const {
           self.Write(row, value);
         });
     const automation::ClassInfo every = builder.Build();
+    // Each member's row, found once for every type.
+    std::vector<const ControlProperty*> rows;
+    for (const automation::Member& member : every.defaultInterface.members)
+      rows.push_back(FindControlProperty(member.name));
     std::array<automation::ClassInfo, kCustomControl + 1> byType;
     for (std::size_t type = 0; type < byType.size(); ++type) {
       byType[type] = every;
-      for (automation::Member& member : byType[type].defaultInterface.members) {
-        const ControlProperty* row = FindControlProperty(member.name);
-        member.hidden = row != nullptr && row->reading != Reading::kZeroElsewhere &&
-                        !Contains(row->readOn, static_cast<ControlType>(type));
+      std::vector<automation::Member>& members = byType[type].defaultInterface.members;
+      for (std::size_t m = 0; m < members.size(); ++m) {
+        const ControlProperty* row = rows[m];
+        members[m].hidden = row != nullptr && row->reading != Reading::kZeroElsewhere &&
+                            !Contains(row->readOn, static_cast<ControlType>(type));
       }
     }
     return byType;
