@@ -74,7 +74,9 @@ struct FileChange {
 struct ScannedFile {
   fs::path original;  // the file as the user knows it (outside any scratch copy)
   std::string before;
-  std::string after;                   // after a write; equal to before otherwise
+  std::string after;  // after a write; equal to before otherwise
+  // The file's size, when a search found nothing in it and did not read it.
+  std::optional<std::uintmax_t> unread;
   std::vector<FileChange> companions;  // of a replace: each companion's bytes
   ComponentScan scan;
   double seconds = 0;
@@ -576,8 +578,14 @@ class Run {
       scanned.original = file->file;
       scanned.line = file->line;
       onDisk = copy ? copy->Inside(file->file) : file->file;
-      scanned.before = bytes ? std::move(*bytes) : platform::ReadFile(onDisk.string());
+      if (bytes) {
+        scanned.before = std::move(*bytes);
+      } else if (options_.replacement) {
+        scanned.before = platform::ReadFile(onDisk.string());
+      }
     }
+    // A search reads the file only to place what it found there.
+    bool unread = file != nullptr && !bytes && !options_.replacement;
     // The component object, made when a scan needs it: one the agent scanned needs none.
     automation::ObjectRef object;
     const auto objectOf = [&]() -> const automation::ObjectRef& {
@@ -604,6 +612,15 @@ class Run {
       scanned.scan = std::move(scan);
       for (const ScanPlace& place : scanned.scan.places)
         unseenOnly_.erase(place.id);
+      if (unread && scanned.scan.places.empty()) {
+        std::error_code ignored;
+        scanned.unread = fs::file_size(onDisk, ignored);
+        if (ignored) scanned.unread = 0;
+      } else if (unread) {
+        scanned.before = platform::ReadFile(onDisk.string());
+        scanned.unread.reset();
+        unread = false;
+      }
       scanned.after = replacing ? platform::ReadFile(onDisk.string()) : scanned.before;
       if (replacing) {
         ReadCompanions(onDisk, copy, companions, &FileChange::after);
@@ -835,12 +852,13 @@ class Run {
     std::vector<size_t> placeLines;
     FileMatches matches;
     matches.path = path;
-    matches.bytes = scanned.before.size();
+    const auto size = static_cast<size_t>(scanned.unread.value_or(scanned.before.size()));
+    matches.bytes = size;
     matches.seconds = scanned.seconds;
     matches.codePage = scanned.codePage;
     matches.hits = GroupMatches(scan, SplitFileLines(scanned.before), placeLines);
     ++totals_.files;
-    totals_.bytes += scanned.before.size();
+    totals_.bytes += size;
     // The matches a replace changes: narrowed by --only or by the user's answers, those of the
     // places written (or refused); else every match.
     const bool narrowed = review_ != nullptr || !options_.only.empty();
