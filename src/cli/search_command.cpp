@@ -123,6 +123,15 @@ class Run {
     for (const automation::Error& e : discovery.errors)
       Report({false, "", "", 0, e.Number(), e.Description()});
     totals_.projectsNamed = discovery.projects.size() + discovery.errors.size();
+    // A place's id is its component's, procedure's or property's name, which another project of a
+    // folder may have too: the places a user chose are one project's.
+    if (!options_.only.empty() && discovery.projects.size() > 1) {
+      Report({false, "", "", 0, 5,
+              "--only names the places of one project, and " +
+                  std::to_string(discovery.projects.size()) +
+                  " were found: give the project file of the places"});
+      return kExitError;
+    }
     Session session;
     ProgressLine progress(printer_, discovery.projects.size());
     progress_ = &progress;

@@ -320,6 +320,19 @@ TEST_F(IdeProcesses, ReplaceJsonNamesPlacesThatOnlyThenWrites) {
   const std::string after = ReadBytes(cls);
   EXPECT_NE(after.find("    mAmount = NewValue\r\n"), std::string::npos);
   EXPECT_NE(after.find("Private mQuantity As Long"), std::string::npos) << "not an --only place";
+
+  // A place is named within its project: in a folder of two, --only could name either's.
+  const fs::path both = work() / "Both";
+  fs::create_directories(both);
+  for (const char* copy : {"One", "Two"})
+    fs::copy(work() / "Inventory", both / copy, fs::copy_options::recursive);
+  const auto folder = Qx({"replace", "--write", "--only", "CStockItem/procedure/Value.Get", "-i",
+                          "quantity", "Amount", both.string()});
+  EXPECT_EQ(folder.status, 2);
+  EXPECT_NE(folder.err.find("--only names the places of one project, and 2 were found"),
+            std::string::npos)
+      << folder.err;
+  EXPECT_EQ(ReadBytes(both / "Two" / "CStockItem.cls"), after);
 }
 
 // replace --interactive shows each place's change and writes the places accepted: n, y, then d
