@@ -12,6 +12,7 @@
 #include <set>
 #include <system_error>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "automation/casefold.h"
 
@@ -103,7 +104,14 @@ class Listings {
     auto listing = std::make_unique<Listing>();
     listing->inode = st.st_ino;
     listing->modifiedNs = Nanoseconds(st.st_mtim);
-    Watch(key, *listing);  // before the listing is read, so that no change falls between
+    // A folder listed a second time is followed from then on. Not the first time: ending a
+    // process that holds watches waits for the kernel (milliseconds), which a short run that
+    // lists each folder once need not pay.
+    if (!listedOnce_.insert(key).second) {
+      Watch(key, *listing);  // before the listing is read, so that no change falls between
+    } else if (listedOnce_.size() > kRemembered) {
+      listedOnce_ = {key};
+    }
     if (!Read(folder, *listing)) {
       Unwatch(key, *listing);
       return;
@@ -118,13 +126,12 @@ class Listings {
 
  private:
   static constexpr size_t kKept = 64;
+  static constexpr size_t kRemembered = 1024;
+  static constexpr int kNoWatchesYet = -2;
   static constexpr uint32_t kEvents = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO |
                                       IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
 
-  Listings() : events_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {}
-  ~Listings() {
-    if (events_ >= 0) ::close(events_);
-  }
+  Listings() = default;
 
   static bool Read(const fs::path& folder, Listing& listing) {
     std::error_code ec;
@@ -138,6 +145,7 @@ class Listings {
   }
 
   void Watch(const std::string& key, Listing& listing) {
+    if (events_ == kNoWatchesYet) events_ = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
     if (events_ < 0) return;
     const int watch = ::inotify_add_watch(events_, key.c_str(), kEvents);
     // A folder reached by two paths has one watch; the second path goes by its time.
@@ -203,7 +211,8 @@ class Listings {
   }
 
   std::mutex mutex_;
-  const int events_;
+  int events_ = kNoWatchesYet;  // the inotify instance, made for the first watch
+  std::unordered_set<std::string> listedOnce_;
   std::unordered_map<std::string, std::unique_ptr<Listing>> listings_;
   std::unordered_map<int, std::string> byWatch_;
 };

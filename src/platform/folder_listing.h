@@ -4,12 +4,13 @@
 // differs from the file's (ToNative), and a form's companions are the files beside it with its
 // stem. Listing the folder for each made a run quadratic in the folder's size.
 //
-// A folder is listed once and then followed: an inotify watch on it reports each name added or
-// removed since, which the listing takes in before it answers, so a file that another process
-// made a moment ago (an IDE's save writing a new companion) is seen. Where no watch can be had,
-// the listing is used again while the folder's modification time stays the same, and kept only
+// A listing is used again while the folder's modification time stays the same, and kept only
 // once that time lies before the file system's clock: a change within the same tick of that
-// clock would not show in the time.
+// clock would not show in the time. A folder that has to be listed again (it changed, or had
+// just changed) is followed from then on: an inotify watch on it reports each name added or
+// removed since, which the listing takes in before it answers, so a file that another process
+// made a moment ago (an IDE's save writing a new companion) is seen without a new listing. Each
+// folder is so listed at most twice by a process, however often others change it.
 
 #include <filesystem>
 #include <optional>
