@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 #include <thread>
 
 #include "automation/error.h"
@@ -12,6 +13,7 @@
 #include "host/ide_control.h"
 #include "host/object_table.h"
 #include "host/register.h"
+#include "platform/process_exit.h"
 
 namespace cli {
 namespace {
@@ -37,8 +39,11 @@ bool Gone(long pid) {
 }
 
 // Waits until the process has gone or the time is up; true when gone. Interrupted by Ctrl-C:
-// the signal ends qx, as it should, while it waits.
+// the signal ends qx, as it should, while it waits. Woken by the process's end; only where the
+// system cannot watch a process does it look at it every few milliseconds.
 bool WaitUntilGone(long pid, std::chrono::seconds limit) {
+  if (const std::optional<bool> ended = platform::WaitForExit(static_cast<pid_t>(pid), limit))
+    return *ended;
   const auto deadline = Clock::now() + limit;
   while (!Gone(pid)) {
     if (Clock::now() > deadline) return false;

@@ -7,6 +7,7 @@
 #include "contracts/component_kinds.h"
 #include "platform/codepage.h"
 #include "platform/files.h"
+#include "platform/folder_listing.h"
 #include "platform/paths.h"
 #include "platform/project_lines.h"
 
@@ -113,18 +114,10 @@ std::vector<CompanionFile> CompanionFiles(const fs::path& componentFile) {
     if (fs::is_regular_file(file) && seen.insert(FileKey(file)).second)
       out.push_back({file, absolute});
   };
-  std::error_code ec;
-  std::vector<fs::path> beside;
-  for (fs::directory_iterator it(componentFile.parent_path(), ec), end; !ec && it != end;
-       it.increment(ec)) {
-    if (automation::EqualsNoCaseUnicode(it->path().stem().string(),
-                                        componentFile.stem().string())) {
-      beside.push_back(it->path());
-    }
-  }
-  std::sort(beside.begin(), beside.end());
-  for (const fs::path& file : beside)
-    add(file, false);
+  // The folder is listed once for all its forms (platform/folder_listing.h).
+  const fs::path folder = componentFile.parent_path();
+  for (const std::string& name : platform::EntriesWithStem(folder, componentFile.stem().string()))
+    add(folder / name, false);
   if (HasExtension(componentFile, ".dsr") && fs::is_regular_file(componentFile)) {
     const std::string source = SourceFileSetting(componentFile);
     if (!source.empty())

@@ -74,6 +74,8 @@ TEST_F(IdeProcesses, StopEndsOnlyTheIdeOfThatProjectAndSaysSoWhenThereIsNone) {
   std::filesystem::copy(work() / "Inventory", work() / "Other",
                         std::filesystem::copy_options::recursive);
   const std::string other = (work() / "Other" / "Inventory.vbp").string();
+  // Far from idle: what ends it is the request, which wakes its loop.
+  ::setenv("QX_IDE_IDLE_SECONDS", "3600", 1);
   const long a = PidIn(Qx({"ide", "start", vbp_}).out);
   const long b = PidIn(Qx({"ide", "start", other}).out);
   ASSERT_GT(a, 0);
@@ -83,6 +85,9 @@ TEST_F(IdeProcesses, StopEndsOnlyTheIdeOfThatProjectAndSaysSoWhenThereIsNone) {
   EXPECT_EQ(stop.status, 0) << stop.err;
   EXPECT_TRUE(ProcessGone(b));
   EXPECT_FALSE(ProcessGone(a));
+  EXPECT_NE(qxtest::ReadBytes(home() / "qxvb6.log")
+                .find("qxvb6[" + std::to_string(b) + "] ending: asked to end"),
+            std::string::npos);
   EXPECT_EQ(Qx({"ide", "stop", "neither", "--all"}).status, 2);  // one or the other
 }
 

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <string>
+#include <vector>
 
+#include "platform/folder_listing.h"
 #include "support/temp_home.h"
 #include "test_files.h"
 
@@ -82,6 +85,29 @@ TEST(Paths, ASettledFolderStillShowsEveryChangeToItsEntries) {
 
   fs::remove(folder / "MAIN.bas");  // removed: kept as written
   EXPECT_EQ(ToNative(folder.string() + "\\main.bas"), folder / "main.bas");
+}
+
+// A form's companions are the entries beside it with its stem; the listing they come from follows
+// the folder from the moment it is read, without waiting for its time to settle.
+TEST(Paths, TheEntriesOfAStemFollowTheFolderAtOnce) {
+  qxtest::TempHome home;
+  const fs::path folder = home.path() / "Forms";
+  for (const char* name : {"Main.frm", "MAIN.frx", "main.log", "Main.frm.bak", "Other.frm"})
+    platformtest::WriteBytes(folder / name, "x");
+  using Names = std::vector<std::string>;
+  EXPECT_EQ(platform::EntriesWithStem(folder, "main"), (Names{"MAIN.frx", "Main.frm", "main.log"}));
+  EXPECT_EQ(platform::EntriesWithStem(folder / "none", "main"), Names{});
+
+  platformtest::WriteBytes(folder / "Main.frx", "x");
+  fs::remove(folder / "MAIN.frx");
+  fs::rename(folder / "main.log", folder / "Other.log");
+  EXPECT_EQ(platform::EntriesWithStem(folder, "MAIN"), (Names{"Main.frm", "Main.frx"}));
+  EXPECT_EQ(platform::EntriesWithStem(folder, "other"), (Names{"Other.frm", "Other.log"}));
+
+  fs::remove_all(folder);  // made anew at the same path
+  platformtest::WriteBytes(folder / "main.FRM", "x");
+  EXPECT_EQ(platform::EntriesWithStem(folder, "Main"), Names{"main.FRM"});
+  EXPECT_EQ(platform::EntryNoCase(folder, "MAIN.frm"), "main.FRM");
 }
 
 TEST(Paths, SeparatorsAndWindowsForm) {
