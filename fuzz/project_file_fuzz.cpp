@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
       continue;
     }
     try {
-      file->RenameEntry(i, "Renamed");
+      file->RenameEntry(i, std::string(file->Entries()[i].name), "Renamed");
     } catch (const automation::Error&) {
       return 0;
     }

@@ -356,6 +356,7 @@ class Run {
         }
       }
       Flush(project, scanned, session.CodePage(), result);
+      agent_.reset();  // let go before the project's IDE is let go
     });
     agent_.reset();
     return result;
