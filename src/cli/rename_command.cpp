@@ -35,6 +35,17 @@ std::string ProcedureName(const std::string& place) {
   return place.substr(0, place.find('.'));
 }
 
+// A rename's request: the pattern replaced by the new name in the scopes, in any letter case, in
+// code outside string literals and comments; narrowed to one control's places when given.
+std::string RenamingRequest(const std::string& pattern, const std::string& newName,
+                            nlohmann::ordered_json scopes, const std::string& control = {}) {
+  nlohmann::ordered_json request{{"patterns", {pattern}},      {"case", "insensitive"},
+                                 {"replacement", newName},     {"write", true},
+                                 {"scope", std::move(scopes)}, {"codeOnly", true}};
+  if (!control.empty()) request["control"] = control;
+  return request.dump();
+}
+
 }  // namespace
 
 RenameTarget ParseRenameTarget(const std::string& control, const std::string& newName) {
@@ -62,10 +73,7 @@ RenameTarget ParseRenameTarget(const std::string& control, const std::string& ne
 std::string ReferenceRequest(const RenameTarget& target) {
   const std::string pattern =
       "(?<=\\b\\Q" + target.component + "\\E\\.)\\Q" + target.oldName + "\\E(?!\\w)";
-  return nlohmann::ordered_json{
-      {"patterns", {pattern}}, {"case", "insensitive"}, {"replacement", target.newName},
-      {"write", true},         {"scope", {"code"}},     {"codeOnly", true}}
-      .dump();
+  return RenamingRequest(pattern, target.newName, {"code"});
 }
 
 std::string MentionRequest(const RenameTarget& target) {
@@ -144,11 +152,7 @@ std::optional<std::string> RenameRequest(const ComponentScan& inventory,
   }
   const std::string pattern = "(?:(?<![\\w.])|(?<=\\bMe\\.)|(?<=\\b" + inventory.component +
                               "\\.))" + spelled + "(?=" + follows + ")";
-  return nlohmann::ordered_json{
-      {"patterns", {pattern}}, {"case", "insensitive"},      {"replacement", target.newName},
-      {"write", true},         {"scope", {"names", "code"}}, {"codeOnly", true},
-      {"control", spelled}}
-      .dump();
+  return RenamingRequest(pattern, target.newName, {"names", "code"}, spelled);
 }
 
 bool CheckComponentRename(const std::vector<ComponentScan>& inventories,
@@ -198,12 +202,9 @@ bool CheckComponentRename(const std::vector<ComponentScan>& inventories,
 
 std::string ComponentRenameRequest(const RenameTarget& target, bool own) {
   const std::string pattern = "(?<![\\w.])\\Q" + target.component + "\\E(?!\\w)";
-  nlohmann::ordered_json scopes =
-      own ? nlohmann::ordered_json{"names", "code"} : nlohmann::ordered_json{"code"};
-  return nlohmann::ordered_json{{"patterns", {pattern}},         {"case", "insensitive"},
-                                {"replacement", target.newName}, {"write", true},
-                                {"scope", std::move(scopes)},    {"codeOnly", true}}
-      .dump();
+  return RenamingRequest(
+      pattern, target.newName,
+      own ? nlohmann::ordered_json{"names", "code"} : nlohmann::ordered_json{"code"});
 }
 
 namespace {
