@@ -3,7 +3,6 @@
 // those of qx replace.
 
 #include <iostream>
-#include <nlohmann/json.hpp>
 #include <vector>
 
 #include "automation/casefold.h"
@@ -15,6 +14,7 @@
 #include "cli/rename_plan.h"
 #include "cli/review.h"
 #include "foundation/vxhandler.h"
+#include "host/scan/scan_request.h"
 
 namespace cli {
 namespace {
@@ -35,15 +35,25 @@ std::string ProcedureName(const std::string& place) {
   return place.substr(0, place.find('.'));
 }
 
+// A request for the pattern, in any letter case, in the scopes.
+host::scan::ScanRequest Request(const std::string& pattern, std::vector<std::string> scopes) {
+  host::scan::ScanRequest request;
+  request.patterns = {pattern};
+  request.options.caseMode = host::scan::CaseMode::kInsensitive;
+  request.scopes = std::move(scopes);
+  return request;
+}
+
 // A rename's request: the pattern replaced by the new name in the scopes, in any letter case, in
 // code outside string literals and comments; narrowed to one control's places when given.
 std::string RenamingRequest(const std::string& pattern, const std::string& newName,
-                            nlohmann::ordered_json scopes, const std::string& control = {}) {
-  nlohmann::ordered_json request{{"patterns", {pattern}},      {"case", "insensitive"},
-                                 {"replacement", newName},     {"write", true},
-                                 {"scope", std::move(scopes)}, {"codeOnly", true}};
-  if (!control.empty()) request["control"] = control;
-  return request.dump();
+                            std::vector<std::string> scopes, const std::string& control = {}) {
+  host::scan::ScanRequest request = Request(pattern, std::move(scopes));
+  request.replacement = newName;
+  request.write = true;
+  request.options.codeParts = host::scan::kStatements;
+  if (!control.empty()) request.control = control;
+  return request.Encode();
 }
 
 }  // namespace
@@ -79,13 +89,14 @@ std::string ReferenceRequest(const RenameTarget& target) {
 std::string MentionRequest(const RenameTarget& target) {
   const std::string& name = target.oldName.empty() ? target.component : target.oldName;
   const std::string pattern = "(?<!\\w)\\Q" + name + "\\E(?!\\w)";
-  return nlohmann::ordered_json{
-      {"patterns", {pattern}}, {"case", "insensitive"}, {"scope", {"strings"}}}
-      .dump();
+  return Request(pattern, {"strings"}).Encode();
 }
 
 std::string InventoryRequest() {
-  return nlohmann::ordered_json{{"patterns", {"\\A"}}, {"scope", {"names", "code"}}}.dump();
+  host::scan::ScanRequest request;
+  request.patterns = {"\\A"};
+  request.scopes = {"names", "code"};
+  return request.Encode();
 }
 
 std::optional<std::string> RenameRequest(const ComponentScan& inventory,
@@ -204,7 +215,7 @@ std::string ComponentRenameRequest(const RenameTarget& target, bool own) {
   const std::string pattern = "(?<![\\w.])\\Q" + target.component + "\\E(?!\\w)";
   return RenamingRequest(
       pattern, target.newName,
-      own ? nlohmann::ordered_json{"names", "code"} : nlohmann::ordered_json{"code"});
+      own ? std::vector<std::string>{"names", "code"} : std::vector<std::string>{"code"});
 }
 
 namespace {

@@ -52,7 +52,7 @@ std::vector<AgentOutcome> ScanAgentView::Scan(const std::vector<AgentItem>& item
   std::vector<AgentOutcome> outcomes;
   while (outcomes.size() < items.size()) {
     std::vector<AgentOutcome> done =
-        ParseAgentOutcomes(agent_
+        host::scan::DecodeOutcomes(agent_
                                .Call("ScanComponents", dispatcher_, project_, projectName_,
                                      ItemsJson(items, outcomes.size()), request)
                                .ToString());

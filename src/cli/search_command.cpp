@@ -19,7 +19,6 @@
 #include <filesystem>
 #include <iostream>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <set>
 #include <thread>
@@ -46,6 +45,7 @@
 #include "contracts/driver_interfaces.h"
 #include "contracts/enumeration.h"
 #include "host/run_view.h"
+#include "host/scan/scan_request.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 
@@ -699,9 +699,9 @@ class Run {
 
   // The request with its writes narrowed to these places.
   static std::string OnlyThese(const std::string& request, const std::vector<std::string>& ids) {
-    nlohmann::ordered_json narrowed = nlohmann::ordered_json::parse(request);
-    narrowed["only"] = ids;
-    return narrowed.dump();
+    host::scan::ScanRequest narrowed = host::scan::ScanRequest::Parse(request);
+    narrowed.only.emplace(ids.begin(), ids.end());
+    return narrowed.Encode();
   }
 
   // Puts the copy's files of the component back as they were and scans it again, writing only
@@ -848,7 +848,7 @@ class Run {
                                     registration_->name());
     const std::string results = buffer_->Results();
     buffer_->Clear();
-    return ParseScanResults(results);
+    return host::scan::DecodeScans(results);
   }
 
   void Show(const ScannedFile& scanned) {

@@ -4,8 +4,6 @@
 
 #include <algorithm>
 
-#include <nlohmann/json.hpp>
-
 #include "automation/casefold.h"
 #include "automation/error.h"
 #include "contracts/component_kinds.h"
@@ -26,18 +24,6 @@ std::string KnownKinds() {
   for (const auto& kind : contracts::kComponentKinds)
     names += (names.empty() ? "" : ", ") + std::string(kind.collection);
   return names;
-}
-
-std::string_view CaseName(CaseChoice choice) {
-  switch (choice) {
-    case CaseChoice::Insensitive:
-      return "insensitive";
-    case CaseChoice::Smart:
-      return "smart";
-    case CaseChoice::Sensitive:
-      break;
-  }
-  return "sensitive";
 }
 
 }  // namespace
@@ -84,19 +70,16 @@ host::scan::MatchOptions MatchOptionsOf(const SearchOptions& options) {
 }
 
 std::string BuildRequest(const SearchOptions& options) {
-  nlohmann::ordered_json request;
-  request["patterns"] = options.patterns;
-  request["literal"] = options.literal;
-  request["case"] = CaseName(options.caseChoice);
-  request["wordRegexp"] = options.wordRegexp;
-  request["replacement"] =
-      options.replacement ? nlohmann::ordered_json(*options.replacement) : nullptr;
+  host::scan::ScanRequest request;
+  request.patterns = options.patterns;
+  request.options = MatchOptionsOf(options);
+  request.replacement = options.replacement;
   // A replace always writes: with --write into the project, otherwise into the scratch copy that
   // the preview is made from.
-  request["write"] = options.replacement.has_value();
-  request["scope"] = options.scope;
-  if (!options.only.empty()) request["only"] = options.only;
-  return request.dump();
+  request.write = options.replacement.has_value();
+  request.scopes = options.scope;
+  if (!options.only.empty()) request.only.emplace(options.only.begin(), options.only.end());
+  return request.Encode();
 }
 
 bool ComponentSelected(const SearchOptions& options, const std::string& name) {

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "automation/error.h"
@@ -13,6 +12,7 @@
 #include "host/host_utility.h"
 #include "host/register.h"
 #include "host/scan/scan_agent.h"
+#include "host/scan/scan_result.h"
 #include "support/temp_home.h"
 
 namespace {
@@ -34,17 +34,16 @@ class StandInComponent : public automation::Object {
             .Build();
     return info;
   }
-  void Scan(const std::string& project, const std::string& name, bool updatable,
+  // Its result carries the flag it was handed where a collection's name goes.
+  void Scan(const std::string&, const std::string& name, bool updatable,
             const std::string& bufferName) {
     if (name_ == "Broken") automation::RaiseMessage(70, "Permission denied");
     if (name_ == "Slow") std::this_thread::sleep_for(host::scan::ScanAgent::kSlice * 3 / 2);
     const ObjectRef buffer = host::HostUtility::Instance()->GetRegisteredObject(bufferName);
-    Dispatch(buffer).Call("AddResult", nlohmann::json{{"project", project},
-                                                      {"collection", "Modules"},
-                                                      {"component", name},
-                                                      {"updatable", updatable},
-                                                      {"places", nlohmann::json::array()}}
-                                           .dump());
+    host::scan::ComponentScan result;
+    result.collection = updatable ? "updatable" : "read-only";
+    result.component = name;
+    Dispatch(buffer).Call("AddResult", host::scan::EncodeScan(result));
   }
 
  private:
@@ -77,15 +76,15 @@ TEST(ScanAgent, ScansEachComponentInItsTurnAndSaysWhereEachFailureCameFrom) {
                                              {"GetModule", "Module1", false}};
 
   // One call ends with the component that spent the slice.
-  const nlohmann::json first =
-      nlohmann::json::parse(Dispatch(automation::CreateObject("qxlib41.ScanAgent"))
-                                .Call("ScanComponents", dispatcher, ObjectRef(), "Inventory",
+  const std::vector<host::scan::AgentOutcome> first =
+      host::scan::DecodeOutcomes(Dispatch(automation::CreateObject("qxlib41.ScanAgent"))
+                                     .Call("ScanComponents", dispatcher, ObjectRef(), "Inventory",
                                       R"([{"factory":"GetModule","name":"Slow","updatable":true},
                     {"factory":"GetModule","name":"Module1","updatable":true}])",
                                       R"({"patterns":["x"]})")
                                 .ToString());
   ASSERT_EQ(first.size(), 1u);
-  EXPECT_EQ(first[0]["results"][0]["component"], "Slow");
+  EXPECT_EQ(first[0].scans[0].component, "Slow");
 
   // qx's side hands it the rest until every component is done, in order.
   const cli::ScanAgentView agent(dispatcher, nullptr, "Inventory");
@@ -93,7 +92,7 @@ TEST(ScanAgent, ScansEachComponentInItsTurnAndSaysWhereEachFailureCameFrom) {
   ASSERT_EQ(outcomes.size(), items.size());
   ASSERT_EQ(outcomes[0].scans.size(), 1u);
   EXPECT_EQ(outcomes[0].scans[0].component, "Slow");
-  EXPECT_TRUE(outcomes[0].scans[0].updatable);
+  EXPECT_EQ(outcomes[0].scans[0].collection, "updatable");
   ASSERT_TRUE(outcomes[1].error);
   EXPECT_EQ(outcomes[1].error->Number(), 35);
   EXPECT_TRUE(outcomes[1].atFactory);
@@ -103,7 +102,7 @@ TEST(ScanAgent, ScansEachComponentInItsTurnAndSaysWhereEachFailureCameFrom) {
   EXPECT_FALSE(outcomes[2].atFactory);
   ASSERT_EQ(outcomes[3].scans.size(), 1u);
   EXPECT_EQ(outcomes[3].scans[0].component, "Module1");
-  EXPECT_FALSE(outcomes[3].scans[0].updatable);
+  EXPECT_EQ(outcomes[3].scans[0].collection, "read-only");
 }
 
 }  // namespace

@@ -292,28 +292,64 @@ const char* const kModule =
     "  Foo = 1\r\n"
     "End Sub\r\n";
 
-const char* const kResults = R"([{"project":"P","collection":"Modules","component":"Module1",
-  "updatable":true,"places":[
-   {"kind":"name","name":"Module1","text":"Module1","matches":[{"line":1,"start":0,"end":3,"text":"Mod"}],
-    "replacement":null,"written":false,"error":null},
-   {"kind":"procedure","name":"<declarations>","text":"Option Explicit\r\nDim Foo As Long\r\n",
-    "matches":[{"line":2,"start":4,"end":7,"text":"Foo"}],"replacement":null,"written":false,"error":null},
-   {"kind":"procedure","name":"Foo2","text":"Public Function Foo2() As Long\r\n  Foo2 = Foo\r\nEnd Function\r\n",
-    "matches":[{"line":2,"start":2,"end":5,"text":"Foo"},{"line":2,"start":9,"end":12,"text":"Foo"}],
-    "replacement":null,"written":false,"error":null},
-   {"kind":"procedure","name":"Bar","text":"Sub Bar()\r\n  Foo = 1\r\nEnd Sub",
-    "matches":[{"line":2,"start":2,"end":5,"text":"Foo"}],"replacement":null,"written":false,
-    "error":{"number":5000,"description":"This replacement would have changed the total number of procedures in the module."}}],
-  "problems":[{"number":-32767,"description":"p"}]}])";
+cli::ScanPlace Place(const char* kind, const char* name, const char* text,
+                     std::vector<cli::ScanMatch> matches, const char* control = "",
+                     const char* property = "") {
+  cli::ScanPlace place;
+  place.kind = kind;
+  place.name = name;
+  place.text = text;
+  place.matches = std::move(matches);
+  place.control = control;
+  place.property = property;
+  return place;
+}
+
+// A scan as the IDE encodes it, with every field set, read back the same.
+cli::ComponentScan ModuleScan() {
+  cli::ComponentScan scan;
+  scan.collection = "Modules";
+  scan.component = "Module1";
+  scan.places = {
+      Place("name", "Module1", "Module1", {{1, 0, 3, "Mod"}}),
+      Place("procedure", "<declarations>", "Option Explicit\r\nDim Foo As Long\r\n",
+            {{2, 4, 7, "Foo"}}),
+      Place("procedure", "Foo2",
+            "Public Function Foo2() As Long\r\n  Foo2 = Foo\r\nEnd Function\r\n",
+            {{2, 2, 5, "Foo", "Bar"}, {2, 9, 12, "Foo", ""}}),
+      Place("procedure", "Bar", "Sub Bar()\r\n  Foo = 1\r\nEnd Sub", {{2, 2, 5, "Foo"}})};
+  scan.places[2].replacement = "";
+  scan.places[2].written = true;
+  scan.places[2].resets = "ItemData (3 values)";
+  scan.places[3].error = cli::ScanError{
+      5000, "This replacement would have changed the total number of procedures in the module.", ""};
+  scan.problems = {{-32767, "p", "Option1.Caption"}};
+  return scan;
+}
 
 TEST(ScanResults, PlacesLandOnTheFilesLinesPastHiddenAttributes) {
-  const std::vector<cli::ComponentScan> scans = cli::ParseScanResults(kResults);
-  ASSERT_EQ(scans.size(), 1u);
+  // Two results one after another, as a buffer hands them over, read back field for field.
+  const std::vector<cli::ComponentScan> scans = host::scan::DecodeScans(
+      host::scan::EncodeScan(ModuleScan()) + host::scan::EncodeScan(cli::ComponentScan{}));
+  ASSERT_EQ(scans.size(), 2u);
   const cli::ComponentScan& scan = scans[0];
-  EXPECT_EQ(scan.places.size(), 4u);
+  EXPECT_EQ(scan.component, "Module1");
+  ASSERT_EQ(scan.places.size(), 4u);
+  EXPECT_EQ(scan.places[1].text, "Option Explicit\r\nDim Foo As Long\r\n");
+  const cli::ScanPlace& foo2 = scan.places[2];
+  EXPECT_EQ(foo2.matches[0].replacement, "Bar");
+  EXPECT_EQ(foo2.matches[1].replacement, "");  // replaced by nothing, not "not replaced"
+  EXPECT_FALSE(scan.places[1].matches[0].replacement);
+  EXPECT_EQ(foo2.replacement, "");
+  EXPECT_FALSE(scan.places[1].replacement);
+  EXPECT_TRUE(foo2.written);
+  EXPECT_EQ(foo2.resets, "ItemData (3 values)");
+  EXPECT_FALSE(foo2.error);
   ASSERT_TRUE(scan.places[3].error);
   EXPECT_EQ(scan.places[3].error->number, 5000);
-  EXPECT_EQ(scan.problems.size(), 1u);
+  ASSERT_EQ(scan.problems.size(), 1u);
+  EXPECT_EQ(scan.problems[0].place, "Option1.Caption");
+  EXPECT_TRUE(scans[1].places.empty());
 
   const std::vector<cli::FileLine> lines = cli::SplitFileLines(kModule);
   EXPECT_EQ(lines[1].offset, 31u);
@@ -328,7 +364,7 @@ TEST(ScanResults, PlacesLandOnTheFilesLinesPastHiddenAttributes) {
   EXPECT_EQ(places[2][1].start, 9u);
   EXPECT_EQ(places[3][0].line, 12u);
 
-  EXPECT_THROW(cli::ParseScanResults("[{\"collection\":1}]"), automation::Error);
+  EXPECT_THROW(host::scan::DecodeScans("[{\"collection\":1}]"), automation::Error);
 }
 
 // A procedure text's first line is looked for after the previous place: of two procedures of
@@ -360,22 +396,12 @@ TEST(ScanResults, APropertysMatchesLieInItsLineOfTheDescription) {
       "      Index = 1\r\n   End\r\n   Begin VB.OptionButton Option1 \r\n"
       "      Caption = \"In stock\"\r\n      Index = 2\r\n   End\r\n"
       "   Tag = \"stock\"\r\nEnd\r\n");
-  const std::vector<cli::ScanPlace> places = cli::ParseScanResults(R"js([{
-      "collection": "Forms", "component": "frmMain", "places": [
-        {"kind": "property", "name": "Caption", "control": null, "property": "Caption",
-         "text": "Stock", "matches": [{"line": 1, "start": 0, "end": 5, "text": "Stock"}]},
-        {"kind": "property", "name": "Tag", "control": null, "property": "Tag",
-         "text": "stock", "matches": [{"line": 1, "start": 0, "end": 5, "text": "stock"}]},
-        {"kind": "property", "name": "Option1(2).Caption", "control": "Option1(2)",
-         "property": "Caption", "text": "In stock",
-         "matches": [{"line": 1, "start": 3, "end": 8, "text": "stock"}]
-},
-        {"kind": "property", "name": "Option1(1).Tag", "control": "Option1(1)",
-         "property": "Tag", "text": "x", "matches": [{"line": 1, "start": 0, "end": 1, "text": "x"}]}
-      ]}])js")[0]
-                                                 .places;
-  EXPECT_EQ(places[2].control, "Option1(2)");
-  EXPECT_EQ(places[2].property, "Caption");
+  const std::vector<cli::ScanPlace> places = {
+      Place("property", "Caption", "Stock", {{1, 0, 5, "Stock"}}, "", "Caption"),
+      Place("property", "Tag", "stock", {{1, 0, 5, "stock"}}, "", "Tag"),
+      Place("property", "Option1(2).Caption", "In stock", {{1, 3, 8, "stock"}}, "Option1(2)",
+            "Caption"),
+      Place("property", "Option1(1).Tag", "x", {{1, 0, 1, "x"}}, "Option1(1)", "Tag")};
   const auto at = cli::MapToFile(lines, places);
   EXPECT_EQ(at[0][0].line, 3u);
   EXPECT_EQ(at[0][0].start, 14u);

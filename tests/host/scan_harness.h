@@ -1,21 +1,63 @@
 #pragma once
 // A Scanner run in this process, as the host makes one: a scan buffer registered under a name in
 // a fresh qx home, the request put in it, ScanObject called on a stand-in component, and the one
-// result document read back.
+// result read back, shown as JSON so that a case can name any field of it in one expression.
 
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
 #include "automation/object.h"
 #include "host/host_utility.h"
 #include "host/register.h"
 #include "host/scan/scan_buffer.h"
+#include "host/scan/scan_result.h"
 #include "support/temp_home.h"
 
 namespace qxtest {
+
+inline nlohmann::json AsJson(const host::scan::ScanError& error) {
+  nlohmann::json out{{"number", error.number}, {"description", error.description}};
+  if (!error.place.empty()) out["place"] = error.place;
+  return out;
+}
+
+// A scan's result with its fields as named in the result type; a field left out is null, but a
+// match's replacement, which is there only when the scan replaces.
+inline nlohmann::json AsJson(const host::scan::ComponentScan& scan) {
+  using nlohmann::json;
+  const auto optional = [](const auto& value) { return value ? json(*value) : json(nullptr); };
+  json places = json::array();
+  for (const host::scan::ScanPlace& place : scan.places) {
+    json matches = json::array();
+    for (const host::scan::ScanMatch& match : place.matches) {
+      json& m = matches.emplace_back(
+          json{{"line", match.line}, {"start", match.start}, {"end", match.end}});
+      m["text"] = match.text;
+      if (match.replacement) m["replacement"] = *match.replacement;
+    }
+    places.push_back({{"id", place.id},
+                      {"kind", place.kind},
+                      {"name", place.name},
+                      {"control", place.control.empty() ? json(nullptr) : json(place.control)},
+                      {"property", place.property},
+                      {"text", place.text},
+                      {"matches", std::move(matches)},
+                      {"replacement", optional(place.replacement)},
+                      {"written", place.written},
+                      {"error", place.error ? AsJson(*place.error) : json(nullptr)}});
+  }
+  json problems = json::array();
+  for (const host::scan::ScanError& problem : scan.problems)
+    problems.push_back(AsJson(problem));
+  return {{"collection", scan.collection},
+          {"component", scan.component},
+          {"places", std::move(places)},
+          {"problems", std::move(problems)}};
+}
 
 class ScanHarness {
  public:
@@ -44,9 +86,10 @@ class ScanHarness {
     buffer->SetRequest(request.dump());
     buffer->Clear();
     Call(object, collection, component, updatable);
-    const nlohmann::json results = nlohmann::json::parse(buffer->Results());
+    const std::vector<host::scan::ComponentScan> results =
+        host::scan::DecodeScans(buffer->Results());
     EXPECT_EQ(results.size(), 1u);
-    return results.at(0);
+    return AsJson(results.at(0));
   }
 
   const std::string& bufferName() const { return bufferName_; }

@@ -186,10 +186,8 @@ class ScannerTest : public ::testing::Test {
 
 TEST_F(ScannerTest, RecordsEachMatchWithItsPlaceLineAndBytesAndReadsEachValueOnce) {
   const json result = Scan({{"patterns", {"mTotal"}}});
-  EXPECT_EQ(result["project"], "Inventory");
   EXPECT_EQ(result["collection"], "Modules");
   EXPECT_EQ(result["component"], "Stock");
-  EXPECT_EQ(result["updatable"], true);
   EXPECT_THAT(Names(result), ::testing::ElementsAre("<declarations>", "AddItem", "Total.Get"));
 
   const json& addItem = result["places"][1];
@@ -233,7 +231,6 @@ TEST_F(ScannerTest, ReplacingWithoutWritingShowsTheNewTextAndChangesNothing) {
   // the error of its place: never skipped without a word.
   const json result =
       Scan({{"patterns", {"mTotal"}}, {"replacement", "x"}, {"write", true}}, false);
-  EXPECT_EQ(result["updatable"], false);
   EXPECT_EQ(result["places"][1]["replacement"], "Public Sub AddItem()\r\n  x = x + 1\r\nEnd Sub");
   EXPECT_EQ(result["places"][1]["written"], false);
   EXPECT_EQ(result["places"][1]["error"]["number"], automation::err::kPathFileAccess);
@@ -366,20 +363,31 @@ TEST_F(ScannerTest, RaisesForAMissingBufferABadRequestOrABadPattern) {
   EXPECT_EQ(scan.buffer->ResultCount(), 0);
 }
 
-TEST(ScanBufferTest, KeepsResultsInOrderAsOneArray) {
+TEST(ScanBufferTest, KeepsResultsInOrderAndTakesOnlyWholeResults) {
   host::RegisterClasses();
   auto created = automation::As<host::scan::ScanBuffer>(
       automation::CreateObject(host::scan::ScanBuffer::kProgId));
   ASSERT_TRUE(created);
   host::scan::ScanBuffer& buffer = *created;
-  EXPECT_EQ(buffer.Results(), "[]");
-  buffer.AddResult(R"({"component": "A"})");
-  buffer.AddResult(R"({"component": "B"})");
-  EXPECT_EQ(json::parse(buffer.Results()), json::parse(R"([{"component":"A"},{"component":"B"}])"));
-  EXPECT_EQ(qxtest::ErrorOf([&] { buffer.AddResult("[1]"); }), automation::err::kInvalidCall);
-  EXPECT_EQ(qxtest::ErrorOf([&] { buffer.AddResult("{\"a\": "); }), automation::err::kInvalidCall);
+  EXPECT_EQ(buffer.Results(), "");
+  host::scan::ComponentScan a;
+  a.component = "A";
+  host::scan::ComponentScan b;
+  b.component = "B";
+  buffer.AddResult(host::scan::EncodeScan(a));
+  buffer.AddResult(host::scan::EncodeScan(b));
+  const std::vector<host::scan::ComponentScan> both = host::scan::DecodeScans(buffer.Results());
+  ASSERT_EQ(both.size(), 2u);
+  EXPECT_EQ(both[0].component, "A");
+  EXPECT_EQ(both[1].component, "B");
+  // Not a result, two results, a result cut short: refused.
+  const std::string whole = host::scan::EncodeScan(a);
+  for (const std::string& bad : {std::string("{\"component\": \"A\"}"), whole + whole,
+                                 whole.substr(0, whole.size() - 8)}) {
+    EXPECT_EQ(qxtest::ErrorOf([&] { buffer.AddResult(bad); }), automation::err::kInvalidCall);
+  }
   buffer.Clear();
-  EXPECT_EQ(buffer.Results(), "[]");
+  EXPECT_EQ(buffer.Results(), "");
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "automation/error.h"
 #include "host/host_utility.h"
 #include "host/scan/scan_buffer.h"
+#include "host/scan/scan_result.h"
 
 namespace host::scan {
 namespace {
@@ -15,12 +16,6 @@ using automation::Dispatch;
 using automation::ObjectRef;
 using json = nlohmann::json;
 using Clock = std::chrono::steady_clock;
-
-std::string Failure(const automation::Error& error, std::string_view at) {
-  return json{{"error", {{"number", error.Number()}, {"description", error.Description()}}},
-              {"at", at}}
-      .dump(-1, ' ', false, json::error_handler_t::replace);
-}
 
 }  // namespace
 
@@ -63,31 +58,29 @@ std::string ScanAgent::ScanComponents(const ObjectRef& dispatcher, const ObjectR
   buffer_->SetRequest(request);
   const Dispatch factories(dispatcher);
   const Clock::time_point started = Clock::now();
-  std::string answer = "[";
+  std::string answer;
   for (size_t i = 0; i < list.size(); ++i) {
     if (i > 0 && Clock::now() - started >= kSlice) break;
     const json& item = list[i];
     const std::string name = item.value("name", "");
-    if (i > 0) answer += ',';
     ObjectRef object;
     try {
       object = factories.Call(item.value("factory", ""), project, name).ToObject();
       if (!object) automation::Raise(automation::err::kObjectNotSet);
     } catch (const automation::Error& e) {
-      answer += Failure(e, "factory");
+      answer += EncodeFailedOutcome(e, true);
       continue;
     }
     buffer_->Clear();
     try {
       Dispatch(object, "IObject")
           .Call("Scan", projectName, name, item.value("updatable", false), bufferName_);
-      answer += "{\"results\":" + buffer_->Results() + "}";
+      answer += EncodeScannedOutcome(buffer_->Results());
     } catch (const automation::Error& e) {
-      answer += Failure(e, "scan");
+      answer += EncodeFailedOutcome(e, false);
     }
   }
   buffer_->Clear();
-  answer += ']';
   return answer;
 }
 

@@ -12,10 +12,9 @@
 //
 // ScanComponents(Dispatcher, Project, ProjectName, Components, Request) takes the components as
 // a JSON array, [{"factory": "GetModule", "name": "Module1", "updatable": true}, ...], and
-// answers a JSON array with one element per component it did, in order:
-//
-//   {"results": [<the Scanner's result documents, as the buffer keeps them>]}
-//   {"error": {"number": 91, "description": "..."}, "at": "factory" | "scan"}
+// answers one outcome per component it did, in order (scan_result.h): the Scanner's results as
+// the buffer keeps them, or the error that stopped the component, raised by its factory or by
+// its scan.
 //
 // It stops after the component that ends its time slice, so that one call never holds the IDE
 // for long (a `qx ide stop`, another host's look-up wait for it): the caller sends the rest

@@ -5,9 +5,8 @@
 // hands back its results for the component in one call. qx then reads every result from its own
 // buffer object.
 //
-// The request and each result are JSON documents (scan_request.h, scanner.h); the buffer keeps
-// them as text and checks only that a result is one object (braces around it); its reader parses
-// it.
+// The request is a JSON document (scan_request.h), each result one encoded ComponentScan
+// (scan_result.h); the buffer keeps them as they came, checking that a result is one.
 
 #include <string>
 #include <vector>
@@ -24,9 +23,10 @@ class ScanBuffer : public automation::Object {
 
   const std::string& Request() const { return request_; }
   void SetRequest(std::string request) { request_ = std::move(request); }
-  // Keeps the results of one ScanObject call. A text not within braces raises 5.
+  // Keeps the results of one ScanObject call. Bytes that are not one encoded result raise 5.
   void AddResult(const std::string& result);
-  // Every result kept so far, as a JSON array in the order they arrived.
+  // Every result kept so far, one after another in the order they arrived (DecodeScans reads
+  // them).
   std::string Results() const;
   int32_t ResultCount() const { return static_cast<int32_t>(results_.size()); }
   // Forgets the results (the request stays).

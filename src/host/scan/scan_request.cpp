@@ -96,6 +96,25 @@ ScanRequest ScanRequest::Parse(std::string_view text) {
   return out;
 }
 
+std::string ScanRequest::Encode() const {
+  nlohmann::ordered_json request;
+  request["patterns"] = patterns;
+  request["literal"] = options.literal;
+  request["case"] = options.caseMode == CaseMode::kInsensitive ? "insensitive"
+                    : options.caseMode == CaseMode::kSmart     ? "smart"
+                                                               : "sensitive";
+  request["wordRegexp"] = options.wholeWord;
+  request["replacement"] = replacement ? nlohmann::ordered_json(*replacement) : nullptr;
+  request["write"] = write;
+  if (scopes) request["scope"] = *scopes;
+  if (options.codeParts != kEveryCodePart) request["codeOnly"] = true;
+  if (control) request["control"] = *control;
+  if (only) request["only"] = *only;
+  // Patterns are UTF-8 by the time a request is made (the matcher compiles them so); should
+  // a text not be, its bad bytes become U+FFFD rather than the request failing to encode.
+  return request.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
 bool ScanRequest::Wants(std::string_view scope) const {
   if (!scopes) return true;
   if (scope == kScopeCode) return CodeParts() != 0;

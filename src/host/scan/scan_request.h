@@ -1,5 +1,6 @@
 #pragma once
-// ScanRequest: what qx asks the Scanner to do, as it stands in a scan buffer:
+// ScanRequest: what qx asks the Scanner to do. qx makes one and encodes it into its scan buffer;
+// the Scanner parses it from there. As it stands in the buffer:
 //
 //   {"patterns": ["..."], "literal": false, "case": "sensitive" | "insensitive" | "smart",
 //    "wordRegexp": false, "replacement": null | "text with $1 ${name} $$",
@@ -55,6 +56,8 @@ struct ScanRequest {
   std::optional<std::set<std::string, std::less<>>> only;
 
   static ScanRequest Parse(std::string_view json);
+  // The request as a scan buffer holds it: Parse(Encode()) gives the same request.
+  std::string Encode() const;
 
   // Whether the places of a scope are walked; the procedures ("code") are walked when any part
   // of them is asked for.

@@ -1,7 +1,6 @@
 #include "host/scan/scanner.h"
 
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <vector>
 
@@ -12,20 +11,16 @@
 #include "host/scan/places.h"
 #include "host/scan/replacement.h"
 #include "host/scan/scan_request.h"
+#include "host/scan/scan_result.h"
 
 namespace host::scan {
 namespace {
 
 using automation::Dispatch;
 using automation::ObjectRef;
-using json = nlohmann::ordered_json;
 
 // The mode in which a component object takes writes.
 constexpr int32_t kWritingMode = 2;
-
-json ErrorJson(const automation::Error& error) {
-  return json{{"number", error.Number()}, {"description", error.Description()}};
-}
 
 // The options for procedure texts: only the parts of the code that the scopes ask for.
 MatchOptions CodeOptions(const ScanRequest& request) {
@@ -64,9 +59,7 @@ class Walk {
         codeMatcher_(compiled.codeMatcher),
         replacement_(compiled.replacement) {}
 
-  void Run(json& result) {
-    places_ = json::array();
-    problems_ = json::array();
+  void Run(ComponentScan& result) {
     const PlaceSink sink{
         [this](Place place) { Look(std::move(place)); },
         [this](const automation::Error& error, const std::string& where) { Problem(error, where); },
@@ -82,8 +75,8 @@ class Walk {
       }
     }
     WriteChanges();
-    result["places"] = std::move(places_);
-    result["problems"] = std::move(problems_);
+    result.places = std::move(places_);
+    result.problems = std::move(problems_);
   }
 
  private:
@@ -95,8 +88,8 @@ class Walk {
   };
 
   void Problem(const automation::Error& error, const std::string& where) {
-    json problem = ErrorJson(error);
-    if (!where.empty()) problem["place"] = where;
+    ScanError problem = ScanError::Of(error);
+    problem.place = where;
     problems_.push_back(std::move(problem));
   }
 
@@ -110,18 +103,18 @@ class Walk {
       return;
     }
     Matcher& matcher = place.kind == "procedure" ? codeMatcher_ : matcher_;
-    json matches = json::array();
+    std::vector<ScanMatch> matches;
     std::optional<automation::Error> failed;
     try {
       matcher.ForEachLocated(text, [&](const LocatedMatch& located) {
         const std::size_t start = located.column - 1;
         const std::size_t length = located.match.end - located.match.start;
-        json entry{{"line", located.line},
-                   {"start", start},
-                   {"end", start + length},
-                   {"text", text.substr(located.match.start, length)}};
-        if (replacement_) entry["replacement"] = replacement_->Expand(text, located.match);
-        matches.push_back(std::move(entry));
+        ScanMatch& match = matches.emplace_back();
+        match.line = located.line;
+        match.start = start;
+        match.end = start + length;
+        match.text = text.substr(located.match.start, length);
+        if (replacement_) match.replacement = replacement_->Expand(text, located.match);
       });
     } catch (const automation::Error& error) {
       // A pattern that exceeds the matcher's limits on this text: the place is listed with the
@@ -130,31 +123,31 @@ class Walk {
     }
     if (matches.empty() && !failed) return;
 
-    const std::string id = componentName_ + "/" + std::string(place.kind) + "/" + place.name;
-    json entry{{"id", id}, {"kind", place.kind}, {"name", place.name}};
+    ScanPlace entry;
+    entry.id = componentName_ + "/" + std::string(place.kind) + "/" + place.name;
+    entry.kind = place.kind;
+    entry.name = place.name;
     if (place.kind != "procedure" && place.kind != "name") {
-      entry["control"] = place.control.empty() ? json(nullptr) : json(place.control);
-      entry["property"] = place.property;
+      entry.control = place.control;
+      entry.property = place.property;
     }
-    entry.update(json{{"text", text},
-                      {"matches", std::move(matches)},
-                      {"replacement", nullptr},
-                      {"written", false},
-                      {"error", failed ? ErrorJson(*failed) : json(nullptr)}});
+    entry.matches = std::move(matches);
+    if (failed) entry.error = ScanError::Of(*failed);
     if (replacement_ && !failed) {
       std::string replaced;
       ReplaceAll(matcher, text, *replacement_, replaced);
-      if (request_.write && replaced != text && request_.Selects(id)) {
+      if (request_.write && replaced != text && request_.Selects(entry.id)) {
         if (updatable_) {
           changes_.push_back(Change{std::move(place), places_.size(), replaced});
         } else {
-          entry["error"] = ErrorJson(automation::Error(
+          entry.error = ScanError::Of(automation::Error(
               automation::err::kPathFileAccess, "Scanner",
               "The component's file is read-only: it is searched, not replaced."));
         }
       }
-      entry["replacement"] = std::move(replaced);
+      entry.replacement = std::move(replaced);
     }
+    entry.text = std::move(text);
     places_.push_back(std::move(entry));
   }
 
@@ -164,10 +157,10 @@ class Walk {
     // A read-only place (a user connection's setting) is searched but never written.
     std::erase_if(changes_, [this](const Change& change) {
       if (change.place.writable) return false;
-      places_[change.entry]["error"] =
-          ErrorJson(automation::Error(automation::err::kReadOnlyProperty, "Scanner",
-                                      "The property " + change.place.property +
-                                          " is read-only: it is searched, not replaced."));
+      places_[change.entry].error = ScanError::Of(
+          automation::Error(automation::err::kReadOnlyProperty, "Scanner",
+                            "The property " + change.place.property +
+                                " is read-only: it is searched, not replaced."));
       return true;
     });
     if (changes_.empty()) return;
@@ -175,18 +168,18 @@ class Walk {
       Dispatch(component_, "IObject").Call("SetMode", kWritingMode);
     } catch (const automation::Error& error) {
       for (const Change& change : changes_)
-        places_[change.entry]["error"] = ErrorJson(error);
+        places_[change.entry].error = ScanError::Of(error);
       return;
     }
     for (const Change& change : changes_) {
-      json& entry = places_[change.entry];
+      ScanPlace& entry = places_[change.entry];
       try {
         const DroppedData dropped;
         change.place.Write(change.text);
-        entry["written"] = true;
-        if (std::string resets = dropped.Said(); !resets.empty()) entry["resets"] = resets;
+        entry.written = true;
+        entry.resets = dropped.Said();
       } catch (const automation::Error& error) {
-        entry["error"] = ErrorJson(error);
+        entry.error = ScanError::Of(error);
       }
     }
   }
@@ -198,8 +191,8 @@ class Walk {
   Matcher& matcher_;
   Matcher& codeMatcher_;  // for procedure texts
   const std::optional<Replacement>& replacement_;
-  json places_;
-  json problems_;
+  std::vector<ScanPlace> places_;
+  std::vector<ScanError> problems_;
   std::vector<Change> changes_;
 };
 
@@ -226,7 +219,8 @@ const automation::ClassInfo& Scanner::Class() const {
   return info;
 }
 
-void Scanner::ScanObject(const std::string& projectName, const std::string& collectionName,
+// The result does not name the project: qx knows which project it hands to the scan.
+void Scanner::ScanObject(const std::string& /*projectName*/, const std::string& collectionName,
                          const std::string& objectName, bool objectIsUpdatable,
                          const ObjectRef& object, const std::string& scanBufferName) {
   if (!object) automation::Raise(automation::err::kObjectNotSet, "no object to scan");
@@ -239,14 +233,11 @@ void Scanner::ScanObject(const std::string& projectName, const std::string& coll
   const Dispatch bufferCalls(buffer);
   const std::shared_ptr<CompiledRequest> request = Compiled(bufferCalls.Get("Request").ToString());
 
-  json result{{"project", projectName},
-              {"collection", collectionName},
-              {"component", objectName},
-              {"updatable", objectIsUpdatable}};
+  ComponentScan result;
+  result.collection = collectionName;
+  result.component = objectName;
   Walk(*request, object, objectName, objectIsUpdatable).Run(result);
-  // Texts from the IDE are UTF-8; should one not be, its bad bytes become U+FFFD rather than
-  // losing the whole result.
-  bufferCalls.Call("AddResult", result.dump(-1, ' ', false, json::error_handler_t::replace));
+  bufferCalls.Call("AddResult", EncodeScan(result));
 }
 
 }  // namespace host::scan

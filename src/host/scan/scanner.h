@@ -4,17 +4,9 @@
 // registered under a name, reads the request (scan_request.h), walks the component's places
 // (places.h), matches, and, when the request writes and the component can be written, switches
 // the component to writing (IObject.SetMode 2) once, before its first write, and writes every
-// place whose text changes. All it found goes to the buffer in one AddResult call:
-//
-//   {"project": "...", "collection": "Modules", "component": "Module1", "updatable": true,
-//    "places": [{"id": "Module1/procedure/Foo",
-//                "kind": "procedure" | "name", "name": "<declarations>" | "Foo" | "Value.Get",
-//                "text": "the text as read",
-//                "matches": [{"line": 1, "start": 0, "end": 3, "text": "Foo"}],
-//                "replacement": null | "the whole new text",
-//                "written": false | true,
-//                "error": null | {"number": -32767, "description": "..."}}],
-//    "problems": [{"number": 91, "description": "...", "place": "..."}]}
+// place whose text changes. All it found goes to the buffer in one AddResult call, as one
+// ComponentScan (scan_result.h): the component's collection and name, its places with their
+// text, matches, replacement, written flag and error, and its problems.
 //
 // Only places with a match are listed, in the order of the component's file; a match's line is
 // 1-based within the place's text, its start and end are byte offsets in that line. A place's id
