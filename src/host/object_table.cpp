@@ -123,7 +123,7 @@ struct Registration {
   std::string key;
   ObjectRef object;
   int64_t stamp;
-  fs::path file;
+  fs::path file;  // empty for a private registration
 };
 
 // What this process holds: its registrations, and one socket per run folder serving them.
@@ -261,8 +261,23 @@ int32_t ObjectTable::Add(const std::string& name, automation::ObjectRef object) 
   return entry.cookie;
 }
 
+int32_t ObjectTable::AddPrivate(const std::string& name, automation::ObjectRef object) {
+  State& state = TheState();
+  const int32_t cookie = state.next;
+  state.next = state.next == std::numeric_limits<int32_t>::max() ? 1 : state.next + 1;
+  state.lastStamp = std::max(Now(), state.lastStamp + 1);
+  state.registrations.push_back(
+      Registration{cookie, Key(name), std::move(object), state.lastStamp, fs::path()});
+  return cookie;
+}
+
 automation::ObjectRef ObjectTable::Find(const std::string& name) {
   const std::string key = Key(name);
+  // This process's private registrations first: the latest of the name, if any.
+  const auto& own = TheState().registrations;
+  for (auto r = own.rbegin(); r != own.rend(); ++r) {
+    if (r->file.empty() && r->key == key) return r->object;
+  }
   struct Candidate {
     int64_t stamp;
     ObjectRef local;  // this process's own object
@@ -311,8 +326,9 @@ automation::ObjectRef ObjectTable::Find(const std::string& name) {
 
 std::vector<std::string> ObjectTable::Names() {
   std::vector<std::string> names;
-  for (const auto& r : TheState().registrations)
-    names.push_back(r.key);
+  for (const auto& r : TheState().registrations) {
+    if (!r.file.empty()) names.push_back(r.key);
+  }
   for (const LiveEntry& live : OtherLiveEntries())
     names.push_back(live.entry.key);
   std::sort(names.begin(), names.end());
@@ -336,7 +352,7 @@ bool ObjectTable::Remove(int32_t cookie) {
   if (it == registrations.end()) return false;
   // The object is released after the table is consistent again: its destructor may call back.
   ObjectRef removed = std::move(it->object);
-  RemoveQuietly(it->file);
+  if (!it->file.empty()) RemoveQuietly(it->file);
   registrations.erase(it);
   return true;
 }

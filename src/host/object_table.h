@@ -27,6 +27,11 @@ class ObjectTable {
 
   // Registers the object under the name and returns its cookie (never 0).
   int32_t Add(const std::string& name, automation::ObjectRef object);
+  // Registers the object for this process alone: no entry is written, no other process sees it,
+  // and a look-up of the name here finds it first, without reading the table's entries. For an
+  // object that only this process looks up, under a name only it uses, as often as once per
+  // component scanned. Remove withdraws it as any other.
+  int32_t AddPrivate(const std::string& name, automation::ObjectRef object);
   // The object registered latest under the name in any live process, or null.
   automation::ObjectRef Find(const std::string& name);
   // The names registered in live processes (this one included), as normalized, sorted, each

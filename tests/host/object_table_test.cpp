@@ -91,6 +91,13 @@ TEST_F(ObjectTableTest, RegistrationsAreSharedBetweenProcessesUntilRevokedOrEnde
   peer.Call("Revoke", cookie);
   EXPECT_EQ(Find("c:/proj/b.vbp"), nullptr);
 
+  // A private registration is ours alone: found here, unknown to the peer, with no entry file.
+  const int32_t own = host::ObjectTable::Get().AddPrivate("qx-agent-1", newer);
+  EXPECT_EQ(Find("QX-AGENT-1"), newer);
+  EXPECT_EQ(peer.Call("Lookup", "qx-agent-1").ToObject(), nullptr);
+  EXPECT_TRUE(host::ObjectTable::Get().Remove(own));
+  EXPECT_EQ(Find("qx-agent-1"), nullptr);
+
   // A killed process's registrations are ignored and their entries removed when their name is
   // looked up; a socket that an ended process left without entries, at the next registration.
   EXPECT_EQ(EntryFiles(), 2u);  // the peer's A.vbp and our log

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "automation/error.h"
-#include "host/host_utility.h"
+#include "host/object_table.h"
 #include "host/scan/scan_buffer.h"
 #include "host/scan/scan_result.h"
 
@@ -22,12 +22,7 @@ using Clock = std::chrono::steady_clock;
 ScanAgent::ScanAgent() : buffer_(std::make_shared<ScanBuffer>()) {}
 
 ScanAgent::~ScanAgent() {
-  if (cookie_ == 0) return;
-  try {
-    HostUtility::Instance()->RevokeObject(cookie_);
-  } catch (...) {
-    // Revoking only drops the table's entry; the process's entries go with it.
-  }
+  if (cookie_ != 0) ObjectTable::Get().Remove(cookie_);
 }
 
 const automation::ClassInfo& ScanAgent::Class() const {
@@ -43,7 +38,8 @@ void ScanAgent::Register() {
   if (cookie_ != 0) return;
   static int serial = 0;
   bufferName_ = "qx-agent-" + std::to_string(::getpid()) + "-" + std::to_string(++serial);
-  cookie_ = HostUtility::Instance()->RegisterObject(bufferName_, buffer_);
+  // The buffer's Scanners run in this process, once per component: the name is private to it.
+  cookie_ = ObjectTable::Get().AddPrivate(bufferName_, buffer_);
 }
 
 std::string ScanAgent::ScanComponents(const ObjectRef& dispatcher, const ObjectRef& project,
