@@ -92,8 +92,7 @@ ComponentScan ScanOf(ComponentScanMessage::Reader in) {
 
 std::string Flat(capnp::MessageBuilder& message) {
   std::string out(capnp::computeSerializedSizeInWords(message) * sizeof(capnp::word), '\0');
-  kj::ArrayOutputStream stream(
-      kj::arrayPtr(reinterpret_cast<kj::byte*>(out.data()), out.size()));
+  kj::ArrayOutputStream stream(kj::arrayPtr(reinterpret_cast<kj::byte*>(out.data()), out.size()));
   capnp::writeMessage(stream, message);
   return out;
 }
@@ -189,13 +188,11 @@ std::vector<AgentOutcome> DecodeOutcomes(std::string_view bytes) {
     AgentOutcome& outcome = outcomes.emplace_back();
     if (in.isScans()) {
       const auto scans = in.getScans();
-      outcome.scans =
-          DecodeScans({reinterpret_cast<const char*>(scans.begin()), scans.size()});
+      outcome.scans = DecodeScans({reinterpret_cast<const char*>(scans.begin()), scans.size()});
       return;
     }
     outcome.atFactory = in.isFactoryError();
-    const ScanError error =
-        ErrorOf(outcome.atFactory ? in.getFactoryError() : in.getScanError());
+    const ScanError error = ErrorOf(outcome.atFactory ? in.getFactoryError() : in.getScanError());
     outcome.error = automation::Error(error.number, "", error.description);
   });
   return outcomes;
