@@ -35,11 +35,12 @@ Session::~Session() {
 
 const platform::ProjectCodePage& Session::UseCodePageOf(const std::string& projectFile) {
   codePage_ = platform::UseProjectCodePage(projectFile);
+  codePageOf_ = projectFile;
   return codePage_;
 }
 
 automation::ObjectRef Session::OpenProject(const std::string& projectFile) {
-  UseCodePageOf(projectFile);
+  if (projectFile != codePageOf_) UseCodePageOf(projectFile);
   const Dispatch parameters(automation::CreateObject("qxlib41.ParameterList"));
   parameters.Call("Add", "FileName", projectFile);
   const std::string text = parameters.Get("Text").ToString();

@@ -19,7 +19,7 @@ class Session {
   Session& operator=(const Session&) = delete;
 
   // The project of that file (IDriver.GetProject with a parameter string naming it), after
-  // taking its code page (UseCodePageOf). The session tears it down when it ends, as a host does
+  // taking its code page (UseCodePageOf) unless the code page taken last is that file's. The session tears it down when it ends, as a host does
   // when it is done with a project.
   automation::ObjectRef OpenProject(const std::string& projectFile);
 
@@ -37,6 +37,7 @@ class Session {
   automation::ObjectRef problemLog_;
   std::vector<automation::ObjectRef> projects_;
   platform::ProjectCodePage codePage_;
+  std::string codePageOf_;  // the project file whose code page was taken last
 };
 
 }  // namespace cli

@@ -81,9 +81,13 @@ std::size_t CountHigh(std::string_view bytes) {
 
 // The start of a file, at most kReadLimit bytes; empty when it cannot be read.
 std::string ReadStart(std::string_view path) {
-  std::ifstream in(ToNative(path), std::ios::binary);
+  std::ifstream in(ToNative(path), std::ios::binary | std::ios::ate);
   if (!in) return {};
-  std::string bytes(kReadLimit, '\0');
+  // As much as the file holds, up to the limit: most component files are far smaller.
+  const std::streamoff size = in.tellg();
+  in.seekg(0);
+  std::string bytes(static_cast<std::size_t>(std::clamp<std::streamoff>(size, 0, static_cast<std::streamoff>(kReadLimit))),
+                    '\0');
   in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   bytes.resize(static_cast<std::size_t>(in.gcount()));
   return bytes;
