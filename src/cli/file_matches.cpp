@@ -1,5 +1,7 @@
 #include "cli/file_matches.h"
 
+#include <algorithm>
+
 #include "automation/casefold.h"
 #include "automation/text.h"
 #include "platform/codepage.h"
@@ -17,7 +19,7 @@ bool StartsWithAttribute(std::string_view line) {
 // The first line at or after `from` where the text's lines begin, each following text line on
 // the next file line but for hidden Attribute lines; fills `at` with the file line of each text
 // line.
-bool FindText(const std::vector<FileLine>& lines, const std::vector<std::string_view>& text,
+bool FindText(std::span<const FileLine> lines, const std::vector<std::string_view>& text,
               size_t from, std::vector<size_t>& at) {
   for (size_t first = from; first < lines.size(); ++first) {
     if (text.empty() || lines[first].text != text[0]) continue;
@@ -35,12 +37,12 @@ bool FindText(const std::vector<FileLine>& lines, const std::vector<std::string_
 }
 
 // Where the name's text begins in the "Attribute VB_Name" line, or false.
-bool FindNameLine(const std::vector<FileLine>& lines, size_t& line, size_t& column) {
+bool FindNameLine(std::span<const FileLine> lines, size_t& line, size_t& column) {
   for (size_t i = 0; i < lines.size(); ++i) {
-    const std::string& text = lines[i].text;
+    const std::string_view text = lines[i].text;
     const size_t equals = text.find('=');
     if (equals == std::string::npos) continue;
-    std::string_view key = std::string_view(text).substr(0, equals);
+    std::string_view key = text.substr(0, equals);
     while (!key.empty() && (key.back() == ' ' || key.back() == '\t'))
       key.remove_suffix(1);
     if (!automation::EqualsAsciiNoCase(key, "Attribute VB_Name")) continue;
@@ -78,8 +80,8 @@ std::string_view KeyOf(std::string_view line) {
 // first at depth 0 for the component; for a control, its name and, in a control array, its
 // "Index = n" line), then its own "Property = ..." line (not those of nested objects or property
 // groups). The Begin line when the property has no line; nullopt when the object is not found.
-std::optional<size_t> FindPropertyLine(const std::vector<FileLine>& lines,
-                                       const std::string& control, const std::string& property) {
+std::optional<size_t> FindPropertyLine(std::span<const FileLine> lines, const std::string& control,
+                                       const std::string& property) {
   std::string_view name = control;
   std::string index;
   if (const size_t open = name.find('('); open != std::string_view::npos) {
@@ -118,17 +120,18 @@ std::optional<size_t> FindPropertyLine(const std::vector<FileLine>& lines,
 
 }  // namespace
 
-std::vector<FileLine> SplitFileLines(std::string_view bytes) {
-  std::vector<FileLine> lines;
+FileLines::FileLines(std::string_view bytes) {
   const platform::CodePage& codePage = platform::CurrentCodePage();
   platform::LineReader reader(bytes);
   std::string_view line;
   size_t offset = reader.Position();
   while (reader.Next(line)) {
-    lines.push_back({codePage.Decode(line), std::string(reader.LastLineEnd()), offset});
+    const bool ascii = std::all_of(line.begin(), line.end(),
+                                   [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    const std::string_view text = ascii ? line : decoded_.emplace_back(codePage.Decode(line));
+    lines_.push_back({text, reader.LastLineEnd(), offset});
     offset = reader.Position();
   }
-  return lines;
 }
 
 std::vector<std::string_view> TextLines(std::string_view text) {
@@ -144,7 +147,7 @@ std::vector<std::string_view> TextLines(std::string_view text) {
   return lines;
 }
 
-std::vector<std::vector<FilePlace>> MapToFile(const std::vector<FileLine>& lines,
+std::vector<std::vector<FilePlace>> MapToFile(std::span<const FileLine> lines,
                                               const std::vector<ScanPlace>& places) {
   std::vector<std::vector<FilePlace>> out;
   size_t cursor = 0;
@@ -185,7 +188,7 @@ std::vector<std::vector<FilePlace>> MapToFile(const std::vector<FileLine>& lines
   return out;
 }
 
-std::vector<SearchHit> GroupMatches(const ComponentScan& scan, const std::vector<FileLine>& lines,
+std::vector<SearchHit> GroupMatches(const ComponentScan& scan, std::span<const FileLine> lines,
                                     std::vector<size_t>& placeLines) {
   const std::vector<std::vector<FilePlace>> places = MapToFile(lines, scan.places);
   std::vector<SearchHit> hits;

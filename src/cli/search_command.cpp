@@ -866,7 +866,7 @@ class Run {
     matches.bytes = size;
     matches.seconds = scanned.seconds;
     matches.codePage = scanned.codePage;
-    matches.hits = GroupMatches(scan, SplitFileLines(scanned.before), placeLines);
+    matches.hits = GroupMatches(scan, FileLines(scanned.before).all(), placeLines);
     ++totals_.files;
     totals_.bytes += size;
     // The matches a replace changes: narrowed by --only or by the user's answers, those of the

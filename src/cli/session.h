@@ -19,8 +19,8 @@ class Session {
   Session& operator=(const Session&) = delete;
 
   // The project of that file (IDriver.GetProject with a parameter string naming it), after
-  // taking its code page (UseCodePageOf) unless the code page taken last is that file's. The session tears it down when it ends, as a host does
-  // when it is done with a project.
+  // taking its code page (UseCodePageOf) unless the code page taken last is that file's. The
+  // session tears it down when it ends, as a host does when it is done with a project.
   automation::ObjectRef OpenProject(const std::string& projectFile);
 
   // The code page for the project's files from now on: given to the run, or detected from its

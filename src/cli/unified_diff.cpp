@@ -37,8 +37,9 @@ int AddHunk(const git_diff_delta*, const git_diff_hunk* hunk, void* out) {
 
 std::vector<DiffLine> DiffLines(const std::string& bytes) {
   std::vector<DiffLine> out;
-  for (FileLine& line : SplitFileLines(bytes))
-    out.push_back({std::move(line.text), std::move(line.end)});
+  const FileLines lines(bytes);
+  for (const FileLine& line : lines.all())
+    out.push_back({std::string(line.text), std::string(line.end)});
   return out;
 }
 

@@ -86,7 +86,8 @@ std::string ReadStart(std::string_view path) {
   // As much as the file holds, up to the limit: most component files are far smaller.
   const std::streamoff size = in.tellg();
   in.seekg(0);
-  std::string bytes(static_cast<std::size_t>(std::clamp<std::streamoff>(size, 0, static_cast<std::streamoff>(kReadLimit))),
+  std::string bytes(static_cast<std::size_t>(std::clamp<std::streamoff>(
+                        size, 0, static_cast<std::streamoff>(kReadLimit))),
                     '\0');
   in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   bytes.resize(static_cast<std::size_t>(in.gcount()));

@@ -322,7 +322,8 @@ cli::ComponentScan ModuleScan() {
   scan.places[2].written = true;
   scan.places[2].resets = "ItemData (3 values)";
   scan.places[3].error = cli::ScanError{
-      5000, "This replacement would have changed the total number of procedures in the module.", ""};
+      5000, "This replacement would have changed the total number of procedures in the module.",
+      ""};
   scan.problems = {{-32767, "p", "Option1.Caption"}};
   return scan;
 }
@@ -351,7 +352,8 @@ TEST(ScanResults, PlacesLandOnTheFilesLinesPastHiddenAttributes) {
   EXPECT_EQ(scan.problems[0].place, "Option1.Caption");
   EXPECT_TRUE(scans[1].places.empty());
 
-  const std::vector<cli::FileLine> lines = cli::SplitFileLines(kModule);
+  const cli::FileLines file(kModule);
+  const std::span<const cli::FileLine> lines = file.all();
   EXPECT_EQ(lines[1].offset, 31u);
   EXPECT_EQ(lines[1].end, "\r\n");
   const auto places = cli::MapToFile(lines, scan.places);
@@ -367,11 +369,29 @@ TEST(ScanResults, PlacesLandOnTheFilesLinesPastHiddenAttributes) {
   EXPECT_THROW(host::scan::DecodeScans("[{\"collection\":1}]"), automation::Error);
 }
 
+// A line of plain ASCII is the file's own bytes; one with other bytes is decoded from the code
+// page, and stays where it is while later lines are added.
+TEST(ScanResults, FileLinesDecodeOnlyTheLinesThatNeedIt) {
+  platform::SetCurrentCodePage(1252);
+  const std::string bytes = "Caption = \"Caf\xE9\"\r\nTag = \"x\"\n" + std::string(200, '\xE9');
+  const cli::FileLines file(bytes);
+  const std::span<const cli::FileLine> lines = file.all();
+  ASSERT_EQ(lines.size(), 3u);
+  EXPECT_EQ(lines[0].text, "Caption = \"Caf\u00e9\"");
+  EXPECT_EQ(lines[1].text.data(), bytes.data() + 18);
+  EXPECT_EQ(lines[1].end, "\n");
+  std::string accents;
+  for (int i = 0; i < 200; ++i)
+    accents += "\u00e9";
+  EXPECT_EQ(lines[2].text, accents);
+  EXPECT_EQ(lines[2].end, "");
+}
+
 // A procedure text's first line is looked for after the previous place: of two procedures of
 // the same text, the second place is the second copy.
 TEST(ScanResults, AProcedureTextsFirstLineFoundAfterThePreviousPlace) {
-  const std::vector<cli::FileLine> lines =
-      cli::SplitFileLines("Sub A()\nEnd Sub\nSub A()\nEnd Sub\n");
+  const cli::FileLines file("Sub A()\nEnd Sub\nSub A()\nEnd Sub\n");
+  const std::span<const cli::FileLine> lines = file.all();
   std::vector<cli::ScanPlace> places(2);
   for (cli::ScanPlace& place : places) {
     place.kind = "procedure";
@@ -389,13 +409,14 @@ TEST(ScanResults, AProcedureTextsFirstLineFoundAfterThePreviousPlace) {
 // (not a nested control's or font group's), a control array member's by its Index, the Begin
 // line for a value left at its default.
 TEST(ScanResults, APropertysMatchesLieInItsLineOfTheDescription) {
-  const std::vector<cli::FileLine> lines = cli::SplitFileLines(
+  const cli::FileLines file(
       "VERSION 5.00\r\nBegin VB.Form frmMain \r\n   Caption = \"Stock\"\r\n"
       "   BeginProperty Font \r\n      Name = \"Arial\"\r\n   EndProperty\r\n"
       "   Begin VB.OptionButton Option1 \r\n      Caption = \"In stock\"\r\n"
       "      Index = 1\r\n   End\r\n   Begin VB.OptionButton Option1 \r\n"
       "      Caption = \"In stock\"\r\n      Index = 2\r\n   End\r\n"
       "   Tag = \"stock\"\r\nEnd\r\n");
+  const std::span<const cli::FileLine> lines = file.all();
   const std::vector<cli::ScanPlace> places = {
       Place("property", "Caption", "Stock", {{1, 0, 5, "Stock"}}, "", "Caption"),
       Place("property", "Tag", "stock", {{1, 0, 5, "stock"}}, "", "Tag"),
