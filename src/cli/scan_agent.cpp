@@ -6,6 +6,7 @@
 
 #include "automation/error.h"
 #include "automation/remote.h"
+#include "contracts/component_kinds.h"
 #include "host/host_utility.h"
 #include "host/ide_control.h"
 
@@ -22,6 +23,10 @@ automation::ObjectRef MakeAgent(const automation::ObjectRef& dispatcher) {
       host::HostUtility::Instance()->GetRegisteredObject(host::ControlName(*ide));
   if (!control) automation::Raise(automation::err::kServerUnavailable);
   return automation::Dispatch(control).Call("CreateObject", kAgentClass).ToObject();
+}
+
+std::string Key(const std::string& collection, const std::string& name) {
+  return collection + "/" + name;
 }
 
 std::string ItemsJson(const std::vector<AgentItem>& items, size_t from) {
@@ -53,15 +58,58 @@ std::vector<AgentOutcome> ScanAgentView::Scan(const std::vector<AgentItem>& item
   while (outcomes.size() < items.size()) {
     std::vector<AgentOutcome> done =
         host::scan::DecodeOutcomes(agent_
-                               .Call("ScanComponents", dispatcher_, project_, projectName_,
-                                     ItemsJson(items, outcomes.size()), request)
-                               .ToString());
+                                       .Call("ScanComponents", dispatcher_, project_, projectName_,
+                                             ItemsJson(items, outcomes.size()), request)
+                                       .ToString());
     if (done.empty()) automation::Raise(automation::err::kInternal, "the scan agent did nothing");
     for (AgentOutcome& outcome : done)
       outcomes.push_back(std::move(outcome));
   }
   outcomes.resize(items.size());
   return outcomes;
+}
+
+void ScanBatches::Start(const automation::ObjectRef& dispatcher,
+                        const automation::ObjectRef& project, const std::string& projectName) {
+  agent_.reset();
+  found_.clear();
+  try {
+    agent_.emplace(dispatcher, project, projectName);
+  } catch (const automation::Error&) {
+    // One by one then.
+  }
+}
+
+void ScanBatches::Scan(const std::vector<Item>& components) {
+  if (!agent_) return;
+  std::vector<AgentItem> items;
+  std::vector<std::string> keys;
+  for (const Item& component : components) {
+    const contracts::ComponentKind* kind = contracts::FindCollectionKind(component.collection);
+    if (kind == nullptr) continue;
+    items.push_back({std::string(kind->factory), component.name, component.writable});
+    keys.push_back(Key(component.collection, component.name));
+  }
+  if (items.empty()) return;
+  try {
+    std::vector<AgentOutcome> outcomes = agent_->Scan(items, request_);
+    for (size_t i = 0; i < keys.size(); ++i)
+      found_[keys[i]] = std::move(outcomes[i]);
+  } catch (const automation::Error&) {
+    agent_.reset();
+  }
+}
+
+std::optional<std::vector<ComponentScan>> ScanBatches::Take(const std::string& collection,
+                                                            const std::string& name,
+                                                            const std::string& request) {
+  const auto it = found_.find(Key(collection, name));
+  if (it == found_.end() || request != request_) return std::nullopt;
+  AgentOutcome outcome = std::move(it->second);
+  found_.erase(it);
+  if (outcome.error && outcome.atFactory) return std::nullopt;
+  if (outcome.error) throw *outcome.error;
+  return std::move(outcome.scans);
 }
 
 }  // namespace cli

@@ -2,6 +2,8 @@
 // qx's side of the scan agent (host/scan/scan_agent.h): an agent made in the IDE that serves a
 // project, to which a search hands its components many at a time instead of one by one.
 
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,6 +40,48 @@ class ScanAgentView {
   automation::ObjectRef project_;
   std::string projectName_;
   automation::Dispatch agent_;
+};
+
+// A search's components scanned by the agent of the project's IDE a batch at a time, and what it
+// found for each, kept until the component's turn to be shown takes it.
+class ScanBatches {
+ public:
+  // The request of every component of the batches; empty: there are none, each component is
+  // scanned on its own.
+  explicit ScanBatches(std::string request) : request_(std::move(request)) {}
+
+  bool Enabled() const { return !request_.empty(); }
+  // Makes the agent for the project served by the dispatcher. Without one (the IDE cannot make
+  // it) each component is scanned on its own: the first says what is wrong, if anything is.
+  void Start(const automation::ObjectRef& dispatcher, const automation::ObjectRef& project,
+             const std::string& projectName);
+  // Lets the agent go (before the project's IDE is let go).
+  void Stop() { agent_.reset(); }
+  bool Running() const { return agent_.has_value(); }
+
+  // Scans the components (collection and entry name) through the agent; what it found for each
+  // is kept until taken. When the agent fails (its IDE has ended, say) it is let go, and each
+  // component is scanned on its own, which says what fails where.
+  struct Item {
+    std::string collection;
+    std::string name;
+    bool writable = false;
+  };
+  void Scan(const std::vector<Item>& items);
+  // What the agent found for the component with this request, taken once; none when the
+  // component must be scanned on its own: it was not in a batch, or making its object failed
+  // there (made again on its own, that says exactly what a scan on its own says). The error of
+  // its scan is raised.
+  std::optional<std::vector<ComponentScan>> Take(const std::string& collection,
+                                                 const std::string& name,
+                                                 const std::string& request);
+  // Forgets what was not taken.
+  void Forget() { found_.clear(); }
+
+ private:
+  const std::string request_;
+  std::optional<ScanAgentView> agent_;
+  std::map<std::string, AgentOutcome> found_;  // by collection and name
 };
 
 }  // namespace cli

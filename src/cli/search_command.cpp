@@ -32,6 +32,7 @@
 #include "cli/prefilter.h"
 #include "cli/progress.h"
 #include "cli/project_files.h"
+#include "cli/project_scope.h"
 #include "cli/project_survey.h"
 #include "cli/review.h"
 #include "cli/scan_agent.h"
@@ -41,7 +42,6 @@
 #include "cli/session.h"
 #include "cli/unified_diff.h"
 #include "cli/warm_ides.h"
-#include "contracts/component_kinds.h"
 #include "contracts/driver_interfaces.h"
 #include "contracts/enumeration.h"
 #include "host/run_view.h"
@@ -116,7 +116,7 @@ class Run {
         keep_(Keep(options)),
         warm_(keep_),
         prefiltering_(options.prefilter),
-        batchRequest_(options.batch ? BuildRequest(options) : std::string()) {}
+        batches_(options.batch ? BuildRequest(options) : std::string()) {}
 
   int Go() {
     const ProjectDiscovery discovery = FindProjects(options_.paths);
@@ -298,67 +298,73 @@ class Run {
   PassResult Pass(Session& session, const fs::path& scanned, const ScratchCopy* copy,
                   const ProjectSurvey& survey) {
     PassResult result;
-    OpenProject(session, scanned, copy != nullptr, [&](const automation::ObjectRef& project) {
-      // The project file names DHTML pages and user connections as designers; only the IDE tells
-      // them apart. With a designer among the components the IDE is reached first, so that the
-      // listing is its own and a page is searched as a page, its HTML included.
-      const std::vector<ComponentFile>& files = survey.files;
-      const bool batch = !batchRequest_.empty() && copy == nullptr;
-      bool reached = false;
-      if (std::any_of(files.begin(), files.end(),
-                      [](const ComponentFile& file) { return file.collection == kDesigners; })) {
-        Reach(project);
-        reached = true;
-      }
-      for (const CollectionEnumeration& collection : EnumerateCollections(project)) {
-        if (!options_.kinds.empty() && !Asked(collection.name)) continue;
-        for (const contracts::EnumerationEntry& entry :
-             contracts::ParseEnumeration(collection.text)) {
-          if (Stopped()) return;
-          if (entry.name.empty() || !ComponentSelected(options_, entry.name)) continue;
-          const ComponentFile* file = FileOf(files, collection.name, entry.name);
-          // A missing file (or one a scratch copy cannot hold) has been said, with its line; the
-          // IDE is not asked for it.
-          if (file != nullptr && survey.missing.contains(FileKey(file->file))) continue;
-          if (file != nullptr && !done_.insert(FileKey(file->file)).second) continue;
-          // A component whose bytes cannot hold a match is searched without the IDE.
-          std::optional<std::string> bytes;
-          if (file != nullptr && prefilter_) {
-            bytes = ReadIfReadable(copy ? copy->Inside(file->file) : file->file);
-            if (bytes && !prefilter_->CouldMatch(collection.name, entry.name, *bytes)) {
-              ScannedFile unmatched =
-                  Unmatched(collection.name, entry, *file, std::move(*bytes), session.CodePage());
-              // Shown in its turn: after the components waiting for their batch.
-              if (!queue_.empty()) {
-                queue_.push_back(
-                    {collection.name, entry, file, std::nullopt, std::move(unmatched)});
-              } else {
-                Show(unmatched);
-                progress_->ComponentDone();
+    WithProject(
+        session, scanned, copy != nullptr ? nullptr : &warm_,
+        [&](const automation::ObjectRef& project) {
+          // The project file names DHTML pages and user connections as designers; only the IDE
+          // tells them apart. With a designer among the components the IDE is reached first, so
+          // that the listing is its own and a page is searched as a page, its HTML included.
+          const std::vector<ComponentFile>& files = survey.files;
+          const bool batch = batches_.Enabled() && copy == nullptr;
+          bool reached = false;
+          if (std::any_of(files.begin(), files.end(), [](const ComponentFile& file) {
+                return file.collection == kDesigners;
+              })) {
+            Reach(project);
+            reached = true;
+          }
+          for (const CollectionEnumeration& collection : EnumerateCollections(project)) {
+            if (!options_.kinds.empty() && !Asked(collection.name)) continue;
+            for (const contracts::EnumerationEntry& entry :
+                 contracts::ParseEnumeration(collection.text)) {
+              if (Stopped()) return;
+              if (entry.name.empty() || !ComponentSelected(options_, entry.name)) continue;
+              const ComponentFile* file = FileOf(files, collection.name, entry.name);
+              // A missing file (or one a scratch copy cannot hold) has been said, with its line;
+              // the IDE is not asked for it.
+              if (file != nullptr && survey.missing.contains(FileKey(file->file))) continue;
+              if (file != nullptr && !done_.insert(FileKey(file->file)).second) continue;
+              // A component whose bytes cannot hold a match is searched without the IDE.
+              std::optional<std::string> bytes;
+              if (file != nullptr && prefilter_) {
+                bytes = ReadIfReadable(copy ? copy->Inside(file->file) : file->file);
+                if (bytes && !prefilter_->CouldMatch(collection.name, entry.name, *bytes)) {
+                  ScannedFile unmatched = Unmatched(collection.name, entry, *file,
+                                                    std::move(*bytes), session.CodePage());
+                  // Shown in its turn: after the components waiting for their batch.
+                  if (!queue_.empty()) {
+                    queue_.push_back(
+                        {collection.name, entry, file, std::nullopt, std::move(unmatched)});
+                  } else {
+                    Show(unmatched);
+                    progress_->ComponentDone();
+                  }
+                  continue;
+                }
               }
-              continue;
+              // Only a failure to reach the IDE is the project's; once it is reached, whatever
+              // fails is the component's own.
+              if (!reached) {
+                const automation::ObjectRef dispatcher = Reach(project);
+                reached = true;
+                if (batch) {
+                  queue_.clear();
+                  batches_.Start(dispatcher, project, scanned.stem().string());
+                }
+              }
+              if (batches_.Running()) {
+                queue_.push_back({collection.name, entry, file, std::move(bytes), std::nullopt});
+                if (queue_.size() >= kBatch) Flush(project, scanned, session.CodePage(), result);
+                continue;
+              }
+              ScanComponent(project, scanned, collection.name, entry, file, copy,
+                            session.CodePage(), std::move(bytes), result);
             }
           }
-          // Only a failure to reach the IDE is the project's; once it is reached, whatever fails
-          // is the component's own.
-          if (!reached) {
-            const automation::ObjectRef dispatcher = Reach(project);
-            reached = true;
-            if (batch) StartAgent(dispatcher, project, scanned);
-          }
-          if (agent_) {
-            queue_.push_back({collection.name, entry, file, std::move(bytes), std::nullopt});
-            if (queue_.size() >= kBatch) Flush(project, scanned, session.CodePage(), result);
-            continue;
-          }
-          ScanComponent(project, scanned, collection.name, entry, file, copy, session.CodePage(),
-                        std::move(bytes), result);
-        }
-      }
-      Flush(project, scanned, session.CodePage(), result);
-      agent_.reset();  // let go before the project's IDE is let go
-    });
-    agent_.reset();
+          Flush(project, scanned, session.CodePage(), result);
+          batches_.Stop();  // let go before the project's IDE is let go
+        });
+    batches_.Stop();
     return result;
   }
 
@@ -379,27 +385,18 @@ class Run {
     }
   }
 
-  // A search has its components scanned by an agent in the IDE's process, a batch at a time.
-  // Without one (the IDE cannot make it), each is scanned on its own, as a replace's are.
-  void StartAgent(const automation::ObjectRef& dispatcher, const automation::ObjectRef& project,
-                  const fs::path& scanned) {
-    agent_.reset();
-    queue_.clear();
-    prefetched_.clear();
-    try {
-      agent_.emplace(dispatcher, project, scanned.stem().string());
-    } catch (const automation::Error&) {
-      // One by one then: the first component says what is wrong, if anything is.
-    }
-  }
-
   // Scans the waiting components through the agent, then shows each in its turn as a scan on
   // its own would (Component takes the agent's outcome for it).
   void Flush(const automation::ObjectRef& project, const fs::path& scanned,
              const platform::ProjectCodePage& codePage, PassResult& result) {
     std::vector<Queued> queue = std::move(queue_);
     queue_.clear();
-    Prefetch(queue);
+    std::vector<ScanBatches::Item> items;
+    for (const Queued& queued : queue) {
+      if (!queued.unmatched)
+        items.push_back({queued.collection, queued.entry.name, queued.entry.writable});
+    }
+    batches_.Scan(items);
     for (Queued& queued : queue) {
       if (Stopped()) break;
       if (queued.unmatched) {
@@ -410,87 +407,7 @@ class Run {
       ScanComponent(project, scanned, queued.collection, queued.entry, queued.file, nullptr,
                     codePage, std::move(queued.bytes), result);
     }
-    prefetched_.clear();
-  }
-
-  void Prefetch(const std::vector<Queued>& queue) {
-    if (!agent_) return;
-    std::vector<AgentItem> items;
-    std::vector<std::string> keys;
-    for (const Queued& queued : queue) {
-      if (queued.unmatched) continue;
-      const contracts::ComponentKind* kind = contracts::FindCollectionKind(queued.collection);
-      if (kind == nullptr) continue;
-      items.push_back({std::string(kind->factory), queued.entry.name, queued.entry.writable});
-      keys.push_back(AgentKey(queued.collection, queued.entry.name));
-    }
-    if (items.empty()) return;
-    try {
-      std::vector<AgentOutcome> outcomes = agent_->Scan(items, batchRequest_);
-      for (size_t i = 0; i < keys.size(); ++i)
-        prefetched_[keys[i]] = std::move(outcomes[i]);
-    } catch (const automation::Error&) {
-      // The agent could not do them (its IDE has ended, say): each is scanned on its own, which
-      // says what fails where.
-      agent_.reset();
-    }
-  }
-
-  static std::string AgentKey(const std::string& collection, const std::string& name) {
-    return collection + "/" + name;
-  }
-
-  // What the agent found for the component with the request, taken once; none when the
-  // component must be scanned on its own: it was not in a batch, or making its object failed
-  // there (made again here, that says exactly what a scan on its own says).
-  std::optional<std::vector<ComponentScan>> Prefetched(const std::string& collection,
-                                                       const std::string& name,
-                                                       const std::string& request) {
-    const auto it = prefetched_.find(AgentKey(collection, name));
-    if (it == prefetched_.end() || request != batchRequest_) return std::nullopt;
-    AgentOutcome outcome = std::move(it->second);
-    prefetched_.erase(it);
-    if (outcome.error && outcome.atFactory) return std::nullopt;
-    if (outcome.error) throw *outcome.error;
-    return std::move(outcome.scans);
-  }
-
-  // Opens the project in the driver for the body, and lets it go afterwards.
-  template <class Body>
-  void OpenProject(Session& session, const fs::path& scanned, bool scratch, Body body) {
-    // An IDE that this run starts for the project is kept warm when the project is done, within
-    // the run's count and budget (WarmIdes), or ended at once for a scratch copy (before the
-    // copy goes); one that was running before the run is left running.
-    struct EndStartedIde {
-      std::string project;
-      bool wasRunning;
-      WarmIdes* warm;  // null: end it
-      ~EndStartedIde() {
-        if (wasRunning) return;
-        try {
-          if (warm != nullptr) {
-            warm->Done(project);
-          } else {
-            StopIdesOf(project);
-          }
-        } catch (...) {
-          // An IDE that will not end ends by itself once idle; the results are in.
-        }
-      }
-    } endStartedIde{scanned.string(), AnyHasOpen(scanned.string()), scratch ? nullptr : &warm_};
-
-    const automation::ObjectRef project = session.OpenProject(scanned.string());
-    struct Deactivate {
-      const automation::ObjectRef& project;
-      ~Deactivate() {
-        try {
-          contracts::IProject(project).Deactivate();
-        } catch (...) {
-          // Deactivating only drops the link to the IDE; the results are in.
-        }
-      }
-    } deactivate{project};
-    body(project);
+    batches_.Forget();
   }
 
   // Connects the project to its IDE, starting one if need be: a failure here (the IDE cannot be
@@ -606,7 +523,7 @@ class Run {
       return object;
     };
     const Look look = [&](const std::string& request) {
-      if (auto scans = Prefetched(collection, entry.name, request)) return std::move(*scans);
+      if (auto scans = batches_.Take(collection, entry.name, request)) return std::move(*scans);
       return Scan(objectOf(), projectFile, entry, request);
     };
     const std::optional<std::string> request = plan_(look);
@@ -754,7 +671,7 @@ class Run {
   // Writes the project as its preview did: each changed component, with the places the preview
   // wrote and no other, then each file compared with the preview's.
   void Write(Session& session, const fs::path& projectFile, std::vector<ScannedFile>& changed) {
-    OpenProject(session, projectFile, false, [&](const automation::ObjectRef& project) {
+    WithProject(session, projectFile, &warm_, [&](const automation::ObjectRef& project) {
       Reach(project);
       for (ScannedFile& file : changed) {
         if (Interrupted() != 0) return;
@@ -921,12 +838,9 @@ class Run {
   WarmIdes warm_;  // the IDEs this run started and keeps
   const bool prefiltering_;
   std::optional<Prefilter> prefilter_;  // the project's, when the run prefilters
-  // A search's batches: the one request of its components, the agent of the project's IDE, the
-  // components waiting for their batch, and what the agent found for those not shown yet.
-  const std::string batchRequest_;  // empty: every component is scanned on its own
-  std::optional<ScanAgentView> agent_;
+  // A search's batches, and the components waiting for theirs.
+  ScanBatches batches_;
   std::vector<Queued> queue_;
-  std::map<std::string, AgentOutcome> prefetched_;
   std::string request_;  // the request the buffer holds
   // The run's scan buffer, made on first use (the session registers its class) and let go
   // before the session ends.
