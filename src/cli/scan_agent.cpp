@@ -31,10 +31,11 @@ std::string Key(const std::string& collection, const std::string& name) {
 
 std::string ItemsJson(const std::vector<AgentItem>& items, size_t from) {
   nlohmann::json list = nlohmann::json::array();
-  for (size_t i = from; i < items.size(); ++i)
-    list.push_back({{"factory", items[i].factory},
-                    {"name", items[i].name},
-                    {"updatable", items[i].updatable}});
+  for (size_t i = from; i < items.size(); ++i) {
+    nlohmann::json& item = list.emplace_back(nlohmann::json{
+        {"factory", items[i].factory}, {"name", items[i].name}, {"updatable", items[i].updatable}});
+    if (!items[i].request.empty()) item["request"] = items[i].request;
+  }
   return list.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
@@ -87,14 +88,17 @@ void ScanBatches::Scan(const std::vector<Item>& components) {
   for (const Item& component : components) {
     const contracts::ComponentKind* kind = contracts::FindCollectionKind(component.collection);
     if (kind == nullptr) continue;
-    items.push_back({std::string(kind->factory), component.name, component.writable});
+    items.push_back(
+        {std::string(kind->factory), component.name, component.writable, component.request});
     keys.push_back(Key(component.collection, component.name));
   }
   if (items.empty()) return;
   try {
     std::vector<AgentOutcome> outcomes = agent_->Scan(items, request_);
-    for (size_t i = 0; i < keys.size(); ++i)
-      found_[keys[i]] = std::move(outcomes[i]);
+    for (size_t i = 0; i < keys.size(); ++i) {
+      found_[keys[i]] = {items[i].request.empty() ? request_ : items[i].request,
+                         std::move(outcomes[i])};
+    }
   } catch (const automation::Error&) {
     agent_.reset();
   }
@@ -104,8 +108,8 @@ std::optional<std::vector<ComponentScan>> ScanBatches::Take(const std::string& c
                                                             const std::string& name,
                                                             const std::string& request) {
   const auto it = found_.find(Key(collection, name));
-  if (it == found_.end() || request != request_) return std::nullopt;
-  AgentOutcome outcome = std::move(it->second);
+  if (it == found_.end() || request != it->second.first) return std::nullopt;
+  AgentOutcome outcome = std::move(it->second.second);
   found_.erase(it);
   if (outcome.error && outcome.atFactory) return std::nullopt;
   if (outcome.error) throw *outcome.error;

@@ -12,12 +12,13 @@
 
 namespace cli {
 
-// One component for the agent: the dispatcher's factory for its kind, its name, and whether its
-// file can be written.
+// One component for the agent: the dispatcher's factory for its kind, its name, whether its
+// file can be written, and a request of its own, if it has one.
 struct AgentItem {
   std::string factory;
   std::string name;
   bool updatable = false;
+  std::string request = {};  // empty: the batch's
 };
 
 class ScanAgentView {
@@ -30,7 +31,8 @@ class ScanAgentView {
   // False when $QX_NO_BATCH is 1: every component is scanned on its own, as a reference run.
   static bool Enabled();
 
-  // Every item scanned with the request, one outcome per item in their order: the agent answers
+  // Every item scanned with the request (or its own), one outcome per item in their order: the
+  // agent answers
   // for a time slice at a time, and is handed the rest until none is left.
   std::vector<AgentOutcome> Scan(const std::vector<AgentItem>& items,
                                  const std::string& request) const;
@@ -46,8 +48,8 @@ class ScanAgentView {
 // found for each, kept until the component's turn to be shown takes it.
 class ScanBatches {
  public:
-  // The request of every component of the batches; empty: there are none, each component is
-  // scanned on its own.
+  // The request of the components of the batches, but those with one of their own; empty: there
+  // are no batches, each component is scanned on its own.
   explicit ScanBatches(std::string request) : request_(std::move(request)) {}
 
   bool Enabled() const { return !request_.empty(); }
@@ -66,6 +68,7 @@ class ScanBatches {
     std::string collection;
     std::string name;
     bool writable = false;
+    std::string request = {};  // empty: the batches'
   };
   void Scan(const std::vector<Item>& items);
   // What the agent found for the component with this request, taken once; none when the
@@ -81,7 +84,8 @@ class ScanBatches {
  private:
   const std::string request_;
   std::optional<ScanAgentView> agent_;
-  std::map<std::string, AgentOutcome> found_;  // by collection and name
+  // By collection and name: the request it was scanned with, and what the agent found.
+  std::map<std::string, std::pair<std::string, AgentOutcome>> found_;
 };
 
 }  // namespace cli

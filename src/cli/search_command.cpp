@@ -95,13 +95,22 @@ struct PassResult {
   std::vector<ScannedFile> changed;
 };
 
-// A search's component waiting for its batch to be scanned by the IDE's agent, or one that the
-// prefilter passed over behind such, shown in its turn.
+// What is read of a component before its scan: its file's bytes (by the prefilter, or ahead of a
+// batch) and, ahead of a replace's batch, its companions' bytes: the batch writes them all before
+// the component's turn comes.
+struct ReadAhead {
+  std::optional<std::string> bytes;
+  std::optional<std::map<fs::path, FileChange>> companions;
+};
+
+// A component waiting for its batch to be scanned by the IDE's agent, or one that the prefilter
+// passed over behind such, shown in its turn.
 struct Queued {
   std::string collection;
   contracts::EnumerationEntry entry;
   const ComponentFile* file = nullptr;
-  std::optional<std::string> bytes;
+  ReadAhead read;
+  bool batched = false;                  // false: scanned on its own in its turn
   std::optional<ScannedFile> unmatched;  // passed over by the prefilter: shown as it is
 };
 
@@ -305,7 +314,7 @@ class Run {
           // tells them apart. With a designer among the components the IDE is reached first, so
           // that the listing is its own and a page is searched as a page, its HTML included.
           const std::vector<ComponentFile>& files = survey.files;
-          const bool batch = batches_.Enabled() && copy == nullptr;
+          const bool batch = batches_.Enabled();
           bool reached = false;
           if (std::any_of(files.begin(), files.end(), [](const ComponentFile& file) {
                 return file.collection == kDesigners;
@@ -334,7 +343,7 @@ class Run {
                   // Shown in its turn: after the components waiting for their batch.
                   if (!queue_.empty()) {
                     queue_.push_back(
-                        {collection.name, entry, file, std::nullopt, std::move(unmatched)});
+                        {collection.name, entry, file, {}, false, std::move(unmatched)});
                   } else {
                     Show(unmatched);
                     progress_->ComponentDone();
@@ -352,16 +361,19 @@ class Run {
                   batches_.Start(dispatcher, project, scanned.stem().string());
                 }
               }
+              ReadAhead read{std::move(bytes), std::nullopt};
               if (batches_.Running()) {
-                queue_.push_back({collection.name, entry, file, std::move(bytes), std::nullopt});
-                if (queue_.size() >= kBatch) Flush(project, scanned, session.CodePage(), result);
+                const bool batched = !options_.replacement || ReadBefore(file, copy, read);
+                queue_.push_back({collection.name, entry, file, std::move(read), batched, {}});
+                if (queue_.size() >= kBatch)
+                  Flush(project, scanned, copy, session.CodePage(), result);
                 continue;
               }
               ScanComponent(project, scanned, collection.name, entry, file, copy,
-                            session.CodePage(), std::move(bytes), result);
+                            session.CodePage(), std::move(read), result);
             }
           }
-          Flush(project, scanned, session.CodePage(), result);
+          Flush(project, scanned, copy, session.CodePage(), result);
           batches_.Stop();  // let go before the project's IDE is let go
         });
     batches_.Stop();
@@ -372,11 +384,11 @@ class Run {
   void ScanComponent(const automation::ObjectRef& project, const fs::path& scanned,
                      const std::string& collection, const contracts::EnumerationEntry& entry,
                      const ComponentFile* file, const ScratchCopy* copy,
-                     const platform::ProjectCodePage& codePage, std::optional<std::string> bytes,
+                     const platform::ProjectCodePage& codePage, ReadAhead read,
                      PassResult& result) {
     try {
       if (std::optional<ScannedFile> changed = Component(project, scanned, collection, entry, file,
-                                                         copy, codePage, std::move(bytes))) {
+                                                         copy, codePage, std::move(read))) {
         result.changed.push_back(std::move(*changed));
       }
       progress_->ComponentDone();
@@ -387,13 +399,13 @@ class Run {
 
   // Scans the waiting components through the agent, then shows each in its turn as a scan on
   // its own would (Component takes the agent's outcome for it).
-  void Flush(const automation::ObjectRef& project, const fs::path& scanned,
+  void Flush(const automation::ObjectRef& project, const fs::path& scanned, const ScratchCopy* copy,
              const platform::ProjectCodePage& codePage, PassResult& result) {
     std::vector<Queued> queue = std::move(queue_);
     queue_.clear();
     std::vector<ScanBatches::Item> items;
     for (const Queued& queued : queue) {
-      if (!queued.unmatched)
+      if (queued.batched)
         items.push_back({queued.collection, queued.entry.name, queued.entry.writable});
     }
     batches_.Scan(items);
@@ -404,8 +416,8 @@ class Run {
         progress_->ComponentDone();
         continue;
       }
-      ScanComponent(project, scanned, queued.collection, queued.entry, queued.file, nullptr,
-                    codePage, std::move(queued.bytes), result);
+      ScanComponent(project, scanned, queued.collection, queued.entry, queued.file, copy, codePage,
+                    std::move(queued.read), result);
     }
     batches_.Forget();
   }
@@ -469,6 +481,26 @@ class Run {
     }
   }
 
+  // Reads what a replace's batch would change before the component's turn: its file and its
+  // companions. False when they cannot be read: the component is then scanned on its own, which
+  // says why.
+  static bool ReadBefore(const ComponentFile* file, const ScratchCopy* copy, ReadAhead& read) {
+    if (file == nullptr) return false;
+    const fs::path onDisk = copy ? copy->Inside(file->file) : file->file;
+    if (!read.bytes) read.bytes = ReadIfReadable(onDisk);
+    if (!read.bytes) return false;
+    try {
+      std::map<fs::path, FileChange> companions;
+      ReadCompanions(onDisk, copy, companions, &FileChange::before);
+      read.companions = std::move(companions);
+      return true;
+    } catch (const automation::Error&) {
+      return false;
+    } catch (const fs::filesystem_error&) {
+      return false;
+    }
+  }
+
   // A component whose file the prefilter showed to hold no match, as its scan would have given it.
   static ScannedFile Unmatched(const std::string& collection,
                                const contracts::EnumerationEntry& entry, const ComponentFile& file,
@@ -487,32 +519,31 @@ class Run {
   }
 
   // Scans one component and shows what it gave. A replace on a scratch copy returns the
-  // component when the scan changed its files, with what a write must do again. `bytes` are the
-  // component file's, when they have been read already.
+  // component when the scan changed its files, with what a write must do again. `read` holds
+  // what has been read of the component already.
   std::optional<ScannedFile> Component(const automation::ObjectRef& project,
                                        const fs::path& projectFile, const std::string& collection,
                                        const contracts::EnumerationEntry& entry,
                                        const ComponentFile* file, const ScratchCopy* copy,
-                                       const platform::ProjectCodePage& codePage,
-                                       std::optional<std::string> bytes) {
+                                       const platform::ProjectCodePage& codePage, ReadAhead read) {
     const Clock::time_point started = Clock::now();
     ScannedFile scanned;
     scanned.codePage = codePage;
     scanned.collection = collection;
     scanned.entry = entry;
     fs::path onDisk;
+    // A search reads the file only to place what it found there.
+    bool unread = file != nullptr && !read.bytes && !options_.replacement;
     if (file != nullptr) {
       scanned.original = file->file;
       scanned.line = file->line;
       onDisk = copy ? copy->Inside(file->file) : file->file;
-      if (bytes) {
-        scanned.before = std::move(*bytes);
+      if (read.bytes) {
+        scanned.before = std::move(*read.bytes);
       } else if (options_.replacement) {
         scanned.before = platform::ReadFile(onDisk.string());
       }
     }
-    // A search reads the file only to place what it found there.
-    bool unread = file != nullptr && !bytes && !options_.replacement;
     // The component object, made when a scan needs it: one the agent scanned needs none.
     automation::ObjectRef object;
     const auto objectOf = [&]() -> const automation::ObjectRef& {
@@ -533,7 +564,11 @@ class Run {
     // or make one (a caption that grows too long for its line).
     const bool replacing = file != nullptr && options_.replacement;
     std::map<fs::path, FileChange> companions;
-    if (replacing) ReadCompanions(onDisk, copy, companions, &FileChange::before);
+    if (replacing && read.companions) {
+      companions = std::move(*read.companions);
+    } else if (replacing) {
+      ReadCompanions(onDisk, copy, companions, &FileChange::before);
+    }
     std::optional<ScannedFile> changed;
     for (ComponentScan& scan : look(*request)) {
       scanned.scan = std::move(scan);
@@ -672,31 +707,25 @@ class Run {
   // wrote and no other, then each file compared with the preview's.
   void Write(Session& session, const fs::path& projectFile, std::vector<ScannedFile>& changed) {
     WithProject(session, projectFile, &warm_, [&](const automation::ObjectRef& project) {
-      Reach(project);
-      for (ScannedFile& file : changed) {
-        if (Interrupted() != 0) return;
-        if (!AsPreviewed(file)) continue;
-        try {
-          const automation::ObjectRef object =
-              contracts::ICollection(contracts::IProject(project).GetCollection(file.collection))
-                  .GetObject(file.entry.name);
-          for (const ComponentScan& scan :
-               Scan(object, projectFile, file.entry, OnlyThese(file.request, file.accepted))) {
-            for (const ScanPlace& place : scan.places) {
-              if (place.written || std::find(file.accepted.begin(), file.accepted.end(),
-                                             place.id) == file.accepted.end()) {
-                continue;
-              }
-              ComponentFailed(
-                  file.entry.name, nullptr,
-                  place.error ? automation::Error(place.error->number, "", place.error->description)
-                              : automation::Error(5, "qx", place.id + " not written"));
-            }
-          }
-        } catch (const automation::Error& e) {
-          Report({false, project_, file.entry.name, file.line, e.Number(), e.Description()});
+      const automation::ObjectRef dispatcher = Reach(project);
+      // Written a batch at a time by the agent when there is one, each with its own request.
+      if (batches_.Enabled()) batches_.Start(dispatcher, project, projectFile.stem().string());
+      for (size_t from = 0; from < changed.size() && Interrupted() == 0; from += kBatch) {
+        std::vector<ScannedFile*> batch;
+        std::vector<ScanBatches::Item> items;
+        for (size_t i = from; i < std::min(changed.size(), from + kBatch); ++i) {
+          ScannedFile& file = changed[i];
+          if (!AsPreviewed(file)) continue;
+          batch.push_back(&file);
+          items.push_back({file.collection, file.entry.name, file.entry.writable,
+                           OnlyThese(file.request, file.accepted)});
         }
+        batches_.Scan(items);
+        for (size_t i = 0; i < batch.size() && Interrupted() == 0; ++i)
+          WriteComponent(project, projectFile, *batch[i], items[i].request);
+        batches_.Forget();
       }
+      batches_.Stop();  // let go before the project's IDE is let go
     });
     // The IDE saves without waiting for the disk; the project's writes reach it here, at once.
     try {
@@ -708,6 +737,36 @@ class Run {
       Compare({file.original, file.before, file.after});
       for (const FileChange& companion : file.companions)
         Compare(companion);
+    }
+  }
+
+  // Writes the places of the component that its preview wrote, with the request narrowed to
+  // them; a place that is not written again is an error.
+  void WriteComponent(const automation::ObjectRef& project, const fs::path& projectFile,
+                      const ScannedFile& file, const std::string& request) {
+    try {
+      std::optional<std::vector<ComponentScan>> scans =
+          batches_.Take(file.collection, file.entry.name, request);
+      if (!scans) {
+        const automation::ObjectRef object =
+            contracts::ICollection(contracts::IProject(project).GetCollection(file.collection))
+                .GetObject(file.entry.name);
+        scans = Scan(object, projectFile, file.entry, request);
+      }
+      for (const ComponentScan& scan : *scans) {
+        for (const ScanPlace& place : scan.places) {
+          if (place.written || std::find(file.accepted.begin(), file.accepted.end(), place.id) ==
+                                   file.accepted.end()) {
+            continue;
+          }
+          ComponentFailed(file.entry.name, nullptr,
+                          place.error
+                              ? automation::Error(place.error->number, "", place.error->description)
+                              : automation::Error(5, "qx", place.id + " not written"));
+        }
+      }
+    } catch (const automation::Error& e) {
+      Report({false, project_, file.entry.name, file.line, e.Number(), e.Description()});
     }
   }
 
@@ -877,7 +936,7 @@ int RunSearch(SearchOptions& options, Printer& printer) {
   }
   const std::string request = BuildRequest(options);
   options.prefilter = Prefilter::Enabled();
-  options.batch = !options.replacement && ScanAgentView::Enabled();
+  options.batch = ScanAgentView::Enabled();
   const auto plan = [&request](const Look&) { return request; };
   if (!options.interactive) return RunScans(options, plan, printer);
   Review review(std::cin, std::cout);

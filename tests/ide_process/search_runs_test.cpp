@@ -282,7 +282,7 @@ TEST_F(SearchRuns, PrefilteredAndBatchedRunsPrintWhatFullRunsPrint) {
     const auto full = Qx(args);
     ::unsetenv("QX_NO_BATCH");
     std::vector<qxtest::RunResult> runs;
-    if (args[0] == "search") runs.push_back(Qx(args));
+    runs.push_back(Qx(args));
     ::unsetenv("QX_NO_PREFILTER");
     runs.push_back(Qx(args));
     for (const qxtest::RunResult& run : runs) {

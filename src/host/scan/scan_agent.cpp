@@ -51,7 +51,6 @@ std::string ScanAgent::ScanComponents(const ObjectRef& dispatcher, const ObjectR
     automation::Raise(automation::err::kInvalidCall, "the components must be a JSON array");
   }
   Register();
-  buffer_->SetRequest(request);
   const Dispatch factories(dispatcher);
   const Clock::time_point started = Clock::now();
   std::string answer;
@@ -59,6 +58,8 @@ std::string ScanAgent::ScanComponents(const ObjectRef& dispatcher, const ObjectR
     if (i > 0 && Clock::now() - started >= kSlice) break;
     const json& item = list[i];
     const std::string name = item.value("name", "");
+    // A component with a request of its own (the places a write may change) is scanned with it.
+    buffer_->SetRequest(item.value("request", request));
     ObjectRef object;
     try {
       object = factories.Call(item.value("factory", ""), project, name).ToObject();

@@ -11,7 +11,8 @@
 // object, its modes and the Scanner do exactly what they do for a single scan.
 //
 // ScanComponents(Dispatcher, Project, ProjectName, Components, Request) takes the components as
-// a JSON array, [{"factory": "GetModule", "name": "Module1", "updatable": true}, ...], and
+// a JSON array, [{"factory": "GetModule", "name": "Module1", "updatable": true}, ...], each
+// scanned with Request or with a "request" of its own when it has one, and
 // answers one outcome per component it did, in order (scan_result.h): the Scanner's results as
 // the buffer keeps them, or the error that stopped the component, raised by its factory or by
 // its scan.
