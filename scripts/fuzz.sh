@@ -18,7 +18,7 @@ fi
 cmake -S "$here" -B "$dir" -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DQX_FUZZ=ON -DQX_TESTS=OFF -DQX_BENCH=OFF "${extra[@]}" >/dev/null
 cmake --build "$dir" -j"$(nproc)" --target fuzz_project_file fuzz_component_file fuzz_code_module \
-  fuzz_companion
+  fuzz_companion fuzz_scan_result
 
 # Seeds: every fixture file, behind the byte that chooses the kind of file (and code page) to
 # read it as.
@@ -29,7 +29,9 @@ kind_byte() {
   esac
 }
 mkdir -p "$dir/seeds/project_file" "$dir/seeds/component_file" "$dir/seeds/code_module" \
-  "$dir/seeds/companion" "$dir/findings"
+  "$dir/seeds/companion" "$dir/seeds/scan_result" "$dir/findings"
+# The scan result target's seed: the valid answer as it is (all kept, no edits).
+printf '\377' >"$dir/seeds/scan_result/whole"
 # The companion target's seed: three references (a text at 0000, a long string at 0004, a list at
 # 000B), then a companion that holds them.
 printf '\003\000\000\000\004\000\001\013\000\002\003abc\003\000\000\000xyz\001\000\003\000\002\000ab' \
@@ -80,7 +82,7 @@ nested_form 101 0 >"$dir/seeds/component_file/deep-101"
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 status=0
-for target in project_file component_file code_module companion; do
+for target in project_file component_file code_module companion scan_result; do
   mkdir -p "$dir/corpus/$target"
   echo "== fuzz_$target (${seconds}s)"
   if ! "$dir/bin/fuzz_$target" "$dir/corpus/$target" "$dir/seeds/$target" \
