@@ -1,6 +1,9 @@
 #include "automation/apartment.h"
 
+#include <kj/async-unix.h>
+
 #include <algorithm>
+#include <memory>
 #include <random>
 #include <string_view>
 #include <utility>
@@ -83,13 +86,23 @@ void Apartment::ServeFor(std::chrono::milliseconds duration, const bool& stop) {
 
 bool Apartment::ServeUntil(const std::function<bool()>& done,
                            std::chrono::steady_clock::time_point deadline,
-                           std::chrono::milliseconds step) {
+                           std::chrono::milliseconds step, int wake) {
+  std::unique_ptr<kj::UnixEventPort::FdObserver> observer;
+  if (wake >= 0) {
+    observer = std::make_unique<kj::UnixEventPort::FdObserver>(
+        io_.unixEventPort, wake, kj::UnixEventPort::FdObserver::OBSERVE_READ);
+  }
   for (;;) {
     if (done()) return true;
     const auto now = std::chrono::steady_clock::now();
     if (now >= deadline) return false;
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - now);
-    ServeFor(std::max(std::chrono::milliseconds(1), std::min(step, left)));
+    const auto nanos = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                           std::max(std::chrono::milliseconds(1), std::min(step, left)))
+                           .count();
+    kj::Promise<void> period = io_.provider->getTimer().afterDelay(nanos * kj::NANOSECONDS);
+    if (observer) period = period.exclusiveJoin(observer->whenBecomesReadable());
+    Await(kj::mv(period));
   }
 }
 

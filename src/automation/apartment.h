@@ -52,10 +52,11 @@ class Apartment {
   // is then answered at once rather than at the end of the period).
   void ServeFor(std::chrono::milliseconds duration, const bool& stop);
 
-  // Serves calls until `done` answers true (asked at least every `step`) or the deadline
-  // passes; true when done.
+  // Serves calls until `done` answers true (asked at least every `step`, and as soon as `wake`,
+  // a descriptor, turns readable, when one is given) or the deadline passes; true when done.
+  // `done` takes whatever makes `wake` readable, or it is asked again only at the next step.
   bool ServeUntil(const std::function<bool()>& done, std::chrono::steady_clock::time_point deadline,
-                  std::chrono::milliseconds step = std::chrono::milliseconds(20));
+                  std::chrono::milliseconds step = std::chrono::milliseconds(20), int wake = -1);
 
  private:
   Apartment();

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -19,6 +20,7 @@
 #include "host/launch.h"
 #include "host/object_table.h"
 #include "host/run_view.h"
+#include "platform/descriptor.h"
 #include "platform/files.h"
 #include "platform/home.h"
 #include "platform/paths.h"
@@ -141,17 +143,26 @@ automation::ObjectRef HostUtility::LaunchAndConnect(const std::string& commandLi
   // Started meanwhile by the host that held the lock.
   if (automation::ObjectRef running = ObjectTable::Get().Find(name)) return running;
 
+  // A registration is an entry file renamed into the run folder: its arrival wakes the wait, which
+  // otherwise looks again every 20 ms (and sees so whether the program ended without one).
+  const platform::Descriptor arrivals(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+  if (arrivals.get() >= 0) {
+    ::inotify_add_watch(arrivals.get(), platform::RunFolder().c_str(), IN_MOVED_TO | IN_CREATE);
+  }
   const pid_t pid = StartDetached(commandLine);
   if (pid <= 0) return nullptr;
   automation::ObjectRef found;
   bool ended = false;
   automation::Apartment::Get().ServeUntil(
       [&] {
+        char events[4096];
+        while (arrivals.get() >= 0 && ::read(arrivals.get(), events, sizeof events) > 0) {
+        }
         found = ObjectTable::Get().Find(name);
         ended = !found && ::waitpid(pid, nullptr, WNOHANG) == pid;
         return found || ended;
       },
-      deadline);
+      deadline, std::chrono::milliseconds(20), arrivals.get());
   if (!ended) launched.push_back(pid);
   return found;
 }
