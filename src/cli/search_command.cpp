@@ -307,77 +307,79 @@ class Run {
   PassResult Pass(Session& session, const fs::path& scanned, const ScratchCopy* copy,
                   const ProjectSurvey& survey) {
     PassResult result;
-    WithProject(
-        session, scanned, copy != nullptr ? nullptr : &warm_,
-        [&](const automation::ObjectRef& project) {
-          // The project file names DHTML pages and user connections as designers; only the IDE
-          // tells them apart. With a designer among the components the IDE is reached first, so
-          // that the listing is its own and a page is searched as a page, its HTML included.
-          const std::vector<ComponentFile>& files = survey.files;
-          const bool batch = batches_.Enabled();
-          bool reached = false;
-          if (std::any_of(files.begin(), files.end(), [](const ComponentFile& file) {
-                return file.collection == kDesigners;
-              })) {
-            Reach(project);
-            reached = true;
-          }
-          for (const CollectionEnumeration& collection : EnumerateCollections(project)) {
-            if (!options_.kinds.empty() && !Asked(collection.name)) continue;
-            for (const contracts::EnumerationEntry& entry :
-                 contracts::ParseEnumeration(collection.text)) {
-              if (Stopped()) return;
-              if (entry.name.empty() || !ComponentSelected(options_, entry.name)) continue;
-              const ComponentFile* file = FileOf(files, collection.name, entry.name);
-              // A missing file (or one a scratch copy cannot hold) has been said, with its line;
-              // the IDE is not asked for it.
-              if (file != nullptr && survey.missing.contains(FileKey(file->file))) continue;
-              if (file != nullptr && !done_.insert(FileKey(file->file)).second) continue;
-              // A component whose bytes cannot hold a match is searched without the IDE.
-              std::optional<std::string> bytes;
-              if (file != nullptr && prefilter_) {
-                bytes = ReadIfReadable(copy ? copy->Inside(file->file) : file->file);
-                if (bytes && !prefilter_->CouldMatch(collection.name, entry.name, *bytes)) {
-                  ScannedFile unmatched = Unmatched(collection.name, entry, *file,
-                                                    std::move(*bytes), session.CodePage());
-                  // Shown in its turn: after the components waiting for their batch.
-                  if (!queue_.empty()) {
-                    queue_.push_back(
-                        {collection.name, entry, file, {}, false, std::move(unmatched)});
-                  } else {
-                    Show(unmatched);
-                    progress_->ComponentDone();
-                  }
-                  continue;
-                }
-              }
-              // Only a failure to reach the IDE is the project's; once it is reached, whatever
-              // fails is the component's own.
-              if (!reached) {
-                const automation::ObjectRef dispatcher = Reach(project);
-                reached = true;
-                if (batch) {
-                  queue_.clear();
-                  batches_.Start(dispatcher, project, scanned.stem().string());
-                }
-              }
-              ReadAhead read{std::move(bytes), std::nullopt};
-              if (batches_.Running()) {
-                const bool batched = !options_.replacement || ReadBefore(file, copy, read);
-                queue_.push_back({collection.name, entry, file, std::move(read), batched, {}});
-                if (queue_.size() >= kBatch)
-                  Flush(project, scanned, copy, session.CodePage(), result);
-                continue;
-              }
-              ScanComponent(project, scanned, collection.name, entry, file, copy,
-                            session.CodePage(), std::move(read), result);
-            }
-          }
-          Flush(project, scanned, copy, session.CodePage(), result);
-          batches_.Stop();  // let go before the project's IDE is let go
-        });
+    WithProject(session, scanned, copy != nullptr ? nullptr : &warm_,
+                [&](const automation::ObjectRef& project) {
+                  PassOver(project, session, scanned, copy, survey, result);
+                });
     batches_.Stop();
     return result;
+  }
+
+  // The pass itself, over the project opened: each chosen component is scanned and shown, or
+  // queued for its batch.
+  void PassOver(const automation::ObjectRef& project, Session& session, const fs::path& scanned,
+                const ScratchCopy* copy, const ProjectSurvey& survey, PassResult& result) {
+    // The project file names DHTML pages and user connections as designers; only the IDE
+    // tells them apart. With a designer among the components the IDE is reached first, so
+    // that the listing is its own and a page is searched as a page, its HTML included.
+    const std::vector<ComponentFile>& files = survey.files;
+    bool reached = false;
+    if (std::any_of(files.begin(), files.end(),
+                    [](const ComponentFile& file) { return file.collection == kDesigners; })) {
+      Reach(project);
+      reached = true;
+    }
+    for (const CollectionEnumeration& collection : EnumerateCollections(project)) {
+      if (!options_.kinds.empty() && !Asked(collection.name)) continue;
+      for (const contracts::EnumerationEntry& entry :
+           contracts::ParseEnumeration(collection.text)) {
+        if (Stopped()) return;
+        if (entry.name.empty() || !ComponentSelected(options_, entry.name)) continue;
+        const ComponentFile* file = FileOf(files, collection.name, entry.name);
+        // A missing file (or one a scratch copy cannot hold) has been said, with its line;
+        // the IDE is not asked for it.
+        if (file != nullptr && survey.missing.contains(FileKey(file->file))) continue;
+        if (file != nullptr && !done_.insert(FileKey(file->file)).second) continue;
+        // A component whose bytes cannot hold a match is searched without the IDE.
+        std::optional<std::string> bytes;
+        if (file != nullptr && prefilter_) {
+          bytes = ReadIfReadable(copy ? copy->Inside(file->file) : file->file);
+          if (bytes && !prefilter_->CouldMatch(collection.name, entry.name, *bytes)) {
+            ScannedFile unmatched =
+                Unmatched(collection.name, entry, *file, std::move(*bytes), session.CodePage());
+            // Shown in its turn: after the components waiting for their batch.
+            if (!queue_.empty()) {
+              queue_.push_back({collection.name, entry, file, {}, false, std::move(unmatched)});
+            } else {
+              Show(unmatched);
+              progress_->ComponentDone();
+            }
+            continue;
+          }
+        }
+        // Only a failure to reach the IDE is the project's; once it is reached, whatever
+        // fails is the component's own.
+        if (!reached) {
+          const automation::ObjectRef dispatcher = Reach(project);
+          reached = true;
+          if (batches_.Enabled()) {
+            queue_.clear();
+            batches_.Start(dispatcher, project, scanned.stem().string());
+          }
+        }
+        ReadAhead read{std::move(bytes), std::nullopt};
+        if (batches_.Running()) {
+          const bool batched = !options_.replacement || ReadBefore(file, copy, read);
+          queue_.push_back({collection.name, entry, file, std::move(read), batched, {}});
+          if (queue_.size() >= kBatch) Flush(project, scanned, copy, session.CodePage(), result);
+          continue;
+        }
+        ScanComponent(project, scanned, collection.name, entry, file, copy, session.CodePage(),
+                      std::move(read), result);
+      }
+    }
+    Flush(project, scanned, copy, session.CodePage(), result);
+    batches_.Stop();  // let go before the project's IDE is let go
   }
 
   // One component scanned and shown; what fails is the component's.
