@@ -2,11 +2,69 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
+#include <unordered_map>
 
 #include "automation/casefold.h"
 #include "ide/form/catalog_data.h"
 
 namespace ide::form {
+namespace {
+
+std::string AsciiLower(std::string_view name) {
+  std::string lower(name);
+  for (char& c : lower) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return lower;
+}
+
+// How many properties the class's Properties collection holds: those before the runtime-only.
+int32_t CountOf(const ClassInfo& info) {
+  const auto end =
+      std::find_if(info.properties.begin(), info.properties.end(),
+                   [](const PropertyInfo& p) { return p.visibility == Visibility::kRuntime; });
+  return static_cast<int32_t>(end - info.properties.begin());
+}
+
+// A catalog class's properties by name (in ASCII lower case, the first of a name), and its
+// count: every property read of every control looks its property up, so the catalog's classes
+// are indexed once.
+struct ClassIndex {
+  int32_t count = 0;
+  std::unordered_map<std::string, int32_t> byName;
+};
+
+const ClassIndex* IndexOf(const ClassInfo& info) {
+  static const auto indexes = [] {
+    std::unordered_map<const ClassInfo*, ClassIndex> all;
+    for (const ClassInfo* c : AllClasses()) {
+      ClassIndex& index = all[c];
+      index.count = CountOf(*c);
+      for (std::size_t i = 0; i < c->properties.size(); ++i)
+        index.byName.emplace(AsciiLower(c->properties[i].name), static_cast<int32_t>(i));
+    }
+    return all;
+  }();
+  const auto it = indexes.find(&info);
+  return it == indexes.end() ? nullptr : &it->second;
+}
+
+// The position of the first property of the name among all the class's properties; -1 when
+// none.
+int32_t MemberPosition(const ClassInfo& info, std::string_view name) {
+  if (const ClassIndex* index = IndexOf(info)) {
+    const auto it = index->byName.find(AsciiLower(name));
+    return it == index->byName.end() ? -1 : it->second;
+  }
+  for (std::size_t i = 0; i < info.properties.size(); ++i) {
+    if (automation::EqualsAsciiNoCase(info.properties[i].name, name))
+      return static_cast<int32_t>(i);
+  }
+  return -1;
+}
+
+}  // namespace
 
 const EnumMember* Enumeration::Find(int32_t value) const {
   for (const EnumMember& member : members) {
@@ -26,10 +84,8 @@ bool ClassInfo::HasFont() const {
 
 int32_t ClassInfo::Count() const {
   // The runtime-only properties come last and take no position.
-  const auto end = std::find_if(properties.begin(), properties.end(), [](const PropertyInfo& p) {
-    return p.visibility == Visibility::kRuntime;
-  });
-  return static_cast<int32_t>(end - properties.begin());
+  const ClassIndex* index = IndexOf(*this);
+  return index != nullptr ? index->count : CountOf(*this);
 }
 
 const PropertyInfo* ClassInfo::At(int32_t position) const {
@@ -38,13 +94,8 @@ const PropertyInfo* ClassInfo::At(int32_t position) const {
 }
 
 int32_t ClassInfo::PositionOf(std::string_view name) const {
-  const int32_t count = Count();
-  for (int32_t i = 0; i < count; ++i) {
-    if (automation::EqualsAsciiNoCase(properties[static_cast<std::size_t>(i)].name, name)) {
-      return i;
-    }
-  }
-  return -1;
+  const int32_t position = MemberPosition(*this, name);
+  return position < Count() ? position : -1;
 }
 
 const PropertyInfo* ClassInfo::Find(std::string_view name) const {
@@ -52,10 +103,8 @@ const PropertyInfo* ClassInfo::Find(std::string_view name) const {
 }
 
 const PropertyInfo* ClassInfo::FindMember(std::string_view name) const {
-  for (const PropertyInfo& p : properties) {
-    if (automation::EqualsAsciiNoCase(p.name, name)) return &p;
-  }
-  return nullptr;
+  const int32_t position = MemberPosition(*this, name);
+  return position < 0 ? nullptr : &properties[static_cast<std::size_t>(position)];
 }
 
 std::span<const PropertyInfo> FontProperties() {
@@ -95,13 +144,17 @@ const ClassInfo& ExtenderClass() {
 }
 
 const ClassInfo* FindClass(std::string_view identifier) {
-  for (const ClassInfo* c : AllClasses()) {
-    if (automation::EqualsAsciiNoCase(c->progId, identifier) ||
-        (!c->classId.empty() && automation::EqualsAsciiNoCase(c->classId, identifier))) {
-      return c;
+  // By programmatic identifier or a designer's CLSID, the first class that has it.
+  static const auto classes = [] {
+    std::unordered_map<std::string, const ClassInfo*> all;
+    for (const ClassInfo* c : AllClasses()) {
+      all.emplace(AsciiLower(c->progId), c);
+      if (!c->classId.empty()) all.emplace(AsciiLower(c->classId), c);
     }
-  }
-  return nullptr;
+    return all;
+  }();
+  const auto it = classes.find(AsciiLower(identifier));
+  return it == classes.end() ? nullptr : it->second;
 }
 
 const Enumeration* FindEnumeration(std::string_view name) {
