@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <set>
+#include <string>
+#include <unordered_map>
 
 #include "automation/casefold.h"
 #include "contracts/component_kinds.h"
@@ -132,10 +134,16 @@ fs::path ResolveProjectPath(const fs::path& folder, std::string_view written) {
 }
 
 std::string FileKey(const fs::path& file) {
+  // A run asks for the key of each component file several times, and resolving a path reads
+  // every link on its way: each path is resolved once per run.
+  static std::unordered_map<std::string, std::string> keys;
+  const fs::path absolute = fs::absolute(file);
+  const auto known = keys.find(absolute.string());
+  if (known != keys.end()) return known->second;
   std::error_code ec;
-  fs::path key = fs::weakly_canonical(fs::absolute(file), ec);
-  if (ec) key = fs::absolute(file).lexically_normal();
-  return key.string();
+  fs::path key = fs::weakly_canonical(absolute, ec);
+  if (ec) key = absolute.lexically_normal();
+  return keys.emplace(absolute.string(), key.string()).first->second;
 }
 
 std::string ShowPath(const fs::path& file) {
