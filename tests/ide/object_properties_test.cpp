@@ -498,23 +498,7 @@ TEST(ObjectPropertiesOfOtherLibraries, TheExtendersPropertiesAreTypedAndDefaulte
 // Another library's lines are typed by their comments: 'True and 'False make a Boolean that
 // keeps VB6's form when written; an enumeration's description stays with its value.
 TEST(ObjectPropertiesOfOtherLibraries, CommentsKeepTheirFormWhenWritten) {
-  const std::string bytes =
-      "VERSION 5.00\r\n"
-      "Object = \"{831FDD16-0C5C-11D2-A9FC-0000F8754DA1}#2.0#0\"; \"MSCOMCTL.OCX\"\r\n"
-      "Begin VB.Form frmBars \r\n"
-      "   Begin MSComctlLib.Slider sldA \r\n"
-      "      Height          =   450\r\n"
-      "      _Version        =   393216\r\n"
-      "      Enabled         =   0   'False\r\n"
-      "      TickStyle       =   1  'sldTopLeft\r\n"
-      "      Max             =   20\r\n"
-      "   End\r\n"
-      "   Begin MSComctlLib.Slider sldB \r\n"
-      "      _Version        =   393216\r\n"
-      "      TickStyle       =   2  'sldBoth\r\n"
-      "   End\r\n"
-      "End\r\n";
-  ParsedForm form(bytes);
+  ParsedForm form(ReadBytes(std::string(QX_FIXTURES) + "/ide/components/frmBars.frm"));
   ObjectProperties slider = form.Object("sldA");
   EXPECT_EQ(slider.Get("Enabled"), Variant(false));
   EXPECT_EQ(slider.Get("TickStyle"), Variant::Long(1));
