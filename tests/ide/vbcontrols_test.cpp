@@ -198,12 +198,12 @@ TEST_F(VbControls, LiveControlsAnswerTheirTypesPropertiesWithDefaults) {
   EXPECT_EQ(none.Get("Format").ToString(), "");
 }
 
+// The list's own rules are the model's (ObjectPropertiesTest): the live control's members reach
+// them, and what they write reaches the file.
 TEST_F(VbControls, TheLiveListsMembersReachTheModelAndTheFile) {
   const Dispatch list = Live("lstItems");
   ASSERT_EQ(list.Get("ListCount").ToLong(), 3);
-  EXPECT_EQ(list.GetAt("List", Variant::Long(0)).ToString(), "Apple");
   EXPECT_EQ(list.GetAt("List", Variant::Long(2)).ToString(), "Cherry");
-  EXPECT_EQ(list.GetAt("List", Variant::Long(3)).ToString(), "");  // past the end
   EXPECT_EQ(list.GetAt("ItemData", Variant::Long(1)).ToLong(), 20);
 
   list.Call("AddItem", "Date");
@@ -212,16 +212,9 @@ TEST_F(VbControls, TheLiveListsMembersReachTheModelAndTheFile) {
   list.object()->Invoke("", "List", MemberKind::Put, put);
   ASSERT_EQ(list.Get("ListCount").ToLong(), 5);
   EXPECT_EQ(list.GetAt("List", Variant::Long(1)).ToString(), "Apricot");
-  EXPECT_EQ(list.GetAt("ItemData", Variant::Long(1)).ToLong(), 0);
-  EXPECT_EQ(list.GetAt("ItemData", Variant::Long(2)).ToLong(), 20);
   Args data{Variant::Long(4), Variant::Long(-7)};
   list.object()->Invoke("", "ItemData", MemberKind::Put, data);
   EXPECT_EQ(list.GetAt("ItemData", Variant::Long(4)).ToLong(), -7);
-  EXPECT_EQ(ErrorOf([&] {
-              Args past{Variant::Long(5), Variant("x")};
-              list.object()->Invoke("", "List", MemberKind::Put, past);
-            }),
-            381);
   Save();
   Start();
   const Dispatch again = Live("lstItems");
