@@ -5,7 +5,6 @@
 
 #include <functional>
 #include <limits>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,7 +12,6 @@
 #include "ide/code/code_module.h"
 #include "module_text.h"
 #include "platform/codepage.h"
-#include "support/bytes.h"
 #include "support/errors.h"
 
 namespace {
@@ -23,6 +21,7 @@ using qxtest::ErrorOf;
 using ide::CodeModule;
 using ide::ProcKind;
 using idetest::Crlf;
+using idetest::Fixture;
 using idetest::Module;
 
 struct Expected {
@@ -57,14 +56,8 @@ void ExpectProcedures(const CodeModule& code, const std::vector<Expected>& expec
   EXPECT_EQ(seen, expected.size());
 }
 
-// A component file of tests/fixtures/ide/components.
-std::unique_ptr<ide::ComponentFile> Fixture(const std::string& name,
-                                            ide::FileKind kind = ide::FileKind::kModule) {
-  return Module(qxtest::ReadBytes(std::string(QX_FIXTURES) + "/ide/components/" + name), kind);
-}
-
 TEST(CodeModule, PropertiesAreFoundByKindAndHiddenAttributesAreNotLines) {
-  auto file = Fixture("Class1.cls", ide::FileKind::kClass);
+  auto file = Fixture("components/Class1.cls", ide::FileKind::kClass);
   const CodeModule& code = file->Code();
   EXPECT_EQ(file->Name(), "Class1");
   EXPECT_EQ(code.CountOfLines(), 13);
@@ -138,7 +131,7 @@ TEST(CodeModule, ProcedureBoundariesOfModulesThatFoolSimpleParsers) {
   };
   for (const Shape& shape : shapes) {
     SCOPED_TRACE(shape.what);
-    auto file = Fixture(shape.file);
+    auto file = Fixture(std::string("components/") + shape.file);
     const CodeModule& code = file->Code();
     EXPECT_EQ(code.CountOfDeclarationLines(), shape.declarations);
     ExpectProcedures(code, shape.procedures);
