@@ -215,6 +215,11 @@ TEST_F(VbControls, TheLiveListsMembersReachTheModelAndTheFile) {
   Args data{Variant::Long(4), Variant::Long(-7)};
   list.object()->Invoke("", "ItemData", MemberKind::Put, data);
   EXPECT_EQ(list.GetAt("ItemData", Variant::Long(4)).ToLong(), -7);
+  EXPECT_EQ(ErrorOf([&] {
+              Args past{Variant::Long(5), Variant("x")};
+              list.object()->Invoke("", "List", MemberKind::Put, past);
+            }),
+            381);  // the model's refusal comes back
   Save();
   Start();
   const Dispatch again = Live("lstItems");
