@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -15,12 +14,7 @@
 #include "automation/object.h"
 #include "automation/process.h"
 #include "components/component_object.h"
-#include "contracts/host_classes.h"
-#include "ide/vbide/ide.h"
-#include "ide/vbide/vbproject.h"
-#include "project/ide_settings.h"
-#include "special/qxvb60.h"
-#include "support/driver_env.h"
+#include "support/driver_ide.h"
 
 namespace qxtest {
 
@@ -58,39 +52,19 @@ class RecordingScanner : public automation::Object {
   std::function<void(const automation::ObjectRef&)>& action_;
 };
 
-class ComponentEnv : public ::testing::Test {
+class ComponentEnv : public DriverIde {
  protected:
-  ComponentEnv() {
-    special::RegisterAddIn();
-    project::WriteAddInEntry();
+  ComponentEnv() : DriverIde("sample", "Sample.vbp") {
     automation::RegisterClass("qxlib41.Scanner", [this] {
       return std::make_shared<RecordingScanner>(scans_, scanAction_);
     });
-    folder_ = env_.CopyFixture("sample");
-    ide_ = ide::Ide::Start(File("Sample.vbp").string());
-    dispatcher_ = contracts::HostUtility::Get().GetRegisteredObject(File("Sample.vbp").string());
   }
-  ~ComponentEnv() override {
-    scanAction_ = nullptr;
-    if (ide_) ide_->End();
-  }
+  ~ComponentEnv() override { scanAction_ = nullptr; }
 
-  std::filesystem::path File(const std::string& name) const { return folder_ / name; }
-  std::string Bytes(const std::string& name) const { return qxtest::ReadBytes(File(name)); }
-
-  // A component object built by the dispatcher, as a collection's GetObject asks for it.
-  automation::ObjectRef Get(const char* factory, const std::string& name) const {
-    return automation::Dispatch(dispatcher_)
-        .Call(factory, automation::ObjectRef(), name)
-        .ToObject();
-  }
   automation::ObjectRef Module(const std::string& name) const { return Get("GetModule", name); }
 
   static int32_t ModeOf(const automation::ObjectRef& object) {
     return automation::As<components::ComponentObject>(object)->Mode();
-  }
-  static void SetMode(const automation::ObjectRef& object, int32_t mode) {
-    automation::Dispatch(object, "IObject").Call("SetMode", mode);
   }
   static automation::ObjectRef Procedures(const automation::ObjectRef& object) {
     return automation::Dispatch(object).Get("Procedures").ToObject();
@@ -101,21 +75,12 @@ class ComponentEnv : public ::testing::Test {
         automation::Dispatch(Procedures(object)).Call("Item", index).ToObject());
   }
 
-  // The IDE's component of that name, and the whole text of its code module.
-  automation::Dispatch IdeComponent(const std::string& name) const {
-    const automation::Dispatch components(
-        automation::Dispatch(ide_->VBProject()).Get("VBComponents").ToObject());
-    return automation::Dispatch(components.Call("Item", name).ToObject());
-  }
+  // The whole text of the IDE's code module of that name.
   std::string IdeCode(const std::string& name) const {
     const automation::Dispatch code(IdeComponent(name).Get("CodeModule").ToObject());
     return code.GetAt("Lines", 1, code.Get("CountOfLines").ToLong()).ToString();
   }
 
-  DriverEnv env_;
-  std::filesystem::path folder_;
-  std::unique_ptr<ide::Ide> ide_;
-  automation::ObjectRef dispatcher_;
   std::vector<ScanCall> scans_;
   std::function<void(const automation::ObjectRef&)> scanAction_;
 };

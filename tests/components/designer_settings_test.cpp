@@ -4,16 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 
 #include "automation/error.h"
-#include "contracts/host_classes.h"
-#include "ide/vbide/ide.h"
-#include "ide/vbide/vbproject.h"
-#include "project/ide_settings.h"
-#include "special/qxvb60.h"
-#include "support/driver_env.h"
+#include "support/driver_ide.h"
 #include "support/errors.h"
 
 namespace {
@@ -21,44 +15,19 @@ namespace {
 using automation::Dispatch;
 using automation::ObjectRef;
 using qxtest::Caught;
-using qxtest::DriverEnv;
 
-class DesignerSettingsTest : public ::testing::Test {
+class DesignerSettingsTest : public qxtest::DriverIde {
  protected:
-  DesignerSettingsTest() {
-    special::RegisterAddIn();
-    project::WriteAddInEntry();
-    folder_ = env_.CopyFixture("basic");
-    vbp_ = (folder_ / "Basic.vbp").string();
-    ide_ = ide::Ide::Start(vbp_);
-    dispatcher_ = contracts::HostUtility::Get().GetRegisteredObject(vbp_);
-  }
-  ~DesignerSettingsTest() override {
-    if (ide_) ide_->End();
-  }
+  DesignerSettingsTest() : DriverIde("basic", "Basic.vbp") {}
 
-  ObjectRef Get(const char* factory, const std::string& name) const {
-    return Dispatch(dispatcher_).Call(factory, ObjectRef(), name).ToObject();
-  }
-  static void SetMode(const ObjectRef& object, int32_t mode) {
-    Dispatch(object, "IObject").Call("SetMode", mode);
-  }
   Dispatch IdeProperty(const std::string& component, const std::string& name) const {
-    const Dispatch components(Dispatch(ide_->VBProject()).Get("VBComponents").ToObject());
-    const Dispatch properties(
-        Dispatch(components.Call("Item", component).ToObject()).Get("Properties").ToObject());
+    const Dispatch properties(IdeComponent(component).Get("Properties").ToObject());
     return Dispatch(properties.Call("Item", name).ToObject());
   }
-
-  DriverEnv env_;
-  std::filesystem::path folder_;
-  std::string vbp_;
-  std::unique_ptr<ide::Ide> ide_;
-  ObjectRef dispatcher_;
 };
 
 TEST_F(DesignerSettingsTest, APagesBuildFileAndSourceFileGoThroughTheIdesProperties) {
-  const std::string dsr = qxtest::ReadBytes(folder_ / "DHTMLPage1.Dsr");
+  const std::string dsr = Bytes("DHTMLPage1.Dsr");
   const ObjectRef page = Get("GetDHTMLPage", "DHTMLPage1");
   SetMode(page, 1);
   EXPECT_EQ(Dispatch(page).Get("BuildFile").ToString(), "DHTMLPage1.htm");
@@ -72,13 +41,13 @@ TEST_F(DesignerSettingsTest, APagesBuildFileAndSourceFileGoThroughTheIdesPropert
   std::string expected = dsr;
   expected.replace(expected.find("BuildFile       =   \"DHTMLPage1.htm\""), 36,
                    "BuildFile       =   \"out\\Page.htm\"");
-  EXPECT_EQ(qxtest::ReadBytes(folder_ / "DHTMLPage1.Dsr"), expected);
+  EXPECT_EQ(Bytes("DHTMLPage1.Dsr"), expected);
   EXPECT_EQ(Caught([&] { Dispatch(page).Get("BuildFile"); }).Number(),
             automation::err::kObjectNotSet);
 }
 
 TEST_F(DesignerSettingsTest, AUserConnectionsSettingsAreReadAndNeverWritten) {
-  const std::string dsr = qxtest::ReadBytes(folder_ / "UserConnection1.Dsr");
+  const std::string dsr = Bytes("UserConnection1.Dsr");
   const ObjectRef connection = Get("GetUserConnection", "UserConnection1");
   EXPECT_EQ(connection->Class().name, "UserConnection");
   SetMode(connection, 1);
@@ -104,7 +73,7 @@ TEST_F(DesignerSettingsTest, AUserConnectionsSettingsAreReadAndNeverWritten) {
         << name;
   }
   SetMode(connection, 0);
-  EXPECT_EQ(qxtest::ReadBytes(folder_ / "UserConnection1.Dsr"), dsr);
+  EXPECT_EQ(Bytes("UserConnection1.Dsr"), dsr);
 }
 
 }  // namespace

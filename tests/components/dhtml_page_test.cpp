@@ -7,17 +7,11 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <memory>
 #include <string>
 
 #include "automation/error.h"
-#include "contracts/host_classes.h"
-#include "ide/vbide/ide.h"
-#include "ide/vbide/vbproject.h"
-#include "project/ide_settings.h"
 #include "special/dhtml_page.h"
-#include "special/qxvb60.h"
-#include "support/driver_env.h"
+#include "support/driver_ide.h"
 #include "support/errors.h"
 
 namespace {
@@ -26,8 +20,6 @@ namespace fs = std::filesystem;
 using automation::Dispatch;
 using automation::ObjectRef;
 using qxtest::Caught;
-using qxtest::DriverEnv;
-
 using qxtest::Le32;
 
 // A page record as our fixtures lay it out: a u32 counting the rest, sixteen binary bytes, a
@@ -39,43 +31,17 @@ std::string PageRecord(const std::string& text) {
   return Le32(static_cast<uint32_t>(rest.size())) + rest;
 }
 
-class DhtmlPageTest : public ::testing::Test {
+class DhtmlPageTest : public qxtest::DriverIde {
  protected:
-  DhtmlPageTest() {
-    special::RegisterAddIn();
-    project::WriteAddInEntry();
-    folder_ = env_.CopyFixture("pages");
-    ide_ = ide::Ide::Start(File("Pages.vbp").string());
-    dispatcher_ = contracts::HostUtility::Get().GetRegisteredObject(File("Pages.vbp").string());
-  }
-  ~DhtmlPageTest() override {
-    if (ide_) ide_->End();
-  }
+  DhtmlPageTest() : DriverIde("pages", "Pages.vbp") {}
 
-  fs::path File(const std::string& name) const { return folder_ / name; }
-  std::string Bytes(const std::string& name) const { return qxtest::ReadBytes(File(name)); }
-
-  ObjectRef Page(const std::string& name) const {
-    return Dispatch(dispatcher_).Call("GetDHTMLPage", ObjectRef(), name).ToObject();
-  }
-  static void SetMode(const ObjectRef& object, int32_t mode) {
-    Dispatch(object, "IObject").Call("SetMode", mode);
-  }
+  ObjectRef Page(const std::string& name) const { return Get("GetDHTMLPage", name); }
   static std::string Html(const ObjectRef& page) { return Dispatch(page).Get("HTML").ToString(); }
-  Dispatch IdeComponent(const std::string& name) const {
-    const Dispatch components(Dispatch(ide_->VBProject()).Get("VBComponents").ToObject());
-    return Dispatch(components.Call("Item", name).ToObject());
-  }
   std::string PageFile(const std::string& name) const {
     return Dispatch(IdeComponent(name).Get("Designer").ToObject(), "IDHTMLPageDesigner")
         .Get("PageFile")
         .ToString();
   }
-
-  DriverEnv env_;
-  fs::path folder_;
-  std::unique_ptr<ide::Ide> ide_;
-  ObjectRef dispatcher_;
 };
 
 TEST_F(DhtmlPageTest, TheHtmlOfAnExternalSourceFileIsReadByItsLinesAndWrittenThroughTheFile) {

@@ -14,6 +14,7 @@
 #include "automation/error.h"
 #include "automation/object.h"
 #include "scan_harness.h"
+#include "support/stand_in_list.h"
 
 namespace {
 
@@ -89,32 +90,8 @@ class StandInControl : public automation::Object {
   bool isList_;
 };
 
-class StandInControls : public automation::Object {
- public:
-  const automation::ClassInfo& Class() const override {
-    static const automation::ClassInfo info = automation::ClassBuilder<StandInControls>("Controls")
-                                                  .Get("Count", &StandInControls::Count)
-                                                  .Method("Item", &StandInControls::Item, {"Index"})
-                                                  .Build();
-    return info;
-  }
-  int32_t Count() const { return static_cast<int32_t>(items.size()); }
-  ObjectRef Item(const automation::Variant& index) { return items.at(index.ToLong()); }
-
-  std::vector<std::shared_ptr<StandInControl>> items;
-};
-
-class StandInProcedures : public automation::Object {
- public:
-  const automation::ClassInfo& Class() const override {
-    static const automation::ClassInfo info =
-        automation::ClassBuilder<StandInProcedures>("Procedures")
-            .Get("Count", &StandInProcedures::Count)
-            .Build();
-    return info;
-  }
-  int32_t Count() const { return 0; }
-};
+using StandInControls = qxtest::StandInList<StandInControl>;
+using StandInProcedures = qxtest::StandInList<automation::Object>;  // a form without code
 
 // A form: Name, Caption, Tag, LinkTopic (read only here, as a user connection's settings are),
 // ScaleWidth, Controls and Procedures; SetMode on IObject.

@@ -15,6 +15,7 @@
 #include "host/scan/scan_buffer.h"
 #include "scan_harness.h"
 #include "support/errors.h"
+#include "support/stand_in_list.h"
 
 namespace {
 
@@ -63,25 +64,7 @@ class StandInProcedure : public automation::Object {
   std::string name_;
 };
 
-class StandInProcedures : public automation::Object {
- public:
-  const automation::ClassInfo& Class() const override {
-    static const automation::ClassInfo info =
-        automation::ClassBuilder<StandInProcedures>("Procedures")
-            .Get("Count", &StandInProcedures::Count)
-            .Method("Item", &StandInProcedures::Item, {"Index"})
-            .Build();
-    return info;
-  }
-  int32_t Count() const { return static_cast<int32_t>(items.size()); }
-  ObjectRef Item(const automation::Variant& index) {
-    const int32_t i = index.ToLong();
-    if (i < 0 || i >= Count()) automation::Raise(automation::err::kSubscript);
-    return items[static_cast<size_t>(i)];
-  }
-
-  std::vector<std::shared_ptr<StandInProcedure>> items;
-};
+using StandInProcedures = qxtest::StandInList<StandInProcedure>;
 
 // A component object as the driver makes one: Name (read and written) and Procedures on its own
 // interface, SetMode on IObject. Mode 2 is refused while `pendingChanges` is set, which leaves

@@ -21,6 +21,7 @@ using qxtest::ErrorOf;
 using ide::CodeModule;
 using ide::ProcKind;
 using idetest::Crlf;
+using idetest::Fixture;
 using idetest::Module;
 
 struct Expected {
@@ -56,27 +57,7 @@ void ExpectProcedures(const CodeModule& code, const std::vector<Expected>& expec
 }
 
 TEST(CodeModule, PropertiesAreFoundByKindAndHiddenAttributesAreNotLines) {
-  auto file = Module(Crlf({"VERSION 1.0 CLASS",
-                           "BEGIN",
-                           "  MultiUse = -1  'True",
-                           "END",
-                           "Attribute VB_Name = \"Class1\"",
-                           "Attribute VB_Exposed = False",
-                           "Option Explicit",
-                           "Private mValue As Long",
-                           "",
-                           "Public Property Get Value() As Long",
-                           "Attribute Value.VB_UserMemId = 0",
-                           "    Value = mValue",
-                           "End Property",
-                           "",
-                           "Public Property Let Value(ByVal v As Long)",
-                           "    mValue = v",
-                           "End Property",
-                           "",
-                           "Public Property Set Target(ByVal o As Object)",
-                           "End Property"}),
-                     ide::FileKind::kClass);
+  auto file = Fixture("components/Class1.cls", ide::FileKind::kClass);
   const CodeModule& code = file->Code();
   EXPECT_EQ(file->Name(), "Class1");
   EXPECT_EQ(code.CountOfLines(), 13);
@@ -97,7 +78,7 @@ TEST(CodeModule, PropertiesAreFoundByKindAndHiddenAttributesAreNotLines) {
 // inside them, the procedure that owns the line.
 struct Shape {
   const char* what;
-  std::string text;
+  const char* file;
   int declarations;
   std::vector<Expected> procedures;
   std::vector<std::pair<int, const char*>> owners;
@@ -106,119 +87,42 @@ struct Shape {
 TEST(CodeModule, ProcedureBoundariesOfModulesThatFoolSimpleParsers) {
   const Shape shapes[] = {
       {"comments above a heading belong to its procedure, trailing lines to the last one",
-       Crlf({"Attribute VB_Name = \"Module1\"", "Option Explicit", "", "' Adds two numbers",
-             "Public Function Add(a As Long, b As Long) As Long", "    Add = a + b", "End Function",
-             "", "' second", "Private Sub Beta()", "End Sub", "", ""}),
+       "modComments.bas",
        1,
        {{"Add", ProcKind::kProc, 2, 4, 5}, {"Beta", ProcKind::kProc, 7, 9, 6}},
        {{1, ""}, {3, "Add"}, {12, "Beta"}}},
+      // Declarations, a Const holding "End Sub", a heading continued over four lines.
       {"headings with modifiers, continuations, strings and comments",
-       Crlf({
-           "Option Explicit",                                                    // 1
-           "Private Declare Function GetTickCount Lib \"kernel32\" () As Long",  // 2
-           "Public Event Changed(ByVal What As String)",                         // 3
-           "Private Type Point",                                                 // 4
-           "    X As Long",                                                      // 5
-           "End Type",                                                           // 6
-           "Public Enum Colour",                                                 // 7
-           "    Red = 1",                                                        // 8
-           "End Enum",                                                           // 9
-           "Const Msg = \"End Sub ' not a comment\"",                            // 10
-           "' Sub Fake() in a comment",                                          // 11
-           "Rem Function AlsoFake()",                                            // 12
-           "Private Static Function _",                                          // 13
-           "    Spread( _",                                                      // 14
-           "        ByVal a As Long) _",                                         // 15
-           "    As Long",                                                        // 16
-           "    Dim s As String: s = \"End Function\"",                          // 17
-           "    Spread = a ' End Function",                                      // 18
-           "End Function ' done",                                                // 19
-           "Friend Sub F(): End Sub",                                            // 20
-           "Public Static Sub Counter()",                                        // 21
-           "10 End Sub",                                                         // 22
-       }),
+       "modHeadings.bas",
        10,
        {{"Spread", ProcKind::kProc, 11, 13, 9},
         {"F", ProcKind::kProc, 20, 20, 1},
         {"Counter", ProcKind::kProc, 21, 21, 2}},
        {{15, "Spread"}}},  // inside the continued heading
+      // A comment continued onto a Sub line; a _ inside a string.
       {"continued comments and strings do not open procedures",
-       Crlf({
-           "Option Explicit",                          // 1
-           "' a comment that goes on _",               // 2
-           "Sub NotAHeading()",                        // 3: still the comment
-           "Private Const Q = \"a \"\" _\"",           // 4: the _ is inside the string
-           "Sub Real()",                               // 5
-           "    MsgBox \"Sub Inner() \"\" End Sub\"",  // 6
-           "    ' End Sub",                            // 7
-           "End Sub",                                  // 8
-       }),
+       "modContinued.bas",
        4,
        {{"Real", ProcKind::kProc, 5, 5, 4}},
        {}},
       {"conditional compilation with the same heading in both branches",
-       Crlf({
-           "Option Explicit",                                                            // 1
-           "#If VBA7 Then",                                                              // 2
-           "Private Declare PtrSafe Function GetTickCount Lib \"kernel32\" () As Long",  // 3
-           "#Else",                                                                      // 4
-           "Private Declare Function GetTickCount Lib \"kernel32\" () As Long",          // 5
-           "#End If",                                                                    // 6
-           "",                                                                           // 7
-           "#If Win64 Then",                                                             // 8
-           "Public Function Handle() As LongPtr",                                        // 9
-           "#Else",                                                                      // 10
-           "Public Function Handle() As Long",                                           // 11
-           "#End If",                                                                    // 12
-           "    Handle = 0",                                                             // 13
-           "End Function",                                                               // 14
-           "",                                                                           // 15
-           "#If DEBUG_BUILD Then",                                                       // 16
-           "Public Sub Trace(ByVal s As String)",                                        // 17
-           "    Debug.Print s",                                                          // 18
-           "End Sub",                                                                    // 19
-           "#Else",                                                                      // 20
-           "Public Sub Trace(ByVal s As String)",                                        // 21
-           "End Sub",                                                                    // 22
-           "#End If",                                                                    // 23
-           "Sub Last()",                                                                 // 24
-           "End Sub",                                                                    // 25
-       }),
+       "modConditional.bas",
        8,
        {{"Handle", ProcKind::kProc, 9, 9, 6},
         {"Trace", ProcKind::kProc, 15, 17, 8},
         {"Last", ProcKind::kProc, 23, 24, 3}},
        {}},
+      // Stray Ends, a procedure without one, a heading cut short at the end.
       {"broken structure gives a best-effort model",
-       Crlf({
-           "Option Explicit",  // 1
-           "End Sub",          // 2: an End without a heading, before any procedure
-           "Sub A()",          // 3
-           "    x = 1",        // 4: A has no End
-           "Sub B()",          // 5
-           "End Sub",          // 6
-           "End Function",     // 7: another stray End
-           "' tail",           // 8
-           "Sub C(",           // 9: a heading cut short at the end of the module
-       }),
+       "modBroken.bas",
        2,
        {{"A", ProcKind::kProc, 3, 3, 2},
         {"B", ProcKind::kProc, 5, 5, 2},
         {"C", ProcKind::kProc, 7, 9, 3}},
        {}},
-      {"only declarations", Crlf({"Option Explicit", "Dim x As Long", "", "' the end"}), 4, {}, {}},
+      {"only declarations", "modDeclarations.bas", 4, {}, {}},
       {"comments right below an End belong to the next procedure",
-       Crlf({
-           "Option Explicit",      // 1
-           "Sub A()",              // 2
-           "End Sub",              // 3
-           "' about B, no blank",  // 4
-           "Sub B()",              // 5
-           "End Sub",              // 6
-           "Sub C(): End Sub",     // 7: right below, no comment either
-           "",                     // 8
-           "' trailing, after C",  // 9
-       }),
+       "modBelow.bas",
        1,
        {{"A", ProcKind::kProc, 2, 2, 2},
         {"B", ProcKind::kProc, 4, 5, 3},
@@ -227,7 +131,7 @@ TEST(CodeModule, ProcedureBoundariesOfModulesThatFoolSimpleParsers) {
   };
   for (const Shape& shape : shapes) {
     SCOPED_TRACE(shape.what);
-    auto file = Module(shape.text);
+    auto file = Fixture(std::string("components/") + shape.file);
     const CodeModule& code = file->Code();
     EXPECT_EQ(code.CountOfDeclarationLines(), shape.declarations);
     ExpectProcedures(code, shape.procedures);

@@ -19,13 +19,9 @@ using ide::ComponentFile;
 using ide::FileKind;
 using ide::ProcKind;
 using idetest::Crlf;
+using idetest::Fixture;
 using idetest::Module;
 using idetest::RenderThroughLines;
-
-std::unique_ptr<ComponentFile> Fixture(const std::string& relative, FileKind kind,
-                                       int codePage = 1252) {
-  return Module(idetest::ReadBytes(std::string(QX_FIXTURES) + "/ide/" + relative), kind, codePage);
-}
 
 int LoadError(const std::string& bytes, FileKind kind) {
   return qxtest::ErrorOf([&] { Module(bytes, kind); });
@@ -135,6 +131,24 @@ TEST(ComponentFile, MemberAttributesStayWithTheirMember) {
             std::string::npos);
   // One more empty line precedes the heading: the inserted CR LF.
   EXPECT_EQ(code.ProcBodyLine("Balance", ProcKind::kGet), start + 2);
+
+  // A heading continued onto a second line gets them back after its last line.
+  auto wide = Module(Crlf({"Attribute VB_Name = \"modSums\"", "Public Function Total( _",
+                           "    ByVal a As Long) As Long",
+                           "Attribute Total.VB_Description = \"The sum.\"", "End Function"}));
+  ide::CodeModule& sums = wide->Code();
+  const std::string whole = sums.Lines(1, sums.CountOfLines());
+  sums.DeleteLines(1, sums.CountOfLines());
+  sums.InsertLines(1, whole);
+  EXPECT_NE(wide->Render().find("As Long\r\nAttribute Total.VB_Description"), std::string::npos)
+      << wide->Render();
+  // So does a heading on the module's last line, with nothing after it.
+  auto cut = Module(Crlf({"Attribute VB_Name = \"modCut\"", "Sub Last()",
+                          "Attribute Last.VB_Description = \"Cut.\""}));
+  cut->Code().DeleteLines(1);
+  cut->Code().InsertLines(1, "Sub Last()");
+  EXPECT_NE(cut->Render().find("Sub Last()\r\nAttribute Last.VB_Description"), std::string::npos)
+      << cut->Render();
 
   // A member that is deleted for good takes its attributes with it, as in VB6.
   start = code.ProcStartLine("Balance", ProcKind::kGet);

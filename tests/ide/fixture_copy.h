@@ -3,7 +3,6 @@
 // the home: what is there is the home's private state.)
 
 #include <filesystem>
-#include <map>
 #include <string>
 
 #include "ide/model/component_file.h"
@@ -29,18 +28,8 @@ class FixtureCopy {
 };
 
 using qxtest::ReadBytes;
+using qxtest::Snapshot;
 using qxtest::WriteBytes;
-
-// Every file under a folder with its bytes, by path relative to the folder.
-inline std::map<std::string, std::string> Snapshot(const std::filesystem::path& dir) {
-  std::map<std::string, std::string> files;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(dir)) {
-    if (entry.is_regular_file()) {
-      files[std::filesystem::relative(entry.path(), dir).string()] = ReadBytes(entry.path());
-    }
-  }
-  return files;
-}
 
 // What saving writes once every line went through the line writer (an edit and its undo), as
 // after a real replace, instead of the bytes that were read.

@@ -9,6 +9,7 @@
 
 #include "ide/model/component_file.h"
 #include "platform/codepage.h"
+#include "support/bytes.h"
 
 namespace idetest {
 
@@ -17,6 +18,13 @@ inline std::unique_ptr<ide::ComponentFile> Module(std::string_view code,
                                                   int codePage = 1252) {
   return ide::ComponentFile::Parse(std::string(code), kind, platform::GetCodePage(codePage),
                                    "test.bas");
+}
+
+// A component file of tests/fixtures/ide, by its path there.
+inline std::unique_ptr<ide::ComponentFile> Fixture(const std::string& relative,
+                                                   ide::FileKind kind = ide::FileKind::kModule,
+                                                   int codePage = 1252) {
+  return Module(qxtest::ReadBytes(std::string(QX_FIXTURES) + "/ide/" + relative), kind, codePage);
 }
 
 // Lines joined with CR LF, each ended by one (as VB6 writes files).

@@ -1,5 +1,5 @@
 // Damaged files: the fixtures cut short, with stray line breaks, NUL and 0xFF bytes, and lines
-// duplicated or lost, a few hundred times over with a fixed seed. Whatever the damage, reading
+// duplicated or lost, a thousand times over with a fixed seed. Whatever the damage, reading
 // never crashes or hangs: a file either gives a clear "Invalid file format" or a model whose
 // procedures can be walked, and a file that loads is written back byte for byte, both as read
 // and through the line writer.
@@ -105,7 +105,7 @@ TEST(Mutation, DamagedFilesLoadOrFailCleanlyAndResaveByteForByte) {
   std::mt19937 random(20240611);
   int loaded = 0;
   int refused = 0;
-  for (int round = 0; round < 400; ++round) {
+  for (int round = 0; round < 1000; ++round) {
     const std::size_t index = random() % fixtures.size();
     const idetest::FixtureFile& fixture = fixtures[index];
     std::string bytes = originals[index];

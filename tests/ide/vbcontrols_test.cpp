@@ -47,18 +47,18 @@ std::multiset<std::string> Missing(const std::string& from, const std::string& i
   return missing;
 }
 
-class VbControls : public ::testing::Test {
+class VbControls : public vbidetest::IdeOnCopy {
  protected:
   void SetUp() override {
-    copy_ = std::make_unique<FixtureCopy>("controls");
-    Start();
+    Open("controls", "Controls.vbp");
+    FindForm();
   }
-  // Starts the IDE for the copy (again).
   void Start() {
-    ide_.reset();
-    ide_ = ide::Ide::Start(copy_->Path("Controls.vbp"));
-    components_ = Dispatch(Dispatch(ide_->VBProject()).Get("VBComponents").ToObject());
-    form_ = Dispatch(components_.Call("Item", "frmControls").ToObject());
+    Restart();
+    FindForm();
+  }
+  void FindForm() {
+    form_ = Component("frmControls");
     controls_ = Dispatch(Dispatch(form_.Get("Designer").ToObject()).Get("VBControls").ToObject());
   }
 
@@ -84,12 +84,9 @@ class VbControls : public ::testing::Test {
   static void Reindex(const Dispatch& control, int32_t index) {
     Property(control, "Index").Put("Value", Variant::Long(index));
   }
-  std::string FormBytes() const { return ReadBytes(copy_->Path("frmControls.frm")); }
-  void Save() const { form_.Call("SaveAs", copy_->Path("frmControls.frm")); }
+  std::string FormBytes() const { return ReadBytes(Path("frmControls.frm")); }
+  void Save() const { form_.Call("SaveAs", Path("frmControls.frm")); }
 
-  std::unique_ptr<FixtureCopy> copy_;
-  std::unique_ptr<ide::Ide> ide_;
-  Dispatch components_{nullptr};
   Dispatch form_{nullptr};
   Dispatch controls_{nullptr};
 };
@@ -129,8 +126,7 @@ TEST_F(VbControls, EveryControlInFileOrderByPositionNameOrArrayIndex) {
   EXPECT_EQ(Control("mnuFileOpen").Get("Container").ToObject(), Control("mnuFile").object());
 
   // A module has no designer.
-  EXPECT_EQ(Dispatch(components_.Call("Item", "modMain").ToObject()).Get("Designer").ToObject(),
-            nullptr);
+  EXPECT_EQ(Component("modMain").Get("Designer").ToObject(), nullptr);
 }
 
 TEST_F(VbControls, ProgIdClassNameAndControlType) {
@@ -202,12 +198,12 @@ TEST_F(VbControls, LiveControlsAnswerTheirTypesPropertiesWithDefaults) {
   EXPECT_EQ(none.Get("Format").ToString(), "");
 }
 
+// The list's own rules are the model's (ObjectPropertiesTest): the live control's members reach
+// them, and what they write reaches the file.
 TEST_F(VbControls, TheLiveListsMembersReachTheModelAndTheFile) {
   const Dispatch list = Live("lstItems");
   ASSERT_EQ(list.Get("ListCount").ToLong(), 3);
-  EXPECT_EQ(list.GetAt("List", Variant::Long(0)).ToString(), "Apple");
   EXPECT_EQ(list.GetAt("List", Variant::Long(2)).ToString(), "Cherry");
-  EXPECT_EQ(list.GetAt("List", Variant::Long(3)).ToString(), "");  // past the end
   EXPECT_EQ(list.GetAt("ItemData", Variant::Long(1)).ToLong(), 20);
 
   list.Call("AddItem", "Date");
@@ -216,8 +212,6 @@ TEST_F(VbControls, TheLiveListsMembersReachTheModelAndTheFile) {
   list.object()->Invoke("", "List", MemberKind::Put, put);
   ASSERT_EQ(list.Get("ListCount").ToLong(), 5);
   EXPECT_EQ(list.GetAt("List", Variant::Long(1)).ToString(), "Apricot");
-  EXPECT_EQ(list.GetAt("ItemData", Variant::Long(1)).ToLong(), 0);
-  EXPECT_EQ(list.GetAt("ItemData", Variant::Long(2)).ToLong(), 20);
   Args data{Variant::Long(4), Variant::Long(-7)};
   list.object()->Invoke("", "ItemData", MemberKind::Put, data);
   EXPECT_EQ(list.GetAt("ItemData", Variant::Long(4)).ToLong(), -7);
@@ -225,7 +219,7 @@ TEST_F(VbControls, TheLiveListsMembersReachTheModelAndTheFile) {
               Args past{Variant::Long(5), Variant("x")};
               list.object()->Invoke("", "List", MemberKind::Put, past);
             }),
-            381);
+            381);  // the model's refusal comes back
   Save();
   Start();
   const Dispatch again = Live("lstItems");
@@ -403,9 +397,9 @@ TEST_F(VbControls, ControlsAreFoundAgainWhenTheFileIsReadAgain) {
   const std::size_t begin = bytes.find("   Begin VB.ListBox lstItems");
   const std::size_t end = bytes.find("   End\r\n", begin) + 8;
   bytes.erase(begin, end - begin);
-  idetest::WriteBytes(copy_->Path("frmControls.frm"), bytes);
+  idetest::WriteBytes(Path("frmControls.frm"), bytes);
   std::filesystem::last_write_time(
-      copy_->Path("frmControls.frm"),
+      Path("frmControls.frm"),
       std::filesystem::file_time_type::clock::now() + std::chrono::seconds(5));
 
   EXPECT_EQ(Dispatch(one.Get("ControlObject").ToObject()).Get("Caption").ToString(), "Eins");

@@ -19,27 +19,16 @@ using automation::Args;
 using automation::Dispatch;
 using automation::MemberKind;
 using automation::ObjectRef;
-using idetest::FixtureCopy;
 using idetest::ReadBytes;
 using vbidetest::ErrorOf;
 
-class VbideObjects : public ::testing::Test {
+class VbideObjects : public vbidetest::IdeOnCopy {
  protected:
   void Open(const std::string& fixture, const std::string& projectFile) {
-    copy_ = std::make_unique<FixtureCopy>(fixture);
-    ide_ = ide::Ide::Start(copy_->Path(projectFile));
+    IdeOnCopy::Open(fixture, projectFile);
     ASSERT_TRUE(ide_->Problems().empty());  // no vbaddin.ini: no add-ins, nothing to note
     ASSERT_TRUE(ide_->AddIns().empty());
-    components_ = Dispatch(Dispatch(ide_->VBProject()).Get("VBComponents").ToObject());
   }
-  Dispatch Component(const automation::Variant& index) const {
-    return Dispatch(components_.Call("Item", index).ToObject());
-  }
-  std::string Path(const std::string& file) const { return copy_->Path(file); }
-
-  std::unique_ptr<FixtureCopy> copy_;
-  std::unique_ptr<ide::Ide> ide_;
-  Dispatch components_{nullptr};
 };
 
 TEST_F(VbideObjects, ComponentsComeInProjectOrderByNumberOrName) {

@@ -20,29 +20,16 @@ namespace {
 using automation::Currency;
 using automation::Dispatch;
 using automation::Variant;
-using idetest::FixtureCopy;
 using vbidetest::ErrorOf;
 
-class VbideProperties : public ::testing::Test {
+class VbideProperties : public vbidetest::IdeOnCopy {
  protected:
-  void Open(const std::string& fixture, const std::string& projectFile) {
-    copy_ = std::make_unique<FixtureCopy>(fixture);
-    ide_ = ide::Ide::Start(copy_->Path(projectFile));
-    components_ = Dispatch(Dispatch(ide_->VBProject()).Get("VBComponents").ToObject());
-  }
-  Dispatch Component(const Variant& index) const {
-    return Dispatch(components_.Call("Item", index).ToObject());
-  }
   Dispatch Properties(const Variant& component) const {
     return Dispatch(Component(component).Get("Properties").ToObject());
   }
   Dispatch Item(const Variant& component, const Variant& property) const {
     return Dispatch(Properties(component).Call("Item", property).ToObject());
   }
-
-  std::unique_ptr<FixtureCopy> copy_;
-  std::unique_ptr<ide::Ide> ide_;
-  Dispatch components_{nullptr};
 };
 
 TEST_F(VbideProperties, AFormListsItsWindowPropertiesByNameAndPosition) {

@@ -1,6 +1,9 @@
 #pragma once
-// What the tests of the IDE's automation objects share: add-ins registered as test classes that
-// write what the IDE calls into one log, the vbaddin.ini that names them, and error catching.
+// What the tests of the IDE's automation objects share: the IDE started on a private copy of a
+// fixture project, add-ins registered as test classes that write what the IDE calls into one
+// log, the vbaddin.ini that names them, and error catching.
+
+#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -12,6 +15,9 @@
 
 #include "automation/error.h"
 #include "automation/object.h"
+#include "fixture_copy.h"
+#include "ide/vbide/ide.h"
+#include "ide/vbide/vbproject.h"
 #include "platform/home.h"
 #include "support/errors.h"
 
@@ -148,5 +154,30 @@ inline void WriteAddInIni(const std::string& bytes) {
 }
 
 using qxtest::ErrorOf;
+
+// The IDE on a private copy of a fixture project, without add-ins, and the project's components.
+class IdeOnCopy : public ::testing::Test {
+ protected:
+  void Open(const std::string& fixture, const std::string& projectFile) {
+    copy_ = std::make_unique<idetest::FixtureCopy>(fixture);
+    projectFile_ = projectFile;
+    Restart();
+  }
+  // Starts the IDE for the copy again: what it knows comes from the files.
+  void Restart() {
+    ide_.reset();
+    ide_ = ide::Ide::Start(Path(projectFile_));
+    components_ = Dispatch(Dispatch(ide_->VBProject()).Get("VBComponents").ToObject());
+  }
+  Dispatch Component(const Variant& index) const {
+    return Dispatch(components_.Call("Item", index).ToObject());
+  }
+  std::string Path(const std::string& file) const { return copy_->Path(file); }
+
+  std::unique_ptr<idetest::FixtureCopy> copy_;
+  std::string projectFile_;
+  std::unique_ptr<ide::Ide> ide_;
+  Dispatch components_{nullptr};
+};
 
 }  // namespace vbidetest

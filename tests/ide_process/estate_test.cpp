@@ -18,14 +18,8 @@ namespace {
 namespace fs = std::filesystem;
 using qxtest::IdeProcesses;
 using qxtest::JsonLines;
+using qxtest::Occurrences;
 using qxtest::ReadBytes;
-
-size_t Count(const std::string& text, const std::string& word) {
-  size_t count = 0;
-  for (size_t at = text.find(word); at != std::string::npos; at = text.find(word, at + 1))
-    ++count;
-  return count;
-}
 
 class Estate : public IdeProcesses {
  protected:
@@ -56,7 +50,7 @@ TEST_F(Estate, AFolderRunSearchesEveryProjectAnIdeCouldOpenAndNamesEachProblemsP
   // If, ...) is only code; every code page fixture has some.
   size_t expected = 0;
   for (const fs::path& file : Loadable())
-    expected += Count(ReadBytes(file), "End ");
+    expected += Occurrences(ReadBytes(file), "End ");
   ASSERT_GE(expected, 18u);
 
   const auto run = Qx({"search", "--json", "-F", "End ", "estate"}, work().string());
@@ -88,7 +82,7 @@ TEST_F(Estate, AFolderRunSearchesEveryProjectAnIdeCouldOpenAndNamesEachProblemsP
   EXPECT_EQ(summary["data"]["projects"]["with_notes"], 4);
   EXPECT_EQ(summary["data"]["projects"]["components_skipped"], 4);
   // The registry is the user's: the run's view of it is never written there.
-  EXPECT_EQ(Count(ReadBytes(home() / "registry.reg"), "6C3A0C1E"), 0u);
+  EXPECT_EQ(Occurrences(ReadBytes(home() / "registry.reg"), "6C3A0C1E"), 0u);
 
   // As text, each problem begins with its project; missing libraries do not change the status.
   const auto orders = Qx({"search", "-F", "Then", "estate/Orders"}, work().string());
@@ -130,7 +124,7 @@ TEST_F(Estate, AProjectWithAMissingFileIsWrittenWhereItCanBeAndItsProjectFileKee
                            "found: estate/Shared/modShared.bas"),
             std::string::npos)
       << write.err;
-  EXPECT_EQ(Count(ReadBytes(gaps / "frmMain.frm"), "txtFullName"), 3u);
+  EXPECT_EQ(Occurrences(ReadBytes(gaps / "frmMain.frm"), "txtFullName"), 3u);
   EXPECT_EQ(ReadBytes(gaps / "Gaps.vbp"), vbp);
 }
 
@@ -162,7 +156,7 @@ TEST_F(Estate, ARefusedPlaceKeepsItsBytesAndTheWriteIsThePreview) {
     return out.substr(0, out.rfind('\n', out.size() - 2) + 1);
   };
   EXPECT_EQ(diff(write.out), diff(preview.out));
-  EXPECT_EQ(Count(preview.out, "\n+\n"), 0u) << "no empty line the write would not make";
+  EXPECT_EQ(Occurrences(preview.out, "\n+\n"), 0u) << "no empty line the write would not make";
 }
 
 }  // namespace

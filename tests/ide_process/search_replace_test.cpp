@@ -20,7 +20,9 @@ namespace {
 
 namespace fs = std::filesystem;
 using qxtest::IdeProcesses;
+using qxtest::Occurrences;
 using qxtest::ReadBytes;
+using qxtest::Snapshot;
 
 // The verb with the rest of its arguments, narrowed to the kinds whose components qx can open.
 std::vector<std::string> InCode(const std::string& verb, const std::vector<std::string>& rest) {
@@ -29,34 +31,16 @@ std::vector<std::string> InCode(const std::string& verb, const std::vector<std::
   return args;
 }
 
-// Every file of the folder, by its path inside it.
-std::map<std::string, std::string> Snapshot(const fs::path& folder) {
-  std::map<std::string, std::string> files;
-  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-    if (entry.is_regular_file()) {
-      files[fs::relative(entry.path(), folder).string()] = ReadBytes(entry.path());
-    }
-  }
-  return files;
-}
-
-size_t Count(const std::string& text, const std::string& word) {
-  size_t count = 0;
-  for (size_t at = text.find(word); at != std::string::npos; at = text.find(word, at + 1))
-    ++count;
-  return count;
-}
-
 TEST_F(IdeProcesses, SearchFindsWhatACountOfTheFilesFindsAndEndsTheIdeItStarted) {
   const fs::path folder = work() / "Inventory";
-  const size_t expected = Count(ReadBytes(folder / "CStockItem.cls"), "oldValue") +
-                          Count(ReadBytes(folder / "modGlobals.bas"), "oldValue");
+  const size_t expected = Occurrences(ReadBytes(folder / "CStockItem.cls"), "oldValue") +
+                          Occurrences(ReadBytes(folder / "modGlobals.bas"), "oldValue");
   ASSERT_GT(expected, 0u);
 
   const auto count = Qx(InCode("search", {"--json", "oldValue", vbp_}));
   ASSERT_EQ(count.status, 0) << count.err;
   // One "match" message a line, with one submatch for each match in it, as ripgrep prints.
-  EXPECT_EQ(Count(count.out, R"({"match":{"text":"oldValue"})"), expected) << count.out;
+  EXPECT_EQ(Occurrences(count.out, R"({"match":{"text":"oldValue"})"), expected) << count.out;
   EXPECT_NE(count.out.find("\"procedure\":\"Value.Let\""), std::string::npos) << count.out;
   EXPECT_EQ(Qx({"ide", "list"}).out, "") << "the run ended the IDE it started";
 
@@ -82,7 +66,8 @@ TEST_F(IdeProcesses, SearchKeepsItsIdeWarmUnlessToldNot) {
   ASSERT_NE(list.out.find(vbp_), std::string::npos) << list.out;
   const long pid = std::stol(list.out);
   const auto second = Qx(InCode("search", {"--json", "oldValue", vbp_}));
-  EXPECT_EQ(Count(second.out, "\"type\":\"match\""), Count(first.out, "\"type\":\"match\""));
+  EXPECT_EQ(Occurrences(second.out, "\"type\":\"match\""),
+            Occurrences(first.out, "\"type\":\"match\""));
   EXPECT_NE(second.out.find("\"ides_kept\":0"), std::string::npos) << "not started by this run";
   EXPECT_EQ(std::stol(Qx({"ide", "list"}).out), pid) << "the warm IDE answered";
 
@@ -123,9 +108,9 @@ TEST_F(IdeProcesses, ReplaceWritesExactlyWhatItsPreviewShowed) {
     if (file == "CStockItem.cls" || file == "Inventory.vbw") continue;
     EXPECT_EQ(after.at(file), bytes) << file << " changed";
   }
-  EXPECT_EQ(Count(after.at("CStockItem.cls"), "oldValue"), 0u);
-  EXPECT_EQ(Count(after.at("CStockItem.cls"), "previousValue"),
-            Count(before.at("CStockItem.cls"), "oldValue"));
+  EXPECT_EQ(Occurrences(after.at("CStockItem.cls"), "oldValue"), 0u);
+  EXPECT_EQ(Occurrences(after.at("CStockItem.cls"), "previousValue"),
+            Occurrences(before.at("CStockItem.cls"), "oldValue"));
 
   const auto again = Qx(InCode("replace", {"--write", "old(Value)", "previous$1", vbp_}));
   EXPECT_EQ(again.status, 1) << "nothing left to replace";
@@ -459,5 +444,5 @@ TEST_F(IdeProcesses, AComponentNamedByAnAbsolutePathIsReportedAndTheRestReplaced
     EXPECT_NE(run.out.find("+    Dim previousValue As Long"), std::string::npos) << run.out;
   }
   EXPECT_EQ(ReadBytes(shared), module);
-  EXPECT_EQ(Count(ReadBytes(work() / "Inventory" / "CStockItem.cls"), "oldValue"), 0u);
+  EXPECT_EQ(Occurrences(ReadBytes(work() / "Inventory" / "CStockItem.cls"), "oldValue"), 0u);
 }

@@ -27,9 +27,7 @@
 #include "ide/vbide/vbprojects.h"
 #include "platform/registry.h"
 #include "project/connection.h"
-#include "project/ide_settings.h"
-#include "special/qxvb60.h"
-#include "support/driver_env.h"
+#include "support/driver_ide.h"
 #include "support/errors.h"
 
 namespace {
@@ -38,7 +36,6 @@ using automation::Dispatch;
 using automation::ObjectRef;
 using automation::Variant;
 using qxtest::Caught;
-using qxtest::DriverEnv;
 
 // A project as the IDE shows it: one it never saved (an empty path), one under a path written
 // otherwise than when it was added, or one whose IDE has gone away.
@@ -96,22 +93,15 @@ std::string Entry(const std::string& name, int bitmap, const std::string& versio
          (writable ? "1" : "0") + "\t1\t0";
 }
 
-class IdeSide : public ::testing::Test {
+class IdeSide : public qxtest::DriverIde {
  protected:
-  IdeSide() {
-    special::RegisterAddIn();
-    project::WriteAddInEntry();  // the entry the driver writes before it starts the IDE
-    folder_ = env_.CopyFixture("basic");
-    vbp_ = (folder_ / "Basic.vbp").string();
+  IdeSide() : DriverIde("basic", "Basic.vbp", false) {
     for (const auto& file : std::filesystem::directory_iterator(folder_))
       Stamp(file.path());
   }
-  ~IdeSide() override {
-    if (ide_) ide_->End();
-  }
 
   void StartIde() {
-    ide_ = ide::Ide::Start(vbp_);
+    DriverIde::StartIde();
     ASSERT_TRUE(ide_->Problems().empty()) << ide_->Problems().front().Text();
     ASSERT_EQ(ide_->AddIns().size(), 1u);
     connection_ = automation::As<project::Connection>(ide_->AddIns().front()->Instance());
@@ -148,10 +138,6 @@ class IdeSide : public ::testing::Test {
     return problems;
   }
 
-  DriverEnv env_;
-  std::filesystem::path folder_;
-  std::string vbp_;
-  std::unique_ptr<ide::Ide> ide_;
   std::shared_ptr<project::Connection> connection_;
 };
 
@@ -324,9 +310,7 @@ TEST_F(ActiveProject, CollectionsAnswerFromTheIdeThatHasTheProjectOpen) {
 
   // The design command restores the IDE's window and opens the component's designer.
   Dispatch(MainWindow()).Put("WindowState", 1);
-  const Dispatch form(Dispatch(Dispatch(ide_->VBProject()).Get("VBComponents").ToObject())
-                          .Call("Item", "Form1")
-                          .ToObject());
+  const Dispatch form = IdeComponent("Form1");
   EXPECT_FALSE(form.Get("HasOpenDesigner").ToBool());
   Collection("Forms").ExecuteObjectCommand("Form1", 0);
   EXPECT_EQ(Dispatch(MainWindow()).Get("WindowState").ToLong(), 0);
