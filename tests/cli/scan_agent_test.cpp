@@ -76,13 +76,13 @@ TEST(ScanAgent, ScansEachComponentInItsTurnAndSaysWhereEachFailureCameFrom) {
                                              {"GetModule", "Module1", false}};
 
   // One call ends with the component that spent the slice.
-  const std::vector<host::scan::AgentOutcome> first =
-      host::scan::DecodeOutcomes(Dispatch(automation::CreateObject("qxlib41.ScanAgent"))
-                                     .Call("ScanComponents", dispatcher, ObjectRef(), "Inventory",
-                                      R"([{"factory":"GetModule","name":"Slow","updatable":true},
+  const std::vector<host::scan::AgentOutcome> first = host::scan::DecodeOutcomes(
+      Dispatch(automation::CreateObject("qxlib41.ScanAgent"))
+          .Call("ScanComponents", dispatcher, ObjectRef(), "Inventory",
+                R"([{"factory":"GetModule","name":"Slow","updatable":true},
                     {"factory":"GetModule","name":"Module1","updatable":true}])",
-                                      R"({"patterns":["x"]})")
-                                .ToString());
+                R"({"patterns":["x"]})")
+          .ToString());
   ASSERT_EQ(first.size(), 1u);
   EXPECT_EQ(first[0].scans[0].component, "Slow");
 

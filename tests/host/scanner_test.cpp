@@ -365,8 +365,8 @@ TEST(ScanBufferTest, KeepsResultsInOrderAndTakesOnlyWholeResults) {
   EXPECT_EQ(both[1].component, "B");
   // Not a result, two results, a result cut short: refused.
   const std::string whole = host::scan::EncodeScan(a);
-  for (const std::string& bad : {std::string("{\"component\": \"A\"}"), whole + whole,
-                                 whole.substr(0, whole.size() - 8)}) {
+  for (const std::string& bad :
+       {std::string("{\"component\": \"A\"}"), whole + whole, whole.substr(0, whole.size() - 8)}) {
     EXPECT_EQ(qxtest::ErrorOf([&] { buffer.AddResult(bad); }), automation::err::kInvalidCall);
   }
   buffer.Clear();

@@ -157,10 +157,10 @@ class Walk {
     // A read-only place (a user connection's setting) is searched but never written.
     std::erase_if(changes_, [this](const Change& change) {
       if (change.place.writable) return false;
-      places_[change.entry].error = ScanError::Of(
-          automation::Error(automation::err::kReadOnlyProperty, "Scanner",
-                            "The property " + change.place.property +
-                                " is read-only: it is searched, not replaced."));
+      places_[change.entry].error =
+          ScanError::Of(automation::Error(automation::err::kReadOnlyProperty, "Scanner",
+                                          "The property " + change.place.property +
+                                              " is read-only: it is searched, not replaced."));
       return true;
     });
     if (changes_.empty()) return;
