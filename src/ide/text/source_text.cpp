@@ -110,8 +110,15 @@ TextWriter::TextWriter(std::string_view original, const platform::CodePage& code
   out_.reserve(original.size() + original.size() / 16);
 }
 
+void TextWriter::EndLine() {
+  // A lone CR end, then an empty line, then an LF end would read as one CR LF and lose the
+  // empty line (an edit can put them so; a file read never has them): the CR is written as CR LF.
+  if (pending_ == LineEnd::kLf && !out_.empty() && out_.back() == '\r') out_ += '\n';
+  out_ += LineEndBytes(pending_);
+}
+
 void TextWriter::Add(const SourceLine& line) {
-  if (any_) out_ += LineEndBytes(pending_);
+  if (any_) EndLine();
   if (line.original) {
     out_.append(original_.substr(line.rawOffset, line.rawLength));
   } else {
@@ -122,7 +129,7 @@ void TextWriter::Add(const SourceLine& line) {
 }
 
 std::string TextWriter::Finish(bool finalBreak, std::string_view tail) {
-  if (any_ && finalBreak) out_ += LineEndBytes(pending_);
+  if (any_ && finalBreak) EndLine();
   out_.append(tail);
   return std::move(out_);
 }

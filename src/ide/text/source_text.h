@@ -46,6 +46,8 @@ class TextWriter {
   std::string Finish(bool finalBreak, std::string_view tail);
 
  private:
+  void EndLine();  // the end of the line written last
+
   std::string_view original_;
   const platform::CodePage& codePage_;
   LineEnd dominant_;
