@@ -1,7 +1,5 @@
 #include "cli/file_matches.h"
 
-#include <algorithm>
-
 #include "automation/casefold.h"
 #include "automation/text.h"
 #include "platform/codepage.h"
@@ -126,9 +124,8 @@ FileLines::FileLines(std::string_view bytes) {
   std::string_view line;
   size_t offset = reader.Position();
   while (reader.Next(line)) {
-    const bool ascii = std::all_of(line.begin(), line.end(),
-                                   [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-    const std::string_view text = ascii ? line : decoded_.emplace_back(codePage.Decode(line));
+    const std::string_view text =
+        codePage.DecodesToItself(line) ? line : decoded_.emplace_back(codePage.Decode(line));
     lines_.push_back({text, reader.LastLineEnd(), offset});
     offset = reader.Position();
   }

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <functional>
 
+#include "automation/casefold.h"
 #include "automation/error.h"
 #include "automation/utf8.h"
 
@@ -30,10 +31,6 @@ bool Encodable(const platform::CodePage& codePage, char32_t c) {
   } catch (const automation::Error&) {
     return false;
   }
-}
-
-char FoldAscii(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
 // Which characters of a pattern's text stand for something that need not be in the bytes.
@@ -76,7 +73,8 @@ std::optional<Prefilter::Needle> NeedleOf(std::string_view text, const Splits& s
     // Folding compares ASCII letters byte by byte: only where the code page keeps ASCII as it is.
     if (encoded.folded) {
       comparable = comparable && encoded.bytes == piece;
-      std::transform(encoded.bytes.begin(), encoded.bytes.end(), encoded.bytes.begin(), FoldAscii);
+      std::transform(encoded.bytes.begin(), encoded.bytes.end(), encoded.bytes.begin(),
+                     [](char c) { return automation::LowerAscii(c); });
     }
     piece.clear();
     needle.push_back(std::move(encoded));
@@ -98,8 +96,10 @@ std::optional<Prefilter::Needle> NeedleOf(std::string_view text, const Splits& s
 
 bool Occurs(std::string_view bytes, const Prefilter::Piece& piece) {
   if (!piece.folded) return bytes.find(piece.bytes) != std::string_view::npos;
-  const auto fold = [](char c) { return static_cast<size_t>(FoldAscii(c)); };
-  const auto same = [](char a, char b) { return FoldAscii(a) == FoldAscii(b); };
+  const auto fold = [](char c) { return static_cast<size_t>(automation::LowerAscii(c)); };
+  const auto same = [](char a, char b) {
+    return automation::LowerAscii(a) == automation::LowerAscii(b);
+  };
   const std::boyer_moore_horspool_searcher searcher(piece.bytes.begin(), piece.bytes.end(), fold,
                                                     same);
   return std::search(bytes.begin(), bytes.end(), searcher) != bytes.end();

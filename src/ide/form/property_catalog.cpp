@@ -11,14 +11,6 @@
 namespace ide::form {
 namespace {
 
-std::string AsciiLower(std::string_view name) {
-  std::string lower(name);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return lower;
-}
-
 // How many properties the class's Properties collection holds: those before the runtime-only.
 int32_t CountOf(const ClassInfo& info) {
   const auto end =
@@ -42,7 +34,8 @@ const ClassIndex* IndexOf(const ClassInfo& info) {
       ClassIndex& index = all[c];
       index.count = CountOf(*c);
       for (std::size_t i = 0; i < c->properties.size(); ++i)
-        index.byName.emplace(AsciiLower(c->properties[i].name), static_cast<int32_t>(i));
+        index.byName.emplace(automation::LowerAscii(c->properties[i].name),
+                             static_cast<int32_t>(i));
     }
     return all;
   }();
@@ -54,7 +47,7 @@ const ClassIndex* IndexOf(const ClassInfo& info) {
 // none.
 int32_t MemberPosition(const ClassInfo& info, std::string_view name) {
   if (const ClassIndex* index = IndexOf(info)) {
-    const auto it = index->byName.find(AsciiLower(name));
+    const auto it = index->byName.find(automation::LowerAscii(name));
     return it == index->byName.end() ? -1 : it->second;
   }
   for (std::size_t i = 0; i < info.properties.size(); ++i) {
@@ -148,12 +141,12 @@ const ClassInfo* FindClass(std::string_view identifier) {
   static const auto classes = [] {
     std::unordered_map<std::string, const ClassInfo*> all;
     for (const ClassInfo* c : AllClasses()) {
-      all.emplace(AsciiLower(c->progId), c);
-      if (!c->classId.empty()) all.emplace(AsciiLower(c->classId), c);
+      all.emplace(automation::LowerAscii(c->progId), c);
+      if (!c->classId.empty()) all.emplace(automation::LowerAscii(c->classId), c);
     }
     return all;
   }();
-  const auto it = classes.find(AsciiLower(identifier));
+  const auto it = classes.find(automation::LowerAscii(identifier));
   return it == classes.end() ? nullptr : it->second;
 }
 
