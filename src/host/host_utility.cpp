@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -41,9 +40,7 @@ class LaunchLock {
  public:
   explicit LaunchLock(const std::string& name) {
     const std::filesystem::path run = platform::RunFolder();
-    char hash[20];
-    std::snprintf(hash, sizeof hash, "%016zx", std::hash<std::string>()(ObjectTable::Key(name)));
-    path_ = run / ("launch-" + std::string(hash) + ".lock");
+    path_ = run / ("launch-" + ObjectTable::KeyTag(ObjectTable::Key(name)) + ".lock");
     Open();
   }
   // The holder removes the lock file before it lets go, so that a run over many projects

@@ -1,17 +1,22 @@
 #include "host/object_table.h"
 
+#include <dirent.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <limits>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <sstream>
+#include <unordered_map>
 #include <vector>
 
 #include "automation/casefold.h"
@@ -132,6 +137,7 @@ struct State {
   int32_t next = 1;
   int64_t lastStamp = 0;
   std::map<fs::path, std::unique_ptr<automation::Listener>> listeners;
+  std::function<void(const std::string& key)> lookupObserver;
 
   // At exit the entry files go; the listeners remove their sockets.
   ~State() {
@@ -162,7 +168,17 @@ class Registrations : public automation::Object {
             .Build();
     return info;
   }
-  ObjectRef Find(int32_t cookie) { return TheState().Lookup(cookie); }
+  ObjectRef Find(int32_t cookie) {
+    if (const auto& observer = TheState().lookupObserver) {
+      for (const auto& r : TheState().registrations) {
+        if (r.cookie != cookie) continue;
+        const std::string key = r.key;  // the observer may withdraw the registration
+        observer(key);
+        break;
+      }
+    }
+    return TheState().Lookup(cookie);
+  }
 };
 
 const std::string& SocketFor(const fs::path& run) {
@@ -188,38 +204,74 @@ struct LiveEntry {
   fs::path file;
 };
 
+// An entry as read from its file, remembered by the file's path and inode: an entry file is
+// renamed into place whole and never changed, so each is read once by each process, however
+// often the table is looked at.
+std::optional<Entry> EntryOf(const fs::path& run, std::string_view name, ino_t inode) {
+  struct Read {
+    ino_t inode;
+    std::optional<Entry> entry;
+  };
+  static std::mutex lock;
+  static std::unordered_map<std::string, Read> read;
+  std::string file = (run / std::string(name)).string();
+  const std::lock_guard<std::mutex> hold(lock);
+  if (const auto known = read.find(file); known != read.end() && known->second.inode == inode)
+    return known->second.entry;
+  if (read.size() > 4096) read.clear();  // of files long gone, mostly
+  std::optional<Entry> entry = ReadEntry(file);
+  read.insert_or_assign(std::move(file), Read{inode, entry});
+  return entry;
+}
+
 // The registrations of the other processes that are still running, of one key only when one is
 // given. Entries (and sockets) left by processes that have ended are removed on the way; with a
 // key, only its own entries are checked, so that a look-up asks the process table about the
-// processes that registered the name rather than about every process of the home.
+// processes that registered the name rather than about every process of the home. An entry's
+// file name carries the tag of its key (PID-COOKIE-TAG.entry), so that a look-up reads only the
+// entries of its own name: an IDE holding a group of hundreds of projects has one for each.
 std::vector<LiveEntry> OtherLiveEntries(const std::string* key = nullptr) {
   std::vector<LiveEntry> live;
   const fs::path run = platform::RunFolder();
-  std::error_code ec;
-  for (fs::directory_iterator it(run, ec), end; !ec && it != end; it.increment(ec)) {
-    const fs::path& file = it->path();
-    if (key != nullptr && file.extension() != ".entry") continue;
-    if (file.extension() == ".sock") {
+  const std::string ownTag = key != nullptr ? "-" + ObjectTable::KeyTag(*key) + ".entry" : "";
+  // Each process is asked about once per listing, however many names it registered.
+  std::map<long, ProcessStamp> processes;
+  const auto stampOf = [&processes](long pid) -> const ProcessStamp& {
+    auto known = processes.find(pid);
+    if (known == processes.end()) known = processes.emplace(pid, StampOf(pid)).first;
+    return known->second;
+  };
+  const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir(run.c_str()), &::closedir);
+  if (!folder) return live;
+  while (const dirent* item = ::readdir(folder.get())) {
+    const std::string_view name = item->d_name;
+    const bool isEntry = name.ends_with(".entry");
+    if (key != nullptr) {
+      if (!isEntry) continue;
+      const bool tagged = std::count(name.begin(), name.end(), '-') == 2;
+      if (tagged && !name.ends_with(ownTag)) continue;
+    }
+    if (name.ends_with(".sock")) {
       // The socket of a process that ended without registrations left.
-      const std::string stem = file.stem().string();
+      const std::string_view stem = name.substr(0, name.size() - 5);
       if (!stem.empty() && stem.find_first_not_of("0123456789") == std::string::npos &&
-          stem.size() < 10 && !StampOf(std::stol(stem)).alive) {
-        RemoveQuietly(file);
+          stem.size() < 10 && !stampOf(std::stol(std::string(stem))).alive) {
+        RemoveQuietly(run / std::string(name));
       }
       continue;
     }
-    if (const std::string name = file.filename().string();
-        name.front() == '.' && name.ends_with(".entry.tmp")) {
+    if (name.front() == '.' && name.ends_with(".entry.tmp")) {
       // An entry being written ("." PID "-" COOKIE ".entry.tmp") by a process that ended first.
-      const long pid = std::strtol(name.c_str() + 1, nullptr, 10);
-      if (pid > 0 && !StampOf(pid).alive) RemoveQuietly(file);
+      const long pid = std::strtol(item->d_name + 1, nullptr, 10);
+      if (pid > 0 && !stampOf(pid).alive) RemoveQuietly(run / std::string(name));
       continue;
     }
-    if (file.extension() != ".entry") continue;
-    std::optional<Entry> entry = ReadEntry(file);
+    if (!isEntry) continue;
+    std::optional<Entry> entry = EntryOf(run, name, item->d_ino);
     if (!entry || (key != nullptr && entry->key != *key)) continue;
     if (entry->pid == ::getpid() && entry->start == OwnStart()) continue;  // ours: in memory
-    const ProcessStamp process = StampOf(entry->pid);
+    const ProcessStamp& process = stampOf(entry->pid);
+    const fs::path file = run / std::string(name);
     if (!process.alive || process.start != entry->start) {
       // Left by a process that has ended: clean up after it.
       RemoveQuietly(file);
@@ -251,8 +303,8 @@ int32_t ObjectTable::Add(const std::string& name, automation::ObjectRef object) 
   entry.stamp = std::max(Now(), state.lastStamp + 1);
   entry.cookie = state.next;
   entry.key = Key(name);
-  const fs::path file =
-      run / (std::to_string(entry.pid) + "-" + std::to_string(entry.cookie) + ".entry");
+  const fs::path file = run / (std::to_string(entry.pid) + "-" + std::to_string(entry.cookie) +
+                               "-" + KeyTag(entry.key) + ".entry");
   WriteEntry(file, entry);
   state.next = state.next == std::numeric_limits<int32_t>::max() ? 1 : state.next + 1;
   state.lastStamp = entry.stamp;
@@ -324,6 +376,18 @@ automation::ObjectRef ObjectTable::Find(const std::string& name) {
   return nullptr;
 }
 
+void ObjectTable::SetLookupObserver(std::function<void(const std::string& key)> observer) {
+  TheState().lookupObserver = std::move(observer);
+}
+
+bool ObjectTable::Registered(const std::string& name) {
+  const std::string key = Key(name);
+  for (const auto& r : TheState().registrations) {
+    if (!r.file.empty() && r.key == key) return true;
+  }
+  return !OtherLiveEntries(&key).empty();
+}
+
 std::vector<std::string> ObjectTable::Names() {
   std::vector<std::string> names;
   for (const auto& r : TheState().registrations) {
@@ -359,6 +423,12 @@ bool ObjectTable::Remove(int32_t cookie) {
 
 size_t ObjectTable::Size() const {
   return TheState().registrations.size();
+}
+
+std::string ObjectTable::KeyTag(const std::string& key) {
+  char tag[20];
+  std::snprintf(tag, sizeof tag, "%016zx", std::hash<std::string>()(key));
+  return tag;
 }
 
 std::string ObjectTable::Key(const std::string& name) {

@@ -4,14 +4,16 @@
 //
 // A process that registers an object serves it on its own Unix socket under $QX_HOME/run/ and
 // writes one entry file per registration beside it (its process, the socket, the time of
-// registration, the cookie and the name). A look-up from any process reads the entries, skips
-// (and removes, with their sockets) those of processes that have ended, and connects to the
-// socket of the latest registration of the name, which hands out a proxy. A process finds its
-// own registrations in memory and gets the object itself. A look-up asks the process table
-// about the processes that registered its name only; the entries and sockets of every ended
-// process are removed at each registration and each listing of names.
+// registration, the cookie and the name), named by its process, cookie and the tag of its name. A
+// look-up from any process reads the entries, skips (and removes, with their sockets) those of
+// processes that have ended, and connects to the socket of the latest registration of the name,
+// which hands out a proxy. A process finds its own registrations in memory and gets the object
+// itself. A look-up asks the process table about the processes that registered its name only; the
+// entries and sockets of every ended process are removed at each registration and each listing of
+// names.
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,12 +36,19 @@ class ObjectTable {
   int32_t AddPrivate(const std::string& name, automation::ObjectRef object);
   // The object registered latest under the name in any live process, or null.
   automation::ObjectRef Find(const std::string& name);
+  // Whether a live process has registered the name for all to find (this one included), told
+  // from the table's entries without calling the process.
+  bool Registered(const std::string& name);
   // The names registered in live processes (this one included), as normalized, sorted, each
   // once.
   std::vector<std::string> Names();
   // The names that another live process has registered, as normalized, sorted (found from the
   // table's entries, without calling the process).
   std::vector<std::string> NamesOf(long pid);
+  // Called before this process answers another's look-up of one of its registrations, with the
+  // registration's key; the observer may withdraw it (the look-up then finds nothing, and the
+  // looker reads the table again). An empty function removes it.
+  static void SetLookupObserver(std::function<void(const std::string& key)> observer);
   // Withdraws a registration of this process; false when the cookie is unknown.
   bool Remove(int32_t cookie);
   // The number of registrations this process holds.
@@ -54,6 +63,8 @@ class ObjectTable {
   // reports the full path of the project it opened, while the host may know it by a relative
   // one. A bare word, without extension or folder, is always a name.
   static std::string Key(const std::string& name);
+  // A short tag of a key (16 hexadecimal digits of its hash) for file names that stand for it.
+  static std::string KeyTag(const std::string& key);
 };
 
 }  // namespace host

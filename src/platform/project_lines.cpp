@@ -96,6 +96,20 @@ bool ProjectLineReader::Next() {
   return true;
 }
 
+std::vector<GroupMember> ReadGroupMembers(std::string_view bytes, const CodePage& codePage,
+                                          std::string_view fileName) {
+  std::vector<GroupMember> members;
+  ProjectLineReader reader(bytes, codePage, fileName);
+  while (reader.Next()) {
+    const ProjectLine& line = reader.Line();
+    if (!line.hasKey) continue;
+    const bool startup = automation::EqualsAsciiNoCase(line.key, "StartupProject");
+    if (startup || automation::EqualsAsciiNoCase(line.key, "Project"))
+      members.push_back({std::string(line.value), reader.Number(), startup});
+  }
+  return members;
+}
+
 std::optional<std::string> ComponentNameFromFile(std::string_view file) {
   std::string bytes;
   try {

@@ -18,6 +18,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform {
 
@@ -71,6 +72,21 @@ class ProjectLineReader {
   std::string text_;
   ProjectLine line_;
 };
+
+// A project of a project group (.vbg), as its "StartupProject=" or "Project=" line names it: the
+// path as written (relative to the group's folder unless absolute) and the line's number. VB
+// opens a group's projects in the order of these lines; the other lines ("VBGROUP 5.0") say
+// nothing about which projects the group holds.
+struct GroupMember {
+  std::string file;
+  int32_t line = 0;
+  bool startup = false;
+};
+
+// The projects of a group file's bytes, in order. Raises as RequireProjectText does for a
+// binary file.
+std::vector<GroupMember> ReadGroupMembers(std::string_view bytes, const CodePage& codePage,
+                                          std::string_view fileName);
 
 // The name a component file gives itself in its "Attribute VB_Name" line, as VB reads it: the
 // first line whose text before "=" is that key (spaces around both sides ignored, key in any

@@ -20,8 +20,6 @@ namespace {
 
 constexpr std::string_view kIdeSettings =
     "HKEY_CURRENT_USER\\Software\\Microsoft\\Visual Basic\\6.0";
-constexpr std::string_view kOpenCommand =
-    "HKEY_CLASSES_ROOT\\VisualBasic.Project\\shell\\open\\command";
 constexpr std::string_view kTypeLibRoot = "HKEY_CLASSES_ROOT\\TypeLib\\";
 // Beside the open command: the command as qx last wrote it. While the two agree the command is
 // qx's own and follows the running program; once they differ the user has chosen another.
@@ -87,7 +85,7 @@ RegistryFile Registry::Seed() {
     seed.keys.push_back({std::string(path), {std::move(value)}, {}});
   };
   add(kIdeSettings, "BackgroundProjectLoad", "0");
-  add(kOpenCommand, "", OpenCommand());
+  add(kOpenCommandKey, "", OpenCommand());
   seed.keys.back().values.push_back(
       RegistryValue{std::string(kWrittenByQx), RegistryValue::Kind::kString, OpenCommand(), {}});
   for (const TypeLibrarySeed& library : SeedTypeLibraries()) {
@@ -122,7 +120,7 @@ void Registry::Refresh() {
 }
 
 void Registry::KeepOpenCommandCurrent() {
-  RegistryKeyEntry* key = Find(NormalizeKeyPath(kOpenCommand));
+  RegistryKeyEntry* key = Find(NormalizeKeyPath(kOpenCommandKey));
   if (key == nullptr) return;
   RegistryValue* command = FindValue(*key, "");
   if (command == nullptr || command->kind != RegistryValue::Kind::kString) return;

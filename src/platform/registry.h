@@ -44,6 +44,10 @@ class Registry {
   // The file behind the registry of the current QxHome().
   static std::filesystem::path FilePath();
 
+  // The key of the command that opens a VB project or project group: VisualBasic.Project's.
+  static constexpr std::string_view kOpenCommandKey =
+      "HKEY_CLASSES_ROOT\\VisualBasic.Project\\shell\\open\\command";
+
   // The open command of VisualBasic.Project in a fresh registry: "<ide>" "%1".
   static std::string OpenCommand();
 

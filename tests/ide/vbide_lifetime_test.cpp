@@ -96,6 +96,29 @@ TEST(VbideLifetime, TheIdeRecordsAProjectItCannotOpen) {
   EXPECT_EQ(Log()[1], "Recorder.OnStartupComplete");
 }
 
+// A project group opens its projects in its order, each with its ItemAdded; one that cannot be
+// opened is a problem, as it is alone; the start-up project is the IDE's project.
+TEST(VbideLifetime, AGroupOpensItsProjectsInOrder) {
+  vbidetest::RegisterTestAddIns();
+  FixtureCopy ledger("ledger");
+  FixtureCopy array("array");
+  vbidetest::WriteAddInIni("[Add-Ins32]\r\nVbideTest.Recorder=1\r\n");
+  qxtest::WriteBytes(ledger.dir() / "All.vbg",
+                     "VBGROUP 5.0\r\nProject=" + array.Path("Array.vbp") +
+                         "\r\nProject=Gone\\Nowhere.vbp\r\nStartupProject=Ledger.vbp\r\n");
+  auto ide = ide::Ide::Start(ledger.Path("All.vbg"));
+  EXPECT_EQ(Log(), (std::vector<std::string>{
+                       "Recorder.OnConnection mode=1 version=6.00 "
+                       "progid=VbideTest.Recorder connect=True custom=Empty",
+                       "Recorder.ItemAdded " + array.Path("Array.vbp"),
+                       "Recorder.ItemAdded " + ledger.Path("Ledger.vbp"),
+                       "Recorder.OnStartupComplete",
+                   }));
+  ASSERT_EQ(ide->Problems().size(), 1u);
+  EXPECT_EQ(ide->Problems()[0].error.Number(), 53);
+  EXPECT_EQ(Dispatch(ide->VBProject()).Get("FileName").ToString(), ledger.Path("Ledger.vbp"));
+}
+
 TEST(VbideLifetime, EveryObjectOfAnEndedIdeRaises462) {
   vbidetest::RegisterTestAddIns();
   FixtureCopy copy("ledger");

@@ -9,6 +9,7 @@
 #include <ctime>
 #include <iostream>
 #include <memory>
+#include <unordered_map>
 #include <utility>
 
 #include "automation/apartment.h"
@@ -19,6 +20,7 @@
 #include "automation/remote_object.h"
 #include "host/host_utility.h"
 #include "host/ide_control.h"
+#include "host/object_table.h"
 #include "ide/model/project.h"
 #include "ide/vbide/ide.h"
 #include "ide/vbide/vbe.h"
@@ -122,8 +124,9 @@ void LogNewProblems(const Ide& ide, size_t& logged) {
     Log(problems[logged].Text());
 }
 
-void ReopenChangedProjects(Ide& ide) {
-  if (const size_t reopened = ide.ReopenChangedProjects(); reopened > 0) {
+void ReopenChangedProjects(Ide& ide,
+                           const std::function<bool(const std::string& fileName)>& only = {}) {
+  if (const size_t reopened = ide.ReopenChangedProjects(only); reopened > 0) {
     Log("reopened " + std::to_string(reopened) + " project(s) changed on disk");
   }
 }
@@ -162,18 +165,29 @@ int Serve(const ServeOptions& options) {
     activity.reached = true;
     ide::BeginServedCall();
     const std::string& name = callee.Class().name;
-    // Every use of the IDE by a host begins with a look-up in the object table: a project file
-    // changed since the IDE last looked is opened again before the look-up is answered, so that
-    // the host finds the project's dispatcher over the project as its file is now.
-    if (name == "Registrations") ReopenChangedProjects(*ide);
     // Looking the IDE up and asking it how it is are no work for it.
     if (name == kControlClass || name == "Registrations") return;
     activity.lastCall = Clock::now();
   });
+  // Every use of a project by a host begins with a look-up of its dispatcher in the object
+  // table: a project file changed since the IDE last looked is opened again before the look-up
+  // is answered, so that the host finds the dispatcher over the project as its file is now. Only
+  // the project looked up is looked at: an IDE holding a group has hundreds.
+  std::unordered_map<std::string, std::string> keys;  // of the projects' file names
+  host::ObjectTable::SetLookupObserver([&ide, &keys](const std::string& key) {
+    ReopenChangedProjects(*ide, [&](const std::string& fileName) {
+      auto known = keys.find(fileName);
+      if (known == keys.end())
+        known = keys.emplace(fileName, host::ObjectTable::Key(fileName)).first;
+      return known->second == key;
+    });
+  });
   const auto utility = host::HostUtility::Instance();
   const int32_t cookie = utility->RegisterObject(ControlName(::getpid()),
                                                  std::make_shared<IdeControl>(*ide, activity));
-  Log("serving " + ide->VBProject()->FileName());
+  const size_t opened = ide->VBE()->VBProjects()->Items().size();
+  Log("serving " + (opened == 1 ? ide->VBProject()->FileName()
+                                : std::to_string(opened) + " projects of " + options.projectFile));
 
   std::string reason = "asked to end";
   automation::Apartment& apartment = automation::Apartment::Get();
@@ -201,6 +215,7 @@ int Serve(const ServeOptions& options) {
   ide->End();
   LogNewProblems(*ide, logged);
   automation::SetIncomingCallObserver({});
+  host::ObjectTable::SetLookupObserver({});
   try {
     platform::FlushFileSystem(options.projectFile);
   } catch (const automation::Error& e) {

@@ -100,7 +100,8 @@ int main(int argc, char** argv) {
   app.require_subcommand(0, 1);
   Options options;
   app.add_option("PROJECT", options.projectFile,
-                 "Run as the IDE with this project open, serving the driver until ended");
+                 "Run as the IDE with this project (.vbp) or project group (.vbg) open, "
+                 "serving the driver until ended");
   app.add_option("--codepage", options.codePage,
                  "ANSI code page of the project's files (default: QX_CODEPAGE, else detected from "
                  "the files)");

@@ -1,5 +1,6 @@
 #include "ide/vbide/ide.h"
 
+#include <filesystem>
 #include <set>
 #include <utility>
 
@@ -12,7 +13,11 @@
 #include "ide/vbide/vbproject.h"
 #include "ide/vbide/vbprojects.h"
 #include "ide/vbide/vbprojects_events.h"
+#include "platform/codepage.h"
+#include "platform/files.h"
+#include "platform/paths.h"
 #include "platform/profile.h"
+#include "platform/project_lines.h"
 
 namespace ide {
 namespace {
@@ -71,7 +76,11 @@ std::unique_ptr<Ide> Ide::Start(std::string_view projectPath, AddInLoading addIn
         }
       });
   if (addIns == AddInLoading::kLoad) ide->LoadAddIns();
-  if (!projectPath.empty()) ide->project_ = ide->OpenProject(projectPath);
+  if (IsGroupFile(projectPath)) {
+    ide->OpenGroup(projectPath);
+  } else if (!projectPath.empty()) {
+    ide->project_ = ide->OpenProject(projectPath);
+  }
   ide->Notify("OnStartupComplete", {Variant()});
   return ide;
 }
@@ -133,11 +142,33 @@ std::shared_ptr<vbide::VBProject> Ide::OpenProject(std::string_view path) {
   return project;
 }
 
-size_t Ide::ReopenChangedProjects() {
+bool Ide::IsGroupFile(std::string_view path) {
+  return path.size() > 4 && automation::EqualsAsciiNoCase(path.substr(path.size() - 4), ".vbg");
+}
+
+void Ide::OpenGroup(std::string_view path) {
+  const std::string file = platform::ToNative(path).string();
+  std::vector<platform::GroupMember> members;
+  try {
+    members =
+        platform::ReadGroupMembers(platform::ReadFile(file), platform::CurrentCodePage(), file);
+  } catch (...) {
+    Record("opening the project group " + std::string(path));
+    return;
+  }
+  const std::string folder = std::filesystem::path(file).parent_path().string();
+  for (const platform::GroupMember& member : members) {
+    auto project = OpenProject(ResolvePath(folder, member.file));
+    if (project && (!project_ || member.startup)) project_ = std::move(project);
+  }
+}
+
+size_t Ide::ReopenChangedProjects(const std::function<bool(const std::string&)>& only) {
   if (ended_ || !vbe_) return 0;
   automation::Process::Scope scope(process_);
   std::vector<std::shared_ptr<vbide::VBProject>> changed;
   for (const auto& project : vbe_->VBProjects()->Items()) {
+    if (only && !only(project->FileName())) continue;
     if (project->Model().ChangedOnDisk() && !project->IsDirty()) changed.push_back(project);
   }
   for (const auto& project : changed) {

@@ -27,6 +27,7 @@
 // freed once their last holder lets go. The destructor ends an IDE that is still running.
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -55,7 +56,8 @@ struct IdeProblem {
 
 class Ide {
  public:
-  // Starts an IDE for the project file (an empty path starts it without a project). Raises only
+  // Starts an IDE for the project file (an empty path starts it without a project), or for the
+  // projects of a project group file (.vbg), opened in the group's order. Raises only
   // when the IDE itself cannot be set up; add-in and project failures become Problems(). The
   // IDE's own commands (qxvb6.exe dump, set) start it without add-ins: they read and write the
   // project through the extensibility objects and have no use for what vbaddin.ini names.
@@ -69,8 +71,9 @@ class Ide {
   // Closes and opens again, as VB6 does on a close and re-open, every project whose project file
   // changed on disk since it was read and that holds no unsaved change: ItemRemoved for the old
   // project, ItemAdded for the new one. Returns how many were reopened; a project that cannot be
-  // opened again is recorded in Problems() and stays closed.
-  size_t ReopenChangedProjects();
+  // opened again is recorded in Problems() and stays closed. With `only`, just the projects whose
+  // file name it accepts.
+  size_t ReopenChangedProjects(const std::function<bool(const std::string& fileName)>& only = {});
 
   // Ends the IDE (see above). Ending twice does nothing.
   void End();
@@ -78,7 +81,11 @@ class Ide {
 
   const std::shared_ptr<automation::Process>& Process() const { return process_; }
   const std::shared_ptr<vbide::VBE>& VBE() const { return vbe_; }
-  // The project opened at start; null when none was given or it could not be opened.
+  // Whether the path names a project group (.vbg) rather than a project.
+  static bool IsGroupFile(std::string_view path);
+
+  // The project opened at start (of a group: its start-up project, else the first that opened);
+  // null when none was given or none could be opened.
   const std::shared_ptr<vbide::VBProject>& VBProject() const { return project_; }
   // The add-ins created at start, connected or not (AddIn.Connect tells).
   const std::vector<std::shared_ptr<vbide::AddIn>>& AddIns() const { return addIns_; }
@@ -90,6 +97,8 @@ class Ide {
   void LoadAddIns();
   // Opens the project and raises ItemAdded; null (and a problem) when it cannot be opened.
   std::shared_ptr<vbide::VBProject> OpenProject(std::string_view path);
+  // Opens each project of the group in its order; failures are problems, as for one project.
+  void OpenGroup(std::string_view path);
   // Calls a member of IDTExtensibility on every connected add-in; failures become problems.
   void Notify(std::string_view member, automation::Args arguments);
   void Record(std::string context);
