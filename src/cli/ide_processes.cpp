@@ -102,12 +102,6 @@ bool HasOpen(const IdeProcess& process, const std::string& projectFile) {
                      [&](const std::string& open) { return host::ObjectTable::Key(open) == key; });
 }
 
-bool AnyHasOpen(const std::string& projectFile) {
-  const std::vector<RunningIde> ides = RunningIdes();
-  return std::any_of(ides.begin(), ides.end(),
-                     [&](const RunningIde& ide) { return HasOpen(ide.process, projectFile); });
-}
-
 void StopIdesOf(const std::string& projectFile) {
   std::vector<RunningIde> targets;
   for (RunningIde& ide : RunningIdes()) {

@@ -30,9 +30,6 @@ std::vector<RunningIde> RunningIdes();
 // compares names.
 bool HasOpen(const IdeProcess& process, const std::string& projectFile);
 
-// Whether any IDE of this qx home has the project open.
-bool AnyHasOpen(const std::string& projectFile);
-
 // Ends each IDE and waits until every one has gone, calling `stopped` for each as it goes. One
 // that answers is told to end (it saves nothing it was not asked to save); one that does not,
 // or that is still there after kQuitGrace, gets SIGTERM, and SIGKILL after kTermGrace.

@@ -36,22 +36,15 @@ class Collector {
 
   void Group(const fs::path& group) {
     const std::string bytes = platform::ReadFile(group.string());
-    platform::ProjectLineReader reader(bytes, platform::CurrentCodePage(), group.string());
-    while (reader.Next()) {
-      const platform::ProjectLine& line = reader.Line();
-      if (!line.hasKey) continue;
-      if (!automation::EqualsAsciiNoCase(line.key, "Project") &&
-          !automation::EqualsAsciiNoCase(line.key, "StartupProject")) {
-        continue;
-      }
-      const fs::path project = ResolveProjectPath(group.parent_path(), line.value);
+    for (const platform::GroupMember& member :
+         platform::ReadGroupMembers(bytes, platform::CurrentCodePage(), group.string())) {
+      const fs::path project = ResolveProjectPath(group.parent_path(), member.file);
       if (fs::is_regular_file(project)) {
         Add(project);
       } else {
         out_.errors.emplace_back(53, "qx",
                                  "File not found: " + project.string() + " (line " +
-                                     std::to_string(reader.Number()) + " of " + group.string() +
-                                     ")");
+                                     std::to_string(member.line) + " of " + group.string() + ")");
       }
     }
   }

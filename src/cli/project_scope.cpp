@@ -4,6 +4,7 @@
 
 #include "cli/ide_processes.h"
 #include "contracts/driver_interfaces.h"
+#include "host/object_table.h"
 
 namespace cli {
 namespace {
@@ -42,7 +43,8 @@ struct Deactivate {
 
 void WithProject(Session& session, const std::filesystem::path& projectFile, WarmIdes* warm,
                  const std::function<void(const automation::ObjectRef& project)>& body) {
-  const EndStartedIde endStartedIde{projectFile.string(), AnyHasOpen(projectFile.string()), warm};
+  const EndStartedIde endStartedIde{
+      projectFile.string(), host::ObjectTable::Get().Registered(projectFile.string()), warm};
   const automation::ObjectRef project = session.OpenProject(projectFile.string());
   const Deactivate deactivate{project};
   body(project);

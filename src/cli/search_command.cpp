@@ -26,6 +26,7 @@
 #include "automation/casefold.h"
 #include "cli/commands.h"
 #include "cli/file_matches.h"
+#include "cli/ide_groups.h"
 #include "cli/ide_processes.h"
 #include "cli/interruption.h"
 #include "cli/listing.h"
@@ -144,21 +145,33 @@ class Run {
     Session session;
     ProgressLine progress(printer_, discovery.projects.size());
     progress_ = &progress;
-    for (const fs::path& projectFile : discovery.projects) {
+    // A search of many projects opens them in groups, an IDE for many; a replace opens each
+    // project's scratch copy, and a quiet search stops at its first match.
+    const bool grouped = IdeGroups::Enabled() && discovery.projects.size() > 1 &&
+                         !options_.replacement && options_.style != SearchStyle::Quiet;
+    IdeGroups groups(warm_);
+    for (size_t index = 0; index < discovery.projects.size(); ++index) {
+      const fs::path& projectFile = discovery.projects[index];
       if (Stopped()) break;
       progress.Project(ShowPath(projectFile));
       project_ = ShowPath(projectFile);
       projectReported_ = false;
       try {
+        if (grouped) {
+          groups.Before(discovery.projects, index,
+                        [&](const fs::path& project) { return NeedsIde(session, project); });
+        }
         Project(session, projectFile);
       } catch (const automation::Error& e) {
         Report({false, project_, "", 0, e.Number(), e.Description()});
       } catch (const fs::filesystem_error& e) {
         Report({false, project_, "", 0, 75, e.what()});
       }
+      groups.Done(projectFile);
       if (options_.style == SearchStyle::Quiet && totals_.matches > 0 && !options_.replacement)
         break;
     }
+    if (Interrupted() == 0) groups.Finish();
     project_.clear();
     // A place that --only names and no project had: a mistyped id changes nothing, and says so.
     if (!Stopped()) {
@@ -300,6 +313,30 @@ class Run {
     }
     Write(session, projectFile, preview.changed);
     if (projectChanged) Compare(projectChange);
+  }
+
+  // Whether a search of the project may ask the IDE anything, judged before its turn: nothing
+  // when none of its component files can hold a match (or it cannot be opened), else the bytes
+  // of its files. A designer is always asked of the IDE; a file that cannot be read may be.
+  std::optional<std::uintmax_t> NeedsIde(Session& session, const fs::path& projectFile) {
+    session.UseCodePageOf(projectFile.string());
+    const host::RunView::Scope view;
+    const ProjectSurvey survey = SurveyProject(projectFile);
+    if (!survey.opens) return std::nullopt;
+    std::optional<Prefilter> prefilter;
+    if (prefiltering_)
+      prefilter.emplace(options_, platform::GetCodePage(session.CodePage().number));
+    std::uintmax_t bytes = 0;
+    bool needs = false;
+    for (const ComponentFile& file : survey.files) {
+      if (survey.missing.contains(FileKey(file.file))) continue;
+      const std::optional<std::string> read = ReadIfReadable(file.file);
+      bytes += read ? read->size() : 0;
+      needs = needs || !prefilter || file.collection == kDesigners || !read ||
+              prefilter->CouldMatch(file.collection, file.name, *read);
+    }
+    if (!needs) return std::nullopt;
+    return bytes;
   }
 
   // Scans the chosen components of the project (or of its scratch copy), showing what each

@@ -1,5 +1,6 @@
 // What a search run does with the IDE processes and with what it cannot search yet: a folder of
-// projects keeps one IDE at a time and leaves none, nor anything in the run folder; a file that
+// projects keeps few IDEs alive, one per project or one for a group of them, and leaves only the
+// warm ones, nor anything else in the run folder; a file that
 // several projects share is searched once; Ctrl-C ends the IDE the run started, and a reader
 // that has gone stops the run; forms are left out with a notice unless asked for; JSON's "begin"
 // says the code page; components whose bytes cannot match are passed over, printing what a full
@@ -90,7 +91,11 @@ TEST_F(SearchRuns, AFolderOfProjectsKeepsFewIdesAliveAndLeavesOnlyTheWarmOnes) {
   const fs::path log = WatchIdeStarts();
 
   ::setenv("QX_KEEP_IDES", "2", 1);
-  const auto run = Qx({"search", "--json", "-e", "running", "-e", "sharedword", folder.string()});
+  const std::vector<std::string> search = {"search", "--json",     "-e",           "running",
+                                           "-e",     "sharedword", folder.string()};
+  ::setenv("QX_NO_GROUPS", "1", 1);  // first each project in an IDE of its own
+  const auto run = Qx(search);
+  ::unsetenv("QX_NO_GROUPS");
   ASSERT_EQ(run.status, 0) << run.err;
   // One IDE per project that had a component left to search (the second project of the shared
   // module has none), each started while at most two (the warm ones) were alive; the last two
@@ -121,6 +126,25 @@ TEST_F(SearchRuns, AFolderOfProjectsKeepsFewIdesAliveAndLeavesOnlyTheWarmOnes) {
   EXPECT_EQ(begins, 5u * 3 + 1);
   EXPECT_EQ(sharedBegins, 1u);
   EXPECT_EQ(run.err, "");
+
+  // Then in groups: the add-in is enabled now, so the six projects that need the IDE share one,
+  // which is kept; what the search finds is the same.
+  const size_t startsBefore = ReadBytes(log).size();
+  const auto grouped = Qx(search);
+  ASSERT_EQ(grouped.status, 0) << grouped.err;
+  const std::string groupStarts = ReadBytes(log).substr(startsBefore);
+  EXPECT_EQ(std::count(groupStarts.begin(), groupStarts.end(), '\n'), 1) << groupStarts;
+  const auto found = [](const std::string& out) {
+    std::vector<nlohmann::json> records;
+    for (const nlohmann::json& record : JsonLines(out)) {
+      if (record["type"] == "begin" || record["type"] == "match") records.push_back(record);
+    }
+    return records;
+  };
+  EXPECT_EQ(found(grouped.out), found(run.out));
+  EXPECT_EQ(JsonLines(grouped.out).back()["data"]["ides_kept"], 1) << grouped.out;
+  ASSERT_EQ(Qx({"ide", "stop", "--all"}).status, 0);
+  EXPECT_EQ(RunFolder(home()), std::vector<std::string>{}) << "left in the run folder";
 }
 
 TEST_F(SearchRuns, CtrlCEndsTheIdeTheRunStartedAndLeavesNothing) {
