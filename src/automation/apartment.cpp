@@ -43,12 +43,31 @@ void Apartment::Wake() {
   }
 }
 
+void Apartment::SetIdleWork(std::function<bool()> step) {
+  idle_ = std::move(step);
+}
+
 void Apartment::Serve(const bool& done, const bool* stop) {
+  ++serving_;
+  struct Leave {
+    int& serving;
+    ~Leave() { --serving; }
+  } leave{serving_};
   while (!done && (stop == nullptr || !*stop)) {
     if (!jobs_.empty()) {
       kj::Function<void()> job = kj::mv(jobs_.front());
       jobs_.pop_front();
       job();
+      continue;
+    }
+    if (idle_ && stop != nullptr && serving_ == 1) {
+      // What has arrived goes first; the idle work only once nothing has.
+      io_.waitScope.poll();
+      if (!jobs_.empty() || done || *stop) continue;
+      // The step may set other idle work, or remove its own: the one that ran is done when it
+      // says so and nothing replaced it.
+      std::function<bool()> step = idle_;
+      if (!step()) idle_ = nullptr;
       continue;
     }
     // A job or the settling of what the caller waits for fulfils this; a nested wait inside a

@@ -52,6 +52,13 @@ class Apartment {
   // is then answered at once rather than at the end of the period).
   void ServeFor(std::chrono::milliseconds duration, const bool& stop);
 
+  // Work for the time the process has nothing else to do: while its main loop serves
+  // (ServeFor with a stop flag, not a wait inside a call or for another process) and no call is
+  // queued or arriving, `step` runs, one step at a time, until it answers false. A call that
+  // arrives waits for at most the step in progress. One piece of idle work at a time: setting it
+  // replaces the last; an empty function removes it.
+  void SetIdleWork(std::function<bool()> step);
+
   // Serves calls until `done` answers true (asked at least every `step`, and as soon as `wake`,
   // a descriptor, turns readable, when one is given) or the deadline passes; true when done.
   // `done` takes whatever makes `wake` readable, or it is asked again only at the next step.
@@ -68,6 +75,8 @@ class Apartment {
   kj::AsyncIoContext io_;
   uint64_t id_;
   std::deque<kj::Function<void()>> jobs_;
+  std::function<bool()> idle_;
+  int serving_ = 0;  // how deep Serve is nested: idle work runs at the outermost only
   kj::Own<kj::PromiseFulfiller<void>> wake_;
 };
 

@@ -42,6 +42,15 @@ ObjectRef Connect(const std::string& socketPath);
 // per process; an empty function removes it.
 void SetIncomingCallObserver(std::function<void(const Object& callee)> observer);
 
+// Idle work of one of our objects (Apartment::SetIdleWork): each step runs as a call that another
+// process makes into the object would, in the process that made it and told to the observer of
+// incoming calls, for as long as the object lives and the step answers true.
+// A step may call nothing in another process (which is not waiting for it): such a call raises
+// 5, and IdleStepCalledOut() then answers true until the next step, which should leave what it
+// was doing to be done in a call.
+void SetIdleWork(const std::shared_ptr<Object>& object, std::function<bool()> step);
+bool IdleStepCalledOut();
+
 // True when the object is a proxy for an object of another process (for tests and diagnostics:
 // callers need not care).
 bool IsRemote(const ObjectRef& object);

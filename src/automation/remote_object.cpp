@@ -160,8 +160,25 @@ const ClassInfo& RemoteObject::Class() const {
   return info;
 }
 
+namespace {
+// While a step of idle work runs, no call goes out: the other process is not waiting for us and
+// may not serve us until it next calls; the step is told and leaves the work for a call.
+struct IdleStep {
+  bool running = false;
+  bool calledOut = false;
+};
+IdleStep& CurrentIdleStep() {
+  static IdleStep step;
+  return step;
+}
+}  // namespace
+
 Variant RemoteObject::Invoke(std::string_view interfaceName, std::string_view memberName,
                              MemberKind kind, Args& args) {
+  if (CurrentIdleStep().running) {
+    CurrentIdleStep().calledOut = true;
+    Raise(err::kInvalidCall, "no call to another process from idle work");
+  }
   try {
     auto request = client_.invokeRequest();
     request.setInterface(std::string(interfaceName));
@@ -209,6 +226,31 @@ ObjectRef ImportObject(wire::ObjectRef::Reader in) {
 
 void SetIncomingCallObserver(std::function<void(const Object&)> observer) {
   IncomingCallObserver() = std::move(observer);
+}
+
+void SetIdleWork(const std::shared_ptr<Object>& object, std::function<bool()> step) {
+  if (!step) {
+    Apartment::Get().SetIdleWork({});
+    return;
+  }
+  Apartment::Get().SetIdleWork([weak = std::weak_ptr<Object>(object), step = std::move(step)] {
+    const std::shared_ptr<Object> alive = weak.lock();
+    if (!alive) return false;
+    std::optional<Process::Scope> scope;
+    if (auto owner = alive->Owner()) scope.emplace(std::move(owner));
+    if (const auto& observer = IncomingCallObserver()) observer(*alive);
+    IdleStep& current = CurrentIdleStep();
+    current = {true, false};
+    struct Done {
+      IdleStep& step;
+      ~Done() { step.running = false; }
+    } done{current};
+    return step();
+  });
+}
+
+bool IdleStepCalledOut() {
+  return CurrentIdleStep().calledOut;
 }
 
 size_t ExportedObjectCount() {

@@ -1,5 +1,6 @@
 #include "cli/scan_agent.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <string_view>
@@ -29,9 +30,9 @@ std::string Key(const std::string& collection, const std::string& name) {
   return collection + "/" + name;
 }
 
-std::string ItemsJson(const std::vector<AgentItem>& items, size_t from) {
+std::string ItemsJson(const std::vector<AgentItem>& items) {
   nlohmann::json list = nlohmann::json::array();
-  for (size_t i = from; i < items.size(); ++i) {
+  for (size_t i = 0; i < items.size(); ++i) {
     nlohmann::json& item = list.emplace_back(nlohmann::json{
         {"factory", items[i].factory}, {"name", items[i].name}, {"updatable", items[i].updatable}});
     if (!items[i].request.empty()) item["request"] = items[i].request;
@@ -53,27 +54,24 @@ bool ScanAgentView::Enabled() {
   return off == nullptr || std::string_view(off) != "1";
 }
 
-std::vector<AgentOutcome> ScanAgentView::Scan(const std::vector<AgentItem>& items,
+std::vector<AgentOutcome> ScanAgentView::Next(const std::vector<AgentItem>& items,
                                               const std::string& request) const {
-  std::vector<AgentOutcome> outcomes;
-  while (outcomes.size() < items.size()) {
-    std::vector<AgentOutcome> done =
-        host::scan::DecodeOutcomes(agent_
-                                       .Call("ScanComponents", dispatcher_, project_, projectName_,
-                                             ItemsJson(items, outcomes.size()), request)
-                                       .ToString());
-    if (done.empty()) automation::Raise(automation::err::kInternal, "the scan agent did nothing");
-    for (AgentOutcome& outcome : done)
-      outcomes.push_back(std::move(outcome));
-  }
-  outcomes.resize(items.size());
-  return outcomes;
+  std::vector<AgentOutcome> done = host::scan::DecodeOutcomes(
+      agent_.Call("ScanComponents", dispatcher_, project_, projectName_, ItemsJson(items), request)
+          .ToString());
+  if (done.empty()) automation::Raise(automation::err::kInternal, "the scan agent did nothing");
+  if (done.size() > items.size()) done.resize(items.size());
+  return done;
+}
+
+void ScanAgentView::Queue(const std::vector<AgentItem>& items, const std::string& request) const {
+  agent_.Call("QueueComponents", dispatcher_, project_, projectName_, ItemsJson(items), request);
 }
 
 void ScanBatches::Start(const automation::ObjectRef& dispatcher,
                         const automation::ObjectRef& project, const std::string& projectName) {
   agent_.reset();
-  found_.clear();
+  Forget();
   try {
     agent_.emplace(dispatcher, project, projectName);
   } catch (const automation::Error&) {
@@ -83,37 +81,62 @@ void ScanBatches::Start(const automation::ObjectRef& dispatcher,
 
 void ScanBatches::Scan(const std::vector<Item>& components) {
   if (!agent_) return;
-  std::vector<AgentItem> items;
-  std::vector<std::string> keys;
   for (const Item& component : components) {
     const contracts::ComponentKind* kind = contracts::FindCollectionKind(component.collection);
     if (kind == nullptr) continue;
-    items.push_back(
+    pending_.push_back(
         {std::string(kind->factory), component.name, component.writable, component.request});
-    keys.push_back(Key(component.collection, component.name));
+    pendingKeys_.push_back(Key(component.collection, component.name));
   }
-  if (items.empty()) return;
+  if (pending_.empty()) return;
   try {
-    std::vector<AgentOutcome> outcomes = agent_->Scan(items, request_);
-    for (size_t i = 0; i < keys.size(); ++i) {
-      found_[keys[i]] = {items[i].request.empty() ? request_ : items[i].request,
-                         std::move(outcomes[i])};
-    }
+    agent_->Queue(pending_, request_);
   } catch (const automation::Error&) {
     agent_.reset();
+    pending_.clear();
+    pendingKeys_.clear();
+  }
+}
+
+void ScanBatches::Advance() {
+  try {
+    std::vector<AgentOutcome> outcomes = agent_->Next(pending_, request_);
+    for (size_t i = 0; i < outcomes.size(); ++i) {
+      found_[pendingKeys_[i]] = {pending_[i].request.empty() ? request_ : pending_[i].request,
+                                 std::move(outcomes[i])};
+    }
+    pending_.erase(pending_.begin(),
+                   pending_.begin() + static_cast<std::ptrdiff_t>(outcomes.size()));
+    pendingKeys_.erase(pendingKeys_.begin(),
+                       pendingKeys_.begin() + static_cast<std::ptrdiff_t>(outcomes.size()));
+  } catch (const automation::Error&) {
+    agent_.reset();
+    pending_.clear();
+    pendingKeys_.clear();
   }
 }
 
 std::optional<std::vector<ComponentScan>> ScanBatches::Take(const std::string& collection,
                                                             const std::string& name,
                                                             const std::string& request) {
-  const auto it = found_.find(Key(collection, name));
+  const std::string key = Key(collection, name);
+  while (agent_ && !found_.contains(key) &&
+         std::find(pendingKeys_.begin(), pendingKeys_.end(), key) != pendingKeys_.end()) {
+    Advance();
+  }
+  const auto it = found_.find(key);
   if (it == found_.end() || request != it->second.first) return std::nullopt;
   AgentOutcome outcome = std::move(it->second.second);
   found_.erase(it);
   if (outcome.error && outcome.atFactory) return std::nullopt;
   if (outcome.error) throw *outcome.error;
   return std::move(outcome.scans);
+}
+
+void ScanBatches::Forget() {
+  found_.clear();
+  pending_.clear();
+  pendingKeys_.clear();
 }
 
 }  // namespace cli

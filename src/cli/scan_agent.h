@@ -31,11 +31,14 @@ class ScanAgentView {
   // False when $QX_NO_BATCH is 1: every component is scanned on its own, as a reference run.
   static bool Enabled();
 
-  // Every item scanned with the request (or its own), one outcome per item in their order: the
-  // agent answers
-  // for a time slice at a time, and is handed the rest until none is left.
-  std::vector<AgentOutcome> Scan(const std::vector<AgentItem>& items,
+  // The items scanned with the request (or their own), one outcome per item in their order, for
+  // as many as the agent did in one call (at least one): it answers for a time slice at a time,
+  // or at once with what it scanned ahead while the caller was busy; the caller hands it the
+  // rest when it needs them.
+  std::vector<AgentOutcome> Next(const std::vector<AgentItem>& items,
                                  const std::string& request) const;
+  // Hands the agent the items that Next will ask for, to scan ahead; answers at once.
+  void Queue(const std::vector<AgentItem>& items, const std::string& request) const;
 
  private:
   automation::ObjectRef dispatcher_;
@@ -61,9 +64,11 @@ class ScanBatches {
   void Stop() { agent_.reset(); }
   bool Running() const { return agent_.has_value(); }
 
-  // Scans the components (collection and entry name) through the agent; what it found for each
-  // is kept until taken. When the agent fails (its IDE has ended, say) it is let go, and each
-  // component is scanned on its own, which says what fails where.
+  // Queues the components (collection and entry name) for the agent, which is asked for them
+  // as Take needs them, many at a time; what it found for each is kept until taken. When the
+  // agent fails (its IDE has ended, say) it is let go, and each component is scanned on its own,
+  // which says what fails where. Between the calls, while qx shows what came back, the agent
+  // scans the rest ahead.
   struct Item {
     std::string collection;
     std::string name;
@@ -78,14 +83,20 @@ class ScanBatches {
   std::optional<std::vector<ComponentScan>> Take(const std::string& collection,
                                                  const std::string& name,
                                                  const std::string& request);
-  // Forgets what was not taken.
-  void Forget() { found_.clear(); }
+  // Forgets what was not taken, and what was not asked for.
+  void Forget();
 
  private:
+  // One call to the agent for the components queued; what it did is kept.
+  void Advance();
+
   const std::string request_;
   std::optional<ScanAgentView> agent_;
   // By collection and name: the request it was scanned with, and what the agent found.
   std::map<std::string, std::pair<std::string, AgentOutcome>> found_;
+  // The components queued and not yet scanned, in order, with their keys.
+  std::vector<AgentItem> pending_;
+  std::vector<std::string> pendingKeys_;
 };
 
 }  // namespace cli

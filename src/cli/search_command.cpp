@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <deque>
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -401,6 +402,7 @@ class Run {
           reached = true;
           if (batches_.Enabled()) {
             queue_.clear();
+            handed_ = 0;
             batches_.Start(dispatcher, project, scanned.stem().string());
           }
         }
@@ -408,7 +410,11 @@ class Run {
         if (batches_.Running()) {
           const bool batched = !options_.replacement || ReadBefore(file, copy, read);
           queue_.push_back({collection.name, entry, file, std::move(read), batched, {}});
-          if (queue_.size() >= kBatch) Flush(project, scanned, copy, session.CodePage(), result);
+          // The agent gets components half a batch at a time, and a batch waits to be shown,
+          // so that it always has some to scan ahead while qx shows what it found.
+          if (queue_.size() - handed_ >= kBatch / 2) Hand();
+          if (queue_.size() >= kBatch)
+            ShowQueued(kBatch / 2, project, scanned, copy, session.CodePage(), result);
           continue;
         }
         ScanComponent(project, scanned, collection.name, entry, file, copy, session.CodePage(),
@@ -436,20 +442,32 @@ class Run {
     }
   }
 
-  // Scans the waiting components through the agent, then shows each in its turn as a scan on
-  // its own would (Component takes the agent's outcome for it).
-  void Flush(const automation::ObjectRef& project, const fs::path& scanned, const ScratchCopy* copy,
-             const platform::ProjectCodePage& codePage, PassResult& result) {
-    std::vector<Queued> queue = std::move(queue_);
-    queue_.clear();
+  // Hands the agent the components queued since it was last handed some, to scan before their
+  // turn comes.
+  void Hand() {
     std::vector<ScanBatches::Item> items;
-    for (const Queued& queued : queue) {
-      if (queued.batched)
-        items.push_back({queued.collection, queued.entry.name, queued.entry.writable});
+    for (size_t i = handed_; i < queue_.size(); ++i) {
+      if (queue_[i].batched)
+        items.push_back({queue_[i].collection, queue_[i].entry.name, queue_[i].entry.writable});
     }
+    handed_ = queue_.size();
     batches_.Scan(items);
-    for (Queued& queued : queue) {
-      if (Stopped()) break;
+  }
+
+  // Shows the queued components in their turn, oldest first, until `keep` are left, as a scan on
+  // its own would show each (Component takes the agent's outcome for it).
+  void ShowQueued(size_t keep, const automation::ObjectRef& project, const fs::path& scanned,
+                  const ScratchCopy* copy, const platform::ProjectCodePage& codePage,
+                  PassResult& result) {
+    while (queue_.size() > keep) {
+      if (Stopped()) {
+        queue_.clear();
+        handed_ = 0;
+        return;
+      }
+      Queued queued = std::move(queue_.front());
+      queue_.pop_front();
+      handed_ -= std::min<size_t>(handed_, 1);
       if (queued.unmatched) {
         Show(*queued.unmatched);
         progress_->ComponentDone();
@@ -458,6 +476,13 @@ class Run {
       ScanComponent(project, scanned, queued.collection, queued.entry, queued.file, copy, codePage,
                     std::move(queued.read), result);
     }
+  }
+
+  // Shows every component still queued; what the agent found and nobody took is forgotten.
+  void Flush(const automation::ObjectRef& project, const fs::path& scanned, const ScratchCopy* copy,
+             const platform::ProjectCodePage& codePage, PassResult& result) {
+    Hand();
+    ShowQueued(0, project, scanned, copy, codePage, result);
     batches_.Forget();
   }
 
@@ -938,7 +963,8 @@ class Run {
   std::optional<Prefilter> prefilter_;  // the project's, when the run prefilters
   // A search's batches, and the components waiting for theirs.
   ScanBatches batches_;
-  std::vector<Queued> queue_;
+  std::deque<Queued> queue_;
+  size_t handed_ = 0;    // how many of the queue's first components the agent has been handed
   std::string request_;  // the request the buffer holds
   // The run's scan buffer, made on first use (the session registers its class) and let go
   // before the session ends.

@@ -1,12 +1,14 @@
 // The scan agent and qx's side of it, in one process: the agent makes each component through the
 // dispatcher's factory and scans it through its own buffer, says where each failure came from,
-// stops at the end of its time slice, and qx's side hands it the rest until all are done.
+// stops at the end of its time slice, scans the rest ahead while nothing calls, and qx's side
+// hands it the rest as each component's turn comes.
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <thread>
 
+#include "automation/apartment.h"
 #include "automation/error.h"
 #include "cli/scan_agent.h"
 #include "host/host_utility.h"
@@ -37,6 +39,7 @@ class StandInComponent : public automation::Object {
   // Its result carries the flag it was handed where a collection's name goes.
   void Scan(const std::string&, const std::string& name, bool updatable,
             const std::string& bufferName) {
+    ++scans;
     if (name_ == "Broken") automation::RaiseMessage(70, "Permission denied");
     if (name_ == "Slow") std::this_thread::sleep_for(host::scan::ScanAgent::kSlice * 3 / 2);
     const ObjectRef buffer = host::HostUtility::Instance()->GetRegisteredObject(bufferName);
@@ -45,6 +48,8 @@ class StandInComponent : public automation::Object {
     result.component = name;
     Dispatch(buffer).Call("AddResult", host::scan::EncodeScan(result));
   }
+
+  static inline int scans = 0;
 
  private:
   std::string name_;
@@ -76,8 +81,9 @@ TEST(ScanAgent, ScansEachComponentInItsTurnAndSaysWhereEachFailureCameFrom) {
                                              {"GetModule", "Module1", false}};
 
   // One call ends with the component that spent the slice.
+  const ObjectRef agent = automation::CreateObject("qxlib41.ScanAgent");
   const std::vector<host::scan::AgentOutcome> first = host::scan::DecodeOutcomes(
-      Dispatch(automation::CreateObject("qxlib41.ScanAgent"))
+      Dispatch(agent)
           .Call("ScanComponents", dispatcher, ObjectRef(), "Inventory",
                 R"([{"factory":"GetModule","name":"Slow","updatable":true},
                     {"factory":"GetModule","name":"Module1","updatable":true}])",
@@ -86,23 +92,46 @@ TEST(ScanAgent, ScansEachComponentInItsTurnAndSaysWhereEachFailureCameFrom) {
   ASSERT_EQ(first.size(), 1u);
   EXPECT_EQ(first[0].scans[0].component, "Slow");
 
-  // qx's side hands it the rest until every component is done, in order.
-  const cli::ScanAgentView agent(dispatcher, nullptr, "Inventory");
-  const std::vector<cli::AgentOutcome> outcomes = agent.Scan(items, R"({"patterns":["x"]})");
-  ASSERT_EQ(outcomes.size(), items.size());
-  ASSERT_EQ(outcomes[0].scans.size(), 1u);
-  EXPECT_EQ(outcomes[0].scans[0].component, "Slow");
-  EXPECT_EQ(outcomes[0].scans[0].collection, "updatable");
-  ASSERT_TRUE(outcomes[1].error);
-  EXPECT_EQ(outcomes[1].error->Number(), 35);
-  EXPECT_TRUE(outcomes[1].atFactory);
-  ASSERT_TRUE(outcomes[2].error);
-  EXPECT_EQ(outcomes[2].error->Number(), 70);
-  EXPECT_EQ(outcomes[2].error->Description(), "Permission denied");
-  EXPECT_FALSE(outcomes[2].atFactory);
-  ASSERT_EQ(outcomes[3].scans.size(), 1u);
-  EXPECT_EQ(outcomes[3].scans[0].component, "Module1");
-  EXPECT_EQ(outcomes[3].scans[0].collection, "read-only");
+  // While nothing calls, the agent scans the rest ahead; the next call that asks for it gets the
+  // outcome at once, without a second scan.
+  const int scansBefore = StandInComponent::scans;
+  const bool stop = false;
+  automation::Apartment::Get().ServeFor(std::chrono::milliseconds(50), stop);
+  EXPECT_EQ(StandInComponent::scans, scansBefore + 1);
+  const std::vector<host::scan::AgentOutcome> ahead = host::scan::DecodeOutcomes(
+      Dispatch(agent)
+          .Call("ScanComponents", dispatcher, ObjectRef(), "Inventory",
+                R"([{"factory":"GetModule","name":"Module1","updatable":true}])",
+                R"({"patterns":["x"]})")
+          .ToString());
+  ASSERT_EQ(ahead.size(), 1u);
+  EXPECT_EQ(ahead[0].scans[0].component, "Module1");
+  EXPECT_EQ(StandInComponent::scans, scansBefore + 1);
+
+  // qx's side asks for the rest as each component's turn comes, in order; a component whose
+  // object could not be made is left to be scanned on its own, which says why.
+  const std::string request = R"({"patterns":["x"]})";
+  cli::ScanBatches batches(request);
+  batches.Start(dispatcher, nullptr, "Inventory");
+  batches.Scan({{"Modules", "Slow", true},
+                {"Modules", "Missing", true},
+                {"Modules", "Broken", false},
+                {"Modules", "Module1", false}});
+  const auto slow = batches.Take("Modules", "Slow", request);
+  ASSERT_TRUE(slow);
+  EXPECT_EQ((*slow)[0].component, "Slow");
+  EXPECT_EQ((*slow)[0].collection, "updatable");
+  EXPECT_FALSE(batches.Take("Modules", "Missing", request));
+  try {
+    batches.Take("Modules", "Broken", request);
+    ADD_FAILURE() << "the scan's error is raised";
+  } catch (const automation::Error& e) {
+    EXPECT_EQ(e.Number(), 70);
+    EXPECT_EQ(e.Description(), "Permission denied");
+  }
+  const auto module1 = batches.Take("Modules", "Module1", request);
+  ASSERT_TRUE(module1);
+  EXPECT_EQ((*module1)[0].collection, "read-only");
 }
 
 }  // namespace
