@@ -146,6 +146,8 @@ TEST(RenamePlan, TheNamesCodeDeclaresAreFoundInItsStatementsAlone) {
       {"Public Type Row\r\n  Id As Long\r\nEnd Type", {"Row"}},
       {"ReDim Preserve arr(10)\r\nDim a, _\r\n    b As Long", {"arr", "a", "b"}},
       {"Dim t As String ' Dim u\r\nx = \"Dim v\"\r\nRem Dim w", {"t"}},
+      {"private enum Kinds\r\nPublic Event Changed\r\nProperty Let V(ParamArray rest())",
+       {"Kinds", "rest"}},
   };
   for (const auto& c : cases)
     EXPECT_EQ(cli::DeclaredNames(c.code), c.names) << c.code;
