@@ -50,4 +50,8 @@ void WithProject(Session& session, const std::filesystem::path& projectFile, War
   body(project);
 }
 
+automation::ObjectRef ReachIde(const automation::ObjectRef& project) {
+  return automation::Dispatch(project).Get("Dispatcher").ToObject();
+}
+
 }  // namespace cli

@@ -19,4 +19,8 @@ namespace cli {
 void WithProject(Session& session, const std::filesystem::path& projectFile, WarmIdes* warm,
                  const std::function<void(const automation::ObjectRef& project)>& body);
 
+// Connects the opened project to its IDE, starting one if need be (reads its Dispatcher): a
+// failure here (the IDE cannot be started, the project cannot be opened) is the project's.
+automation::ObjectRef ReachIde(const automation::ObjectRef& project);
+
 }  // namespace cli

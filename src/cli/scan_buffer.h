@@ -3,9 +3,12 @@
 // IDE's process and brings its results back. Created in qx's process and called by name, so
 // the host library's class serves it wherever it lives.
 
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "automation/object.h"
+#include "cli/scan_results.h"
 
 namespace cli {
 
@@ -37,6 +40,23 @@ class RegisteredBuffer {
  private:
   std::string name_;
   int32_t cookie_ = 0;
+};
+
+// The run's one buffer, made and registered on first use (the session registers its class), which
+// carries the requests to every component scanned on its own and brings their results back.
+class RunBuffer {
+ public:
+  // Hands the component object to the scanner with the request and gives back what it found.
+  std::vector<ComponentScan> Scan(const automation::ObjectRef& object, const std::string& project,
+                                  const std::string& component, bool writable,
+                                  const std::string& request);
+  // Lets the buffer and its registration go (before the session ends).
+  void Release();
+
+ private:
+  std::optional<ScanBufferView> buffer_;
+  std::optional<RegisteredBuffer> registration_;
+  std::string request_;  // the request the buffer holds
 };
 
 }  // namespace cli

@@ -4,9 +4,10 @@
 // A replace runs the write on a scratch copy of the project first and shows how the copy's files
 // changed: that is the preview. --write then writes the project with the places the preview wrote
 // and no other (a place the preview showed refused is never sent again), and compares each file
-// it wrote with the preview's, so that nothing is written that the preview did not show. Each
-// component's request comes from the run's plan: the options' request for search and replace,
-// one decided after a first look at the component for rename.
+// it wrote with the preview's, so that nothing is written that the preview did not show
+// (write_pass.h). Each component's request comes from the run's plan: the options' request for
+// search and replace, one decided after a first look at the component for rename. What each
+// component gave is shown as scan_display.h says.
 //
 // Before a project is opened, its code page is taken and its project file surveyed
 // (project_survey.h): libraries not registered here are notes, missing component files errors,
@@ -26,7 +27,6 @@
 
 #include "automation/casefold.h"
 #include "cli/commands.h"
-#include "cli/file_matches.h"
 #include "cli/ide_groups.h"
 #include "cli/ide_processes.h"
 #include "cli/interruption.h"
@@ -37,17 +37,19 @@
 #include "cli/project_scope.h"
 #include "cli/project_survey.h"
 #include "cli/review.h"
+#include "cli/run_account.h"
 #include "cli/scan_agent.h"
 #include "cli/scan_buffer.h"
+#include "cli/scan_display.h"
 #include "cli/scan_results.h"
+#include "cli/scanned_file.h"
 #include "cli/scratch_copy.h"
 #include "cli/session.h"
-#include "cli/unified_diff.h"
 #include "cli/warm_ides.h"
+#include "cli/write_pass.h"
 #include "contracts/driver_interfaces.h"
 #include "contracts/enumeration.h"
 #include "host/run_view.h"
-#include "host/scan/scan_request.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 
@@ -64,32 +66,6 @@ constexpr size_t kBatch = 128;
 double Since(Clock::time_point start) {
   return std::chrono::duration<double>(Clock::now() - start).count();
 }
-
-// A file's bytes before and after a write; none when it is not there.
-struct FileChange {
-  fs::path original;  // the file as the user knows it (outside any scratch copy)
-  std::optional<std::string> before;
-  std::optional<std::string> after;
-};
-
-// One component file scanned: its bytes before and after, and what the scanner found.
-struct ScannedFile {
-  fs::path original;  // the file as the user knows it (outside any scratch copy)
-  std::string before;
-  std::string after;  // after a write; equal to before otherwise
-  // The file's size, when a search found nothing in it and did not read it.
-  std::optional<std::uintmax_t> unread;
-  std::vector<FileChange> companions;  // of a replace: each companion's bytes
-  ComponentScan scan;
-  double seconds = 0;
-  platform::ProjectCodePage codePage;
-  // What a write must do again: the component, its request and the places the scan wrote.
-  std::string collection;
-  contracts::EnumerationEntry entry;
-  size_t line = 0;  // the project file's line that names the component
-  std::string request;
-  std::vector<std::string> accepted;
-};
 
 // One project as a pass over it scanned it: each component whose file the scan changed, with its
 // request and the places it wrote, so that a write can do exactly that again.
@@ -123,24 +99,28 @@ class Run {
         printer_(printer),
         review_(review),
         plan_(std::move(plan)),
+        account_(printer),
+        totals_(account_.totals()),
         unseenOnly_(options.only.begin(), options.only.end()),
         keep_(Keep(options)),
         warm_(keep_),
         prefiltering_(options.prefilter),
-        batches_(options.batch ? BuildRequest(options) : std::string()) {}
+        batches_(options.batch ? BuildRequest(options) : std::string()),
+        display_(options, printer, account_, review != nullptr || !options.only.empty()),
+        writes_(account_, warm_, batches_, kBatch, buffer_) {}
 
   int Go() {
     const ProjectDiscovery discovery = FindProjects(options_.paths);
     for (const automation::Error& e : discovery.errors)
-      Report({false, "", "", 0, e.Number(), e.Description()});
+      account_.Report({false, "", "", 0, e.Number(), e.Description()});
     totals_.projectsNamed = discovery.projects.size() + discovery.errors.size();
     // A place's id is its component's, procedure's or property's name, which another project of a
     // folder may have too: the places a user chose are one project's.
     if (!options_.only.empty() && discovery.projects.size() > 1) {
-      Report({false, "", "", 0, 5,
-              "--only names the places of one project, and " +
-                  std::to_string(discovery.projects.size()) +
-                  " were found: give the project file of the places"});
+      account_.Report({false, "", "", 0, 5,
+                       "--only names the places of one project, and " +
+                           std::to_string(discovery.projects.size()) +
+                           " were found: give the project file of the places"});
       return kExitError;
     }
     Session session;
@@ -155,8 +135,7 @@ class Run {
       const fs::path& projectFile = discovery.projects[index];
       if (Stopped()) break;
       progress.Project(ShowPath(projectFile));
-      project_ = ShowPath(projectFile);
-      projectReported_ = false;
+      account_.BeginProject(ShowPath(projectFile));
       try {
         if (grouped) {
           groups.Before(discovery.projects, index,
@@ -164,23 +143,22 @@ class Run {
         }
         Project(session, projectFile);
       } catch (const automation::Error& e) {
-        Report({false, project_, "", 0, e.Number(), e.Description()});
+        account_.Report({false, account_.project(), "", 0, e.Number(), e.Description()});
       } catch (const fs::filesystem_error& e) {
-        Report({false, project_, "", 0, 75, e.what()});
+        account_.Report({false, account_.project(), "", 0, 75, e.what()});
       }
       groups.Done(projectFile);
       if (options_.style == SearchStyle::Quiet && totals_.matches > 0 && !options_.replacement)
         break;
     }
     if (Interrupted() == 0) groups.Finish();
-    project_.clear();
+    account_.BeginProject("");
     // A place that --only names and no project had: a mistyped id changes nothing, and says so.
     if (!Stopped()) {
       for (const std::string& id : unseenOnly_)
-        Report({false, "", "", 0, 5, "--only: no place \"" + id + "\" has a match"});
+        account_.Report({false, "", "", 0, 5, "--only: no place \"" + id + "\" has a match"});
     }
-    registration_.reset();
-    buffer_.reset();
+    buffer_.Release();
     progress.Clear();
     progress_ = nullptr;
     if (const int signal = Interrupted(); signal != 0) {
@@ -197,7 +175,7 @@ class Run {
     totals_.idesKept = warm_.Count();
     totals_.keptFor = keep_.idle;
     if (options_.summary) printer_.SearchSummary(totals_, options_.style);
-    if (errors_ > 0 || totals_.refused > 0) return kExitError;
+    if (account_.errors() > 0 || totals_.refused > 0) return kExitError;
     return totals_.matches > 0 ? kExitMatch : kExitNoMatch;
   }
 
@@ -232,26 +210,6 @@ class Run {
   // Whether the run stops before its end: interrupted, or nobody reads its output any more.
   bool Stopped() const { return Interrupted() != 0 || printer_.OutputClosed(); }
 
-  void Report(const RunProblem& problem) {
-    // Once interrupted, the run's IDEs are being ended: the calls in flight fail and the
-    // components not reached look unsearched. None of that is an error of the project.
-    if (Interrupted() != 0) return;
-    printer_.Report(problem);
-    ++totals_.problems;
-    if (!problem.note) ++errors_;
-    if (!problem.project.empty() && !projectReported_) {
-      projectReported_ = true;
-      ++totals_.projectsWithProblems;
-    }
-  }
-
-  // An error of one component of the project being searched.
-  void ComponentFailed(const std::string& component, const ComponentFile* file,
-                       const automation::Error& e) {
-    Report({false, project_, component, file != nullptr ? file->line : 0, e.Number(),
-            e.Description()});
-  }
-
   void Project(Session& session, const fs::path& projectFile) {
     // The project's code page before anything of it is read, its file included: the component
     // files are found by the paths it gives them, and a preview that read them in another code
@@ -263,7 +221,7 @@ class Run {
     const host::RunView::Scope view;
     const ProjectSurvey survey = SurveyProject(projectFile);
     for (const RunProblem& problem : survey.problems)
-      Report(problem);
+      account_.Report(problem);
     totals_.componentsSkipped += survey.missing.size();
     if (!survey.opens) {
       totals_.componentsSkipped += survey.files.size() - survey.missing.size();
@@ -286,14 +244,15 @@ class Run {
     for (const ComponentFile& file : copy.LeftOut()) {
       reachable.missing.insert(FileKey(file.file));
       ++totals_.componentsSkipped;
-      Report({false, project_, file.name, file.line, 5,
-              ShowPath(file.file) +
-                  " is not replaced: it (or a file that goes with it) is named by an absolute "
-                  "path, which the copy of the project that a replace is first made on cannot "
-                  "hold; name it relative to the project file"});
+      account_.Report(
+          {false, account_.project(), file.name, file.line, 5,
+           ShowPath(file.file) +
+               " is not replaced: it (or a file that goes with it) is named by an absolute "
+               "path, which the copy of the project that a replace is first made on cannot "
+               "hold; name it relative to the project file"});
     }
     FileChange projectChange{projectFile, platform::ReadFile(copy.project().string()), {}};
-    const size_t failedBefore = totals_.refused + errors_;
+    const size_t failedBefore = totals_.refused + account_.errors();
     PassResult preview = Pass(session, copy.project(), &copy, reachable);
     Unreached(reachable);
     // Renaming a module or class renames its entry in the project file too.
@@ -301,19 +260,19 @@ class Run {
     const bool projectChanged = projectChange.before != projectChange.after;
     if (projectChanged) {
       ++totals_.filesChanged;
-      if (options_.style != SearchStyle::Quiet) ShowChange(projectChange);
+      if (options_.style != SearchStyle::Quiet) display_.ShowChange(projectChange);
     }
     if (!options_.write || preview.changed.empty() || Interrupted() != 0) return;
     // A change that must be whole (a rename and its references) is not written in part.
-    if (options_.whole && totals_.refused + errors_ != failedBefore) {
-      Report({false, project_, "", 0, 5,
-              "nothing is written: the change cannot be made at every place it needs (the "
-              "errors above)"});
+    if (options_.whole && totals_.refused + account_.errors() != failedBefore) {
+      account_.Report({false, account_.project(), "", 0, 5,
+                       "nothing is written: the change cannot be made at every place it needs (the "
+                       "errors above)"});
       withheld_ = true;
       return;
     }
-    Write(session, projectFile, preview.changed);
-    if (projectChanged) Compare(projectChange);
+    writes_.Write(session, projectFile, preview.changed);
+    if (projectChanged) writes_.Compare(projectChange);
   }
 
   // Whether a search of the project may ask the IDE anything, judged before its turn: nothing
@@ -364,7 +323,7 @@ class Run {
     bool reached = false;
     if (std::any_of(files.begin(), files.end(),
                     [](const ComponentFile& file) { return file.collection == kDesigners; })) {
-      Reach(project);
+      ReachIde(project);
       reached = true;
     }
     for (const CollectionEnumeration& collection : EnumerateCollections(project)) {
@@ -389,7 +348,7 @@ class Run {
             if (!queue_.empty()) {
               queue_.push_back({collection.name, entry, file, {}, false, std::move(unmatched)});
             } else {
-              Show(unmatched);
+              display_.Show(unmatched);
               progress_->ComponentDone();
             }
             continue;
@@ -398,7 +357,7 @@ class Run {
         // Only a failure to reach the IDE is the project's; once it is reached, whatever
         // fails is the component's own.
         if (!reached) {
-          const automation::ObjectRef dispatcher = Reach(project);
+          const automation::ObjectRef dispatcher = ReachIde(project);
           reached = true;
           if (batches_.Enabled()) {
             queue_.clear();
@@ -438,7 +397,7 @@ class Run {
       }
       progress_->ComponentDone();
     } catch (const automation::Error& e) {
-      ComponentFailed(entry.name, file, e);
+      account_.ComponentFailed(entry.name, file != nullptr ? file->line : 0, e);
     }
   }
 
@@ -469,7 +428,7 @@ class Run {
       queue_.pop_front();
       handed_ -= std::min<size_t>(handed_, 1);
       if (queued.unmatched) {
-        Show(*queued.unmatched);
+        display_.Show(*queued.unmatched);
         progress_->ComponentDone();
         continue;
       }
@@ -484,12 +443,6 @@ class Run {
     Hand();
     ShowQueued(0, project, scanned, copy, codePage, result);
     batches_.Forget();
-  }
-
-  // Connects the project to its IDE, starting one if need be: a failure here (the IDE cannot be
-  // started, the project cannot be opened) is the project's.
-  static automation::ObjectRef Reach(const automation::ObjectRef& project) {
-    return automation::Dispatch(project).Get("Dispatcher").ToObject();
   }
 
   // Every component file of the project is searched, or has been said not to be: one that the
@@ -516,8 +469,8 @@ class Run {
       } catch (const automation::Error& e) {
         why = e.Description();
       }
-      Report({false, project_, file.name, file.line, 321,
-              ShowPath(file.file) + " not searched: " + why});
+      account_.Report({false, account_.project(), file.name, file.line, 321,
+                       ShowPath(file.file) + " not searched: " + why});
     }
   }
 
@@ -619,7 +572,8 @@ class Run {
     };
     const Look look = [&](const std::string& request) {
       if (auto scans = batches_.Take(collection, entry.name, request)) return std::move(*scans);
-      return Scan(objectOf(), projectFile, entry, request);
+      return buffer_.Scan(objectOf(), projectFile.stem().string(), entry.name, entry.writable,
+                          request);
     };
     const std::optional<std::string> request = plan_(look);
     if (!request) return std::nullopt;
@@ -666,7 +620,7 @@ class Run {
       }
       scanned.seconds = Since(started);
       if (copy != nullptr) NoteResets(scanned);
-      Show(scanned);
+      display_.Show(scanned);
       if (copy != nullptr && Changed(scanned)) changed = scanned;
     }
     return changed;
@@ -699,27 +653,6 @@ class Run {
                        [](const ScanPlace& place) { return place.error.has_value(); });
   }
 
-  static bool Changed(const ScannedFile& scanned) {
-    return scanned.after != scanned.before ||
-           std::any_of(scanned.companions.begin(), scanned.companions.end(),
-                       [](const FileChange& change) { return change.before != change.after; });
-  }
-
-  static std::vector<std::string> Accepted(const ComponentScan& scan) {
-    std::vector<std::string> ids;
-    for (const ScanPlace& place : scan.places) {
-      if (place.written) ids.push_back(place.id);
-    }
-    return ids;
-  }
-
-  // The request with its writes narrowed to these places.
-  static std::string OnlyThese(const std::string& request, const std::vector<std::string>& ids) {
-    host::scan::ScanRequest narrowed = host::scan::ScanRequest::Parse(request);
-    narrowed.only.emplace(ids.begin(), ids.end());
-    return narrowed.Encode();
-  }
-
   // Puts the copy's files of the component back as they were and scans it again, writing only
   // the places the first scan wrote; the refusals stay those of the first scan.
   void Redo(const automation::ObjectRef& object, const fs::path& projectFile,
@@ -737,7 +670,8 @@ class Run {
     const std::vector<std::string> accepted = Accepted(scanned.scan);
     if (!accepted.empty()) {
       for (const ComponentScan& again :
-           Scan(object, projectFile, entry, OnlyThese(scanned.request, accepted))) {
+           buffer_.Scan(object, projectFile.stem().string(), entry.name, entry.writable,
+                        OnlyThese(scanned.request, accepted))) {
         // What the second scan wrote is what the first wrote.
         for (ScanPlace& place : scanned.scan.places) {
           place.written = std::any_of(
@@ -767,100 +701,6 @@ class Run {
     }
   }
 
-  // Writes the project as its preview did: each changed component, with the places the preview
-  // wrote and no other, then each file compared with the preview's.
-  void Write(Session& session, const fs::path& projectFile, std::vector<ScannedFile>& changed) {
-    WithProject(session, projectFile, &warm_, [&](const automation::ObjectRef& project) {
-      const automation::ObjectRef dispatcher = Reach(project);
-      // Written a batch at a time by the agent when there is one, each with its own request.
-      if (batches_.Enabled()) batches_.Start(dispatcher, project, projectFile.stem().string());
-      for (size_t from = 0; from < changed.size() && Interrupted() == 0; from += kBatch) {
-        std::vector<ScannedFile*> batch;
-        std::vector<ScanBatches::Item> items;
-        for (size_t i = from; i < std::min(changed.size(), from + kBatch); ++i) {
-          ScannedFile& file = changed[i];
-          if (!AsPreviewed(file)) continue;
-          batch.push_back(&file);
-          items.push_back({file.collection, file.entry.name, file.entry.writable,
-                           OnlyThese(file.request, file.accepted)});
-        }
-        batches_.Scan(items);
-        for (size_t i = 0; i < batch.size() && Interrupted() == 0; ++i)
-          WriteComponent(project, projectFile, *batch[i], items[i].request);
-        batches_.Forget();
-      }
-      batches_.Stop();  // let go before the project's IDE is let go
-    });
-    // The IDE saves without waiting for the disk; the project's writes reach it here, at once.
-    try {
-      platform::FlushFileSystem(projectFile.string());
-    } catch (const automation::Error& e) {
-      Report({false, project_, "", 0, e.Number(), e.Description()});
-    }
-    for (const ScannedFile& file : changed) {
-      Compare({file.original, file.before, file.after});
-      for (const FileChange& companion : file.companions)
-        Compare(companion);
-    }
-  }
-
-  // Writes the places of the component that its preview wrote, with the request narrowed to
-  // them; a place that is not written again is an error.
-  void WriteComponent(const automation::ObjectRef& project, const fs::path& projectFile,
-                      const ScannedFile& file, const std::string& request) {
-    try {
-      std::optional<std::vector<ComponentScan>> scans =
-          batches_.Take(file.collection, file.entry.name, request);
-      if (!scans) {
-        const automation::ObjectRef object =
-            contracts::ICollection(contracts::IProject(project).GetCollection(file.collection))
-                .GetObject(file.entry.name);
-        scans = Scan(object, projectFile, file.entry, request);
-      }
-      for (const ComponentScan& scan : *scans) {
-        for (const ScanPlace& place : scan.places) {
-          if (place.written || std::find(file.accepted.begin(), file.accepted.end(), place.id) ==
-                                   file.accepted.end()) {
-            continue;
-          }
-          ComponentFailed(file.entry.name, nullptr,
-                          place.error
-                              ? automation::Error(place.error->number, "", place.error->description)
-                              : automation::Error(5, "qx", place.id + " not written"));
-        }
-      }
-    } catch (const automation::Error& e) {
-      Report({false, project_, file.entry.name, file.line, e.Number(), e.Description()});
-    }
-  }
-
-  // Whether the component's files are still as the preview found them; says so when not.
-  bool AsPreviewed(const ScannedFile& file) {
-    std::vector<FileChange> sides{{file.original, file.before, {}}};
-    sides.insert(sides.end(), file.companions.begin(), file.companions.end());
-    for (const FileChange& side : sides) {
-      const std::optional<std::string> now = ReadIfThere(side.original);
-      if (now == side.before) continue;
-      Report({false, project_, file.entry.name, file.line, 75,
-              ShowPath(side.original) + " changed since its preview was made; not written"});
-      return false;
-    }
-    return true;
-  }
-
-  // After a write: a file that differs from what the preview made of it is an error.
-  void Compare(const FileChange& change) {
-    if (change.before == change.after) return;
-    if (ReadIfThere(change.original) == change.after) return;
-    Report({false, project_, "", 0, 75,
-            ShowPath(change.original) + " differs from what its preview showed"});
-  }
-
-  static std::optional<std::string> ReadIfThere(const fs::path& file) {
-    if (!platform::FileExists(file.string())) return std::nullopt;
-    return platform::ReadFile(file.string());
-  }
-
   // The file's bytes, or none when it cannot be read: the scan then says why.
   static std::optional<std::string> ReadIfReadable(const fs::path& file) {
     try {
@@ -870,92 +710,12 @@ class Run {
     }
   }
 
-  // Hands the component to the scanner with the request and gives back what it found.
-  std::vector<ComponentScan> Scan(const automation::ObjectRef& object, const fs::path& projectFile,
-                                  const contracts::EnumerationEntry& entry,
-                                  const std::string& request) {
-    // One buffer, registered once, carries the requests to every component of the run.
-    if (!registration_) {
-      buffer_.emplace();
-      registration_.emplace(*buffer_);
-    }
-    if (request != request_) {
-      buffer_->SetRequest(request);
-      request_ = request;
-    }
-    buffer_->Clear();
-    contracts::IObject(object).Scan(projectFile.stem().string(), entry.name, entry.writable,
-                                    registration_->name());
-    const std::string results = buffer_->Results();
-    buffer_->Clear();
-    return host::scan::DecodeScans(results);
-  }
-
-  void Show(const ScannedFile& scanned) {
-    const ComponentScan& scan = scanned.scan;
-    const std::string path = scanned.original.empty() ? scan.collection + "/" + scan.component
-                                                      : ShowPath(scanned.original);
-    for (const ScanError& problem : scan.problems) {
-      Report({false, project_, scan.component, scanned.line, problem.number,
-              (problem.place.empty() ? "" : problem.place + ": ") + problem.description});
-    }
-    std::vector<size_t> placeLines;
-    FileMatches matches;
-    matches.path = path;
-    const auto size = static_cast<size_t>(scanned.unread.value_or(scanned.before.size()));
-    matches.bytes = size;
-    matches.seconds = scanned.seconds;
-    matches.codePage = scanned.codePage;
-    matches.hits = GroupMatches(scan, FileLines(scanned.before).all(), placeLines);
-    ++totals_.files;
-    totals_.bytes += size;
-    // The matches a replace changes: narrowed by --only or by the user's answers, those of the
-    // places written (or refused); else every match.
-    const bool narrowed = review_ != nullptr || !options_.only.empty();
-    size_t counted = 0;
-    for (size_t p = 0; p < scan.places.size(); ++p) {
-      const ScanPlace& place = scan.places[p];
-      matches.matches += place.matches.size();
-      if (!narrowed || place.written || place.error) counted += place.matches.size();
-      if (!place.error) continue;
-      ++totals_.refused;
-      printer_.Refused({path, placeLines[p], scan.collection, scan.component,
-                        place.kind == "name" ? std::string() : place.name, place.error->number,
-                        place.error->description, place.id});
-    }
-    totals_.matches += counted;
-    totals_.matchedLines += matches.hits.size();
-    if (matches.matches == 0) return;
-    ++totals_.filesWithMatches;
-    if (!options_.replacement) {
-      printer_.SearchFile(matches, options_.style);
-      return;
-    }
-    if (options_.style != SearchStyle::Quiet) printer_.ReplaceFile(matches);
-    const bool companionChanged =
-        std::any_of(scanned.companions.begin(), scanned.companions.end(),
-                    [](const FileChange& change) { return change.before != change.after; });
-    if (scanned.after == scanned.before && !companionChanged) return;
-    ++totals_.filesChanged;
-    if (options_.style == SearchStyle::Quiet) return;
-    if (scanned.after != scanned.before) {
-      printer_.Diff({path, DiffOfBytes(path, scanned.before, scanned.after)});
-    }
-    for (const FileChange& change : scanned.companions)
-      ShowChange(change);
-  }
-
-  // A file that changed besides a component's own (a page's HTML, the project file, a companion).
-  void ShowChange(const FileChange& change) {
-    if (change.before == change.after) return;
-    const std::string path = ShowPath(change.original);
-    printer_.Diff({path, DiffOfBytes(path, change.before, change.after)});
-  }
-
   const SearchOptions& options_;
   Printer& printer_;
   Review* const review_;  // qx replace --interactive: asks about each place
   const RequestPlan plan_;
+  RunAccount account_;  // the run's totals and problems
+  SearchTotals& totals_;
   std::set<std::string> unseenOnly_;  // the --only places no scan has shown yet
   const KeepSettings keep_;
   WarmIdes warm_;  // the IDEs this run started and keeps
@@ -964,20 +724,15 @@ class Run {
   // A search's batches, and the components waiting for theirs.
   ScanBatches batches_;
   std::deque<Queued> queue_;
-  size_t handed_ = 0;    // how many of the queue's first components the agent has been handed
-  std::string request_;  // the request the buffer holds
-  // The run's scan buffer, made on first use (the session registers its class) and let go
-  // before the session ends.
-  std::optional<ScanBufferView> buffer_;
-  std::optional<RegisteredBuffer> registration_;
+  size_t handed_ = 0;  // how many of the queue's first components the agent has been handed
+  // The run's scan buffer, let go before the session ends.
+  RunBuffer buffer_;
+  ScanDisplay display_;
+  WritePass writes_;
   const Clock::time_point start_ = Clock::now();
   std::set<std::string> done_;  // component files already searched in this run
   ProgressLine* progress_ = nullptr;
-  SearchTotals totals_;
-  size_t errors_ = 0;             // the problems reported that are errors, not notes
-  bool withheld_ = false;         // a write that had to be whole was not made
-  std::string project_;           // the project being searched, as shown
-  bool projectReported_ = false;  // a problem of it has been reported
+  bool withheld_ = false;  // a write that had to be whole was not made
 };
 
 }  // namespace
