@@ -93,15 +93,16 @@ TEST(ScanAgent, ScansEachComponentInItsTurnAndSaysWhereEachFailureCameFrom) {
   EXPECT_EQ(first[0].scans[0].component, "Slow");
 
   // While nothing calls, the agent scans the rest ahead; the next call that asks for it gets the
-  // outcome at once, without a second scan.
+  // outcome at once, without a second scan, though the project comes as another object (a
+  // caller's project reaches the IDE as a proxy made anew for each call).
   const int scansBefore = StandInComponent::scans;
   const bool stop = false;
   automation::Apartment::Get().ServeFor(std::chrono::milliseconds(50), stop);
   EXPECT_EQ(StandInComponent::scans, scansBefore + 1);
   const std::vector<host::scan::AgentOutcome> ahead = host::scan::DecodeOutcomes(
       Dispatch(agent)
-          .Call("ScanComponents", dispatcher, ObjectRef(), "Inventory",
-                R"([{"factory":"GetModule","name":"Module1","updatable":true}])",
+          .Call("ScanComponents", dispatcher, std::make_shared<StandInComponent>("Inventory"),
+                "Inventory", R"([{"factory":"GetModule","name":"Module1","updatable":true}])",
                 R"({"patterns":["x"]})")
           .ToString());
   ASSERT_EQ(ahead.size(), 1u);

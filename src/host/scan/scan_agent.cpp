@@ -106,12 +106,14 @@ std::deque<ScanAgent::Item> ScanAgent::Align(const ObjectRef& dispatcher, const 
   std::deque<Item> items;
   for (const json& item : list)
     items.push_back(ItemOf(item, request));
-  if (dispatcher != dispatcher_ || project != project_ || projectName != projectName_) {
+  // The dispatcher is the project's own object here; the project comes from the caller's
+  // process, as a proxy made anew for each call.
+  if (dispatcher != dispatcher_ || projectName != projectName_) {
     ahead_.clear();
     dispatcher_ = dispatcher;
-    project_ = project;
     projectName_ = projectName;
   }
+  project_ = project;
   size_t kept = 0;
   while (kept < ahead_.size() && kept < items.size() && ahead_[kept].first == items[kept])
     ++kept;
