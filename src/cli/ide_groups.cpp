@@ -18,8 +18,8 @@ namespace cli {
 namespace fs = std::filesystem;
 namespace {
 
-// How long the run waits for a group's IDE to register its first project, as the driver waits
-// for an IDE it starts.
+// How long the run waits for a group's IDE to open its projects, as the driver waits for an IDE
+// it starts to open its one.
 constexpr int32_t kStartTimeoutMs = 30000;
 
 // Whether the driver's add-in is enabled: without it an IDE registers no project, and a group's
@@ -85,24 +85,31 @@ bool IdeGroups::Start(const std::vector<fs::path>& members) {
   const size_t argument = command ? command->find("%1") : std::string::npos;
   if (argument == std::string::npos) return false;
   fs::path folder;
+  std::string opened;  // the projects the IDE has open, tab-separated
   try {
     folder = platform::MakeTempFolder(fs::temp_directory_path(), "qx-group-");
     const fs::path file = folder / "Projects.vbg";
     platform::WritePrivateFile(file, GroupText(members));
     std::string line = *command;
     line.replace(argument, 2, platform::ToWindows(file));
-    // The IDE reads the group file as it starts, before it registers the first project.
-    const bool started = contracts::HostUtility::Get().LaunchAndConnect(
-                             line, members.front().string(), kStartTimeoutMs) != nullptr;
+    // The IDE registers its control object under the group file's name once it has opened (or
+    // failed to open) every project of the group; it has read the file long before.
+    const automation::ObjectRef control =
+        contracts::HostUtility::Get().LaunchAndConnect(line, file.string(), kStartTimeoutMs);
     std::error_code ec;
     fs::remove_all(folder, ec);
-    if (!started) return false;
+    if (!control) return false;
+    opened = automation::Dispatch(control).Get("Projects").ToString();
   } catch (const automation::Error&) {
     std::error_code ec;
     if (!folder.empty()) fs::remove_all(folder, ec);
     return false;
   }
-  Group group{members.front().string(), {}};
+  // The IDE is known by a project it has open: one of the group may have failed to open there
+  // (its own turn then starts an IDE for it, which says why).
+  const std::string first = opened.substr(0, opened.find('\t'));
+  if (first.empty()) return false;
+  Group group{first, {}};
   for (const fs::path& member : members)
     group.waiting.insert(member.string());
   groups_.push_back(std::move(group));

@@ -5,8 +5,9 @@
 // projects that follow (which of them may need the IDE at all: the prefilter's verdict), writes
 // a group file (.vbg) naming those that do and that no running IDE has open, into a private
 // temporary folder, and starts one IDE on it with the command of the registry's
-// VisualBasic.Project association, as opening a .vbg does. The IDE opens each project and its
-// add-in registers each project's dispatcher; each project's own turn then finds the IDE
+// VisualBasic.Project association, as opening a .vbg does, waiting until the IDE registers under
+// the group file's name: it has then opened every project it could, and its add-in has
+// registered each one's dispatcher. Each project's own turn then finds the IDE
 // registered and reaches it as it reaches any running IDE: nothing else of the run changes, and
 // its results are those it gives without groups.
 //

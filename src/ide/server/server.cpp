@@ -11,6 +11,7 @@
 #include <memory>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "automation/apartment.h"
 #include "automation/error.h"
@@ -183,8 +184,14 @@ int Serve(const ServeOptions& options) {
     });
   });
   const auto utility = host::HostUtility::Instance();
-  const int32_t cookie = utility->RegisterObject(ControlName(::getpid()),
-                                                 std::make_shared<IdeControl>(*ide, activity));
+  const auto control = std::make_shared<IdeControl>(*ide, activity);
+  std::vector<int32_t> cookies{utility->RegisterObject(ControlName(::getpid()), control)};
+  // Started for a group, it registers under the group file's name too, once every project of the
+  // group is open (or has failed to): what its starter waits for.
+  if (Ide::IsGroupFile(options.projectFile))
+    cookies.push_back(utility->RegisterObject(options.projectFile, control));
+  // The disk to flush at the end: the (start-up) project's, not a group file's.
+  const std::string projectFile = ide->VBProject()->FileName();
   const size_t opened = ide->VBE()->VBProjects()->Items().size();
   Log("serving " + (opened == 1 ? ide->VBProject()->FileName()
                                 : std::to_string(opened) + " projects of " + options.projectFile));
@@ -207,17 +214,19 @@ int Serve(const ServeOptions& options) {
   }
 
   Log("ending: " + reason);
-  try {
-    utility->RevokeObject(cookie);
-  } catch (const automation::Error& e) {
-    Log("revoking the control object: " + e.Description());
+  for (const int32_t cookie : cookies) {
+    try {
+      utility->RevokeObject(cookie);
+    } catch (const automation::Error& e) {
+      Log("revoking the control object: " + e.Description());
+    }
   }
   ide->End();
   LogNewProblems(*ide, logged);
   automation::SetIncomingCallObserver({});
   host::ObjectTable::SetLookupObserver({});
   try {
-    platform::FlushFileSystem(options.projectFile);
+    platform::FlushFileSystem(projectFile);
   } catch (const automation::Error& e) {
     Log("flushing the project's disk: " + e.Description());
   }

@@ -2,7 +2,9 @@
 // The IDE as a process: what qxvb6.exe does when VB6's file association starts it with a
 // project ("qxvb6.exe" "PROJECT.vbp", the command line the driver builds), or with a project
 // group ("qxvb6.exe" "GROUP.vbg"), whose projects it opens together, as VB6 does: qx starts one
-// such IDE for many projects of a folder, so that they do not each start an IDE of their own.
+// such IDE for many projects of a folder, so that they do not each start an IDE of their own. A
+// group's IDE registers its control object under the group file's name too, once every project
+// is open (or has failed to open), so that its starter knows when it is ready.
 //
 // It starts the headless IDE (which loads the add-ins of vbaddin.ini, the driver's Connection
 // among them, opens the project and raises its events), registers its control object
