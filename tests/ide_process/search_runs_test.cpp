@@ -257,8 +257,9 @@ std::string Untimed(const std::string& out) {
 // Needles where the presented text and the file's bytes differ: a caption's doubled quote, a
 // control array member's index, a default property value, letters whose other case is not ASCII,
 // a list item kept in the .frx alone, text in GBK and in Windows-1252, a regular expression, and
-// a word found nowhere. Each run prints with the prefilter and the IDE's scan agent what it prints
-// with every component asked of the IDE one by one; a search also with the agent alone.
+// a word found nowhere. Each run prints with the prefilter, the IDE's scan agent and the projects
+// in a group's IDE what it prints with every project in an IDE of its own and every component
+// asked of it one by one; a search also with the agent alone.
 TEST_F(SearchRuns, PrefilteredAndBatchedRunsPrintWhatFullRunsPrint) {
   const fs::path all = work() / "all";
   fs::create_directories(all / "ide");
@@ -303,7 +304,9 @@ TEST_F(SearchRuns, PrefilteredAndBatchedRunsPrintWhatFullRunsPrint) {
     const bool json = std::find(args.begin(), args.end(), "--json") != args.end();
     ::setenv("QX_NO_PREFILTER", "1", 1);
     ::setenv("QX_NO_BATCH", "1", 1);
+    ::setenv("QX_NO_GROUPS", "1", 1);
     const auto full = Qx(args);
+    ::unsetenv("QX_NO_GROUPS");
     ::unsetenv("QX_NO_BATCH");
     std::vector<qxtest::RunResult> runs;
     runs.push_back(Qx(args));
@@ -329,6 +332,28 @@ TEST_F(SearchRuns, PrefilteredAndBatchedRunsPrintWhatFullRunsPrint) {
   }
   both({"search", "-c", "-i", "STOCK"});
   both({"search", "-l", "ZebraQuux"});
+}
+
+// A group's IDE holds projects of different code pages; a DHTML page's HTML, which the driver
+// reads in the process's code page, is read in its own project's, as in an IDE of its own.
+TEST_F(SearchRuns, AGroupReadsEachProjectInItsOwnCodePage) {
+  const fs::path all = work() / "all";
+  fs::create_directories(all);
+  fs::copy(fs::path(QX_FIXTURES) / "pages", all / "a_pages", fs::copy_options::recursive);
+  std::ofstream(all / "a_pages" / "html" / "Ext.htm", std::ios::binary)
+      << "<html>\r\n<body>\r\nCaf\xE9 du march\xE9</body></html>\r\n";
+  // The GBK project opens last, under a plain file name so that it joins the group.
+  fs::copy(fs::path(QX_FIXTURES) / "codepage" / "gbk", all / "z_gbk", fs::copy_options::recursive);
+  fs::rename(all / "z_gbk" / "客户管理.vbp", all / "z_gbk" / "Customers.vbp");
+  const std::vector<std::string> args{"search", "-c", "-F", "Caf\u00e9", all.string()};
+  ::setenv("QX_NO_GROUPS", "1", 1);
+  const auto alone = Qx(args);
+  ::unsetenv("QX_NO_GROUPS");
+  // (The fixture's page "Gone" has lost its HTML file: an error either way.)
+  ASSERT_NE(alone.out.find("Ext.Dsr:1"), std::string::npos) << alone.out << alone.err;
+  const auto grouped = Qx(args);
+  EXPECT_EQ(grouped.status, alone.status);
+  EXPECT_EQ(grouped.out, alone.out) << grouped.err;
 }
 
 // A search whose word no file holds starts no IDE.

@@ -175,13 +175,17 @@ int Serve(const ServeOptions& options) {
   // is answered, so that the host finds the dispatcher over the project as its file is now. Only
   // the project looked up is looked at: an IDE holding a group has hundreds.
   std::unordered_map<std::string, std::string> keys;  // of the projects' file names
+  // The project's code page is made the process's then too, for the driver's code that reads its
+  // files in the current code page.
   host::ObjectTable::SetLookupObserver([&ide, &keys](const std::string& key) {
-    ReopenChangedProjects(*ide, [&](const std::string& fileName) {
+    const auto named = [&](const std::string& fileName) {
       auto known = keys.find(fileName);
       if (known == keys.end())
         known = keys.emplace(fileName, host::ObjectTable::Key(fileName)).first;
       return known->second == key;
-    });
+    };
+    ReopenChangedProjects(*ide, named);
+    ide->UseCodePageOf(named);
   });
   const auto utility = host::HostUtility::Instance();
   const auto control = std::make_shared<IdeControl>(*ide, activity);

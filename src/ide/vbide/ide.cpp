@@ -182,6 +182,15 @@ size_t Ide::ReopenChangedProjects(const std::function<bool(const std::string&)>&
   return changed.size();
 }
 
+void Ide::UseCodePageOf(const std::function<bool(const std::string& fileName)>& which) {
+  if (ended_ || !vbe_) return;
+  for (const auto& project : vbe_->VBProjects()->Items()) {
+    if (!which(project->FileName())) continue;
+    platform::SetDetectedCodePage(project->Model().CodePage().Number());
+    return;
+  }
+}
+
 void Ide::Notify(std::string_view member, automation::Args arguments) {
   for (const auto& addIn : addIns_) {
     if (!addIn->Connect()) continue;

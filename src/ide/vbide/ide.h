@@ -75,6 +75,11 @@ class Ide {
   // file name it accepts.
   size_t ReopenChangedProjects(const std::function<bool(const std::string& fileName)>& only = {});
 
+  // Makes the code page of the project whose file name `which` accepts the process's current
+  // one, for what reads a project's files in the current code page (a DHTML page's HTML): with
+  // several projects open (a group), the one a host is using.
+  void UseCodePageOf(const std::function<bool(const std::string& fileName)>& which);
+
   // Ends the IDE (see above). Ending twice does nothing.
   void End();
   bool Ended() const { return ended_; }
