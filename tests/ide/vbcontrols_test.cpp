@@ -105,6 +105,14 @@ TEST_F(VbControls, EveryControlInFileOrderByPositionNameOrArrayIndex) {
   EXPECT_EQ(Control("option1(2)").object(), Control(5).object());
   EXPECT_EQ(Dispatch(form_.Get("Designer").ToObject()).object(),
             Dispatch(form_.Get("Designer").ToObject()).object());
+  // Held by their users only: a control's objects go once nobody holds them (a form's controls
+  // refer to each other, and kept by the IDE they would all stay for as long as it runs), and
+  // the next use makes them again.
+  std::weak_ptr<automation::Object> note = Control("lblNote").object();
+  std::weak_ptr<automation::Object> live = Live("lblNote").object();
+  EXPECT_TRUE(note.expired());
+  EXPECT_TRUE(live.expired());
+  EXPECT_EQ(NameOf(Control("lblNote")), "lblNote");
   EXPECT_EQ(Property(Control("fraOuter"), "Index").Get("Value").ToLong(), -1);
   EXPECT_EQ(Property(Control("Option1", 2), "Index").Get("Value").ToLong(), 2);
 

@@ -21,4 +21,16 @@ std::shared_ptr<T> MakeBeside(const automation::Object& sibling, A&&... args) {
   return std::make_shared<T>(std::forward<A>(args)...);
 }
 
+// A sub-object made on first use and kept only while someone holds it: the same object each
+// time while it is held, and nothing kept once nobody holds it. A sub-object holds its parent, so
+// a parent that held its sub-objects would keep a whole form's controls alive, all together, for
+// as long as the IDE runs.
+template <class T, class Make>
+std::shared_ptr<T> HeldOrMade(std::weak_ptr<T>& slot, Make&& make) {
+  if (std::shared_ptr<T> held = slot.lock()) return held;
+  std::shared_ptr<T> made = make();
+  slot = made;
+  return made;
+}
+
 }  // namespace ide::vbide

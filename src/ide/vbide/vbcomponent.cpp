@@ -109,11 +109,10 @@ automation::ObjectRef VBComponent::Designer() {
     case FileKind::kUserDocument:
       break;
   }
-  if (!designer_) {
+  return HeldOrMade(designer_, [&] {
     auto self = std::static_pointer_cast<VBComponent>(shared_from_this());
-    designer_ = MakeBeside<VBForm>(*this, self, model_, *component_);
-  }
-  return designer_;
+    return MakeBeside<VBForm>(*this, self, model_, *component_);
+  });
 }
 
 int32_t VBComponent::Type() const {
@@ -215,7 +214,7 @@ std::shared_ptr<vbide::Properties> VBComponent::Properties() {
 
 void VBComponent::TearDown() {
   if (code_) code_->TearDown();
-  if (designer_) designer_->TearDown();
+  if (auto designer = designer_.lock()) designer->TearDown();
   if (designerWindow_) designerWindow_->TearDown();
   code_.reset();
   designer_.reset();

@@ -51,8 +51,9 @@ class VBComponent : public automation::Object {
   // VB's naming rules; 380 for an invalid name or one another component has.
   void SetName(const std::string& name);
   // The designer: for forms, MDI forms, user controls, property pages and user documents a
-  // VBForm over the form description, for ActiveX designers (.dsr) their own object
-  // (designer_object.h), the same object each time; Nothing for modules and classes, which
+  // VBForm over the form description (the same object for as long as anyone holds it), for
+  // ActiveX designers (.dsr) their own object (designer_object.h), the same object each time;
+  // Nothing for modules and classes, which
   // have none. Raises the file's load error.
   automation::ObjectRef Designer();
   std::shared_ptr<vbide::CodeModule> CodeModule();
@@ -86,7 +87,7 @@ class VBComponent : public automation::Object {
   std::shared_ptr<ide::Project> model_;  // keeps component_ alive
   ide::Component* component_;
   std::shared_ptr<vbide::CodeModule> code_;
-  std::shared_ptr<VBForm> designer_;
+  std::weak_ptr<VBForm> designer_;         // kept while held (HeldOrMade): its controls hold it
   automation::ObjectRef activeXDesigner_;  // of a .dsr
   std::shared_ptr<Window> designerWindow_;
   std::shared_ptr<vbide::Properties> properties_;

@@ -106,19 +106,17 @@ int32_t VBControl::ControlType() {
 
 automation::ObjectRef VBControl::Properties() {
   Node();  // a control no longer on its form raises here
-  if (!properties_) {
-    properties_ = MakeBeside<vbide::Properties>(*this, Source(), shared_from_this());
-  }
-  return properties_;
+  return HeldOrMade(properties_, [&] {
+    return MakeBeside<vbide::Properties>(*this, Source(), shared_from_this());
+  });
 }
 
 std::shared_ptr<LiveControl> VBControl::ControlObject() {
   const form::ClassInfo* known = form::FindClass(Node().Type());
-  if (!live_) {
+  return HeldOrMade(live_, [&] {
     auto self = std::static_pointer_cast<VBControl>(shared_from_this());
-    live_ = MakeBeside<LiveControl>(*this, self, known);
-  }
-  return live_;
+    return MakeBeside<LiveControl>(*this, self, known);
+  });
 }
 
 std::shared_ptr<VBControl> VBControl::Container() {
@@ -129,11 +127,10 @@ std::shared_ptr<VBControl> VBControl::Container() {
 
 std::shared_ptr<vbide::VBControls> VBControl::ContainedVBControls() {
   Node();
-  if (!contained_) {
+  return HeldOrMade(contained_, [&] {
     auto self = std::static_pointer_cast<VBControl>(shared_from_this());
-    contained_ = MakeBeside<vbide::VBControls>(*this, form_, self, false);
-  }
-  return contained_;
+    return MakeBeside<vbide::VBControls>(*this, form_, self, false);
+  });
 }
 
 std::shared_ptr<vbide::VBControls> VBControl::Collection() {
@@ -172,8 +169,8 @@ void VBControl::NoteChanged() {
 }
 
 void VBControl::TearDown() {
-  if (live_) live_->TearDown();
-  if (contained_) contained_->TearDown();
+  if (auto live = live_.lock()) live->TearDown();
+  if (auto contained = contained_.lock()) contained->TearDown();
   live_.reset();
   contained_.reset();
   properties_.reset();

@@ -64,9 +64,10 @@ class VBControl : public automation::Object {
 
  private:
   std::shared_ptr<VBForm> form_;
-  std::shared_ptr<LiveControl> live_;
-  automation::ObjectRef properties_;
-  std::shared_ptr<vbide::VBControls> contained_;
+  // Made on first use, kept while held (HeldOrMade).
+  std::weak_ptr<LiveControl> live_;
+  std::weak_ptr<vbide::Properties> properties_;
+  std::weak_ptr<vbide::VBControls> contained_;
 };
 
 }  // namespace ide::vbide

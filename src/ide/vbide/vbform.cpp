@@ -31,20 +31,18 @@ const automation::ClassInfo& VBForm::Class() const {
 
 std::shared_ptr<vbide::VBControls> VBForm::VBControls() {
   if (!parent_) automation::Raise(automation::err::kServerUnavailable);
-  if (!all_) {
+  return HeldOrMade(all_, [&] {
     auto self = std::static_pointer_cast<VBForm>(shared_from_this());
-    all_ = MakeBeside<vbide::VBControls>(*this, self, nullptr, true);
-  }
-  return all_;
+    return MakeBeside<vbide::VBControls>(*this, self, nullptr, true);
+  });
 }
 
 std::shared_ptr<vbide::VBControls> VBForm::ContainedVBControls() {
   if (!parent_) automation::Raise(automation::err::kServerUnavailable);
-  if (!contained_) {
+  return HeldOrMade(contained_, [&] {
     auto self = std::static_pointer_cast<VBForm>(shared_from_this());
-    contained_ = MakeBeside<vbide::VBControls>(*this, self, nullptr, false);
-  }
-  return contained_;
+    return MakeBeside<vbide::VBControls>(*this, self, nullptr, false);
+  });
 }
 
 std::shared_ptr<VBE> VBForm::Vbe() const {
@@ -110,17 +108,25 @@ const std::vector<form::DescriptionNode*>& VBForm::Named(std::string_view name) 
 
 std::shared_ptr<VBControl> VBForm::ControlOf(form::DescriptionNode& node) {
   auto it = byNode_.find(&node);
-  if (it != byNode_.end()) return known_[it->second].control;
+  if (it == byNode_.end()) {
+    Known known;
+    known.node = &node;
+    known.name = node.Name();
+    known.index = node.Index();
+    it = byNode_.emplace(&node, known_.size()).first;
+    known_.push_back(std::move(known));
+  }
+  // The control's object while someone holds it; a new one (found again by its node) once
+  // nobody does.
+  Known& known = known_[it->second];
+  if (std::shared_ptr<VBControl> held = known.control.lock()) return held;
   auto self = std::static_pointer_cast<VBForm>(shared_from_this());
-  Known known;
-  known.control = MakeBeside<VBControl>(*this, self);
-  known.node = &node;
-  known.name = node.Name();
-  known.index = node.Index();
-  byNode_[&node] = known_.size();
-  byControl_[known.control.get()] = known_.size();
-  known_.push_back(std::move(known));
-  return known_.back().control;
+  std::shared_ptr<VBControl> control = MakeBeside<VBControl>(*this, self);
+  byControl_.erase(known.object);
+  known.control = control;
+  known.object = control.get();
+  byControl_[known.object] = it->second;
+  return control;
 }
 
 form::DescriptionNode& VBForm::NodeOf(const VBControl& control) {
@@ -159,10 +165,11 @@ void VBForm::NoteChanged() {
 }
 
 void VBForm::TearDown() {
-  for (Known& known : known_)
-    known.control->TearDown();
-  if (all_) all_->TearDown();
-  if (contained_) contained_->TearDown();
+  for (Known& known : known_) {
+    if (auto control = known.control.lock()) control->TearDown();
+  }
+  if (auto all = all_.lock()) all->TearDown();
+  if (auto contained = contained_.lock()) contained->TearDown();
   known_.clear();
   byNode_.clear();
   byControl_.clear();

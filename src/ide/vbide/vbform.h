@@ -67,7 +67,8 @@ class VBForm : public automation::Object {
 
  private:
   struct Known {
-    std::shared_ptr<VBControl> control;
+    std::weak_ptr<VBControl> control;       // while someone holds it
+    const VBControl* object = nullptr;      // the last one made, as byControl_ knows it
     form::DescriptionNode* node = nullptr;  // null: gone since the file was read again
     std::string name;                       // to find it again
     int32_t index = -1;
@@ -91,8 +92,9 @@ class VBForm : public automation::Object {
   std::vector<Known> known_;
   std::map<const form::DescriptionNode*, std::size_t> byNode_;
   std::map<const VBControl*, std::size_t> byControl_;
-  std::shared_ptr<vbide::VBControls> all_;
-  std::shared_ptr<vbide::VBControls> contained_;
+  // Made on first use, kept while held (HeldOrMade).
+  std::weak_ptr<vbide::VBControls> all_;
+  std::weak_ptr<vbide::VBControls> contained_;
 };
 
 }  // namespace ide::vbide
