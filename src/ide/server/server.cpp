@@ -174,16 +174,22 @@ int Serve(const ServeOptions& options) {
   // table: a project file changed since the IDE last looked is opened again before the look-up
   // is answered, so that the host finds the dispatcher over the project as its file is now. Only
   // the project looked up is looked at: an IDE holding a group has hundreds.
-  std::unordered_map<std::string, std::string> keys;  // of the projects' file names
   // The project's code page is made the process's then too, for the driver's code that reads its
   // files in the current code page.
-  host::ObjectTable::SetLookupObserver([&ide, &keys](const std::string& key) {
-    const auto named = [&](const std::string& fileName) {
-      auto known = keys.find(fileName);
-      if (known == keys.end())
-        known = keys.emplace(fileName, host::ObjectTable::Key(fileName)).first;
-      return known->second == key;
-    };
+  std::unordered_map<std::string, std::string> fileOfKey;  // "": no project's (the control's)
+  host::ObjectTable::SetLookupObserver([&ide, &fileOfKey](const std::string& key) {
+    auto known = fileOfKey.find(key);
+    if (known == fileOfKey.end()) {
+      std::string file;
+      for (const auto& project : ide->VBE()->VBProjects()->Items()) {
+        if (host::ObjectTable::Key(project->Model().FileName()) == key)
+          file = project->Model().FileName();
+      }
+      known = fileOfKey.emplace(key, std::move(file)).first;
+    }
+    const std::string& file = known->second;
+    if (file.empty()) return;
+    const auto named = [&file](const std::string& fileName) { return fileName == file; };
     ReopenChangedProjects(*ide, named);
     ide->UseCodePageOf(named);
   });

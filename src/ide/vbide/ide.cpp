@@ -168,7 +168,7 @@ size_t Ide::ReopenChangedProjects(const std::function<bool(const std::string&)>&
   automation::Process::Scope scope(process_);
   std::vector<std::shared_ptr<vbide::VBProject>> changed;
   for (const auto& project : vbe_->VBProjects()->Items()) {
-    if (only && !only(project->FileName())) continue;
+    if (only && !only(project->Model().FileName())) continue;
     if (project->Model().ChangedOnDisk() && !project->IsDirty()) changed.push_back(project);
   }
   for (const auto& project : changed) {
@@ -185,7 +185,7 @@ size_t Ide::ReopenChangedProjects(const std::function<bool(const std::string&)>&
 void Ide::UseCodePageOf(const std::function<bool(const std::string& fileName)>& which) {
   if (ended_ || !vbe_) return;
   for (const auto& project : vbe_->VBProjects()->Items()) {
-    if (!which(project->FileName())) continue;
+    if (!which(project->Model().FileName())) continue;
     platform::SetDetectedCodePage(project->Model().CodePage().Number());
     return;
   }
