@@ -92,10 +92,14 @@ void ScanBatches::Scan(const std::vector<Item>& components) {
   try {
     agent_->Queue(pending_, request_);
   } catch (const automation::Error&) {
-    agent_.reset();
-    pending_.clear();
-    pendingKeys_.clear();
+    LetAgentGo();
   }
+}
+
+void ScanBatches::LetAgentGo() {
+  agent_.reset();
+  pending_.clear();
+  pendingKeys_.clear();
 }
 
 void ScanBatches::Advance() {
@@ -110,9 +114,7 @@ void ScanBatches::Advance() {
     pendingKeys_.erase(pendingKeys_.begin(),
                        pendingKeys_.begin() + static_cast<std::ptrdiff_t>(outcomes.size()));
   } catch (const automation::Error&) {
-    agent_.reset();
-    pending_.clear();
-    pendingKeys_.clear();
+    LetAgentGo();
   }
 }
 

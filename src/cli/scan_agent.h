@@ -89,6 +89,8 @@ class ScanBatches {
  private:
   // One call to the agent for the components queued; what it did is kept.
   void Advance();
+  // After the agent failed: each component left is scanned on its own.
+  void LetAgentGo();
 
   const std::string request_;
   std::optional<ScanAgentView> agent_;

@@ -287,13 +287,20 @@ class Run {
     if (prefiltering_)
       prefilter.emplace(options_, platform::GetCodePage(session.CodePage().number));
     std::uintmax_t bytes = 0;
-    bool needs = false;
+    bool needs = !prefilter;
     for (const ComponentFile& file : survey.files) {
       if (survey.missing.contains(FileKey(file.file))) continue;
+      // Once the project needs the IDE, only the sizes of its other files count.
+      if (needs || file.collection == kDesigners) {
+        std::error_code ec;
+        const std::uintmax_t size = fs::file_size(file.file, ec);
+        bytes += ec ? 0 : size;
+        needs = true;
+        continue;
+      }
       const std::optional<std::string> read = ReadIfReadable(file.file);
       bytes += read ? read->size() : 0;
-      needs = needs || !prefilter || file.collection == kDesigners || !read ||
-              prefilter->CouldMatch(file.collection, file.name, *read);
+      needs = !read || prefilter->CouldMatch(file.collection, file.name, *read);
     }
     if (!needs) return std::nullopt;
     return bytes;
