@@ -9,6 +9,7 @@
 #include <ctime>
 #include <iostream>
 #include <memory>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -125,8 +126,7 @@ void LogNewProblems(const Ide& ide, size_t& logged) {
     Log(problems[logged].Text());
 }
 
-void ReopenChangedProjects(Ide& ide,
-                           const std::function<bool(const std::string& fileName)>& only = {}) {
+void ReopenChangedProjects(Ide& ide, std::string_view only = {}) {
   if (const size_t reopened = ide.ReopenChangedProjects(only); reopened > 0) {
     Log("reopened " + std::to_string(reopened) + " project(s) changed on disk");
   }
@@ -189,9 +189,8 @@ int Serve(const ServeOptions& options) {
     }
     const std::string& file = known->second;
     if (file.empty()) return;
-    const auto named = [&file](const std::string& fileName) { return fileName == file; };
-    ReopenChangedProjects(*ide, named);
-    ide->UseCodePageOf(named);
+    ReopenChangedProjects(*ide, file);
+    ide->UseCodePageOf(file);
   });
   const auto utility = host::HostUtility::Instance();
   const auto control = std::make_shared<IdeControl>(*ide, activity);

@@ -163,12 +163,12 @@ void Ide::OpenGroup(std::string_view path) {
   }
 }
 
-size_t Ide::ReopenChangedProjects(const std::function<bool(const std::string&)>& only) {
+size_t Ide::ReopenChangedProjects(std::string_view only) {
   if (ended_ || !vbe_) return 0;
   automation::Process::Scope scope(process_);
   std::vector<std::shared_ptr<vbide::VBProject>> changed;
   for (const auto& project : vbe_->VBProjects()->Items()) {
-    if (only && !only(project->Model().FileName())) continue;
+    if (!only.empty() && project->Model().FileName() != only) continue;
     if (project->Model().ChangedOnDisk() && !project->IsDirty()) changed.push_back(project);
   }
   for (const auto& project : changed) {
@@ -182,10 +182,10 @@ size_t Ide::ReopenChangedProjects(const std::function<bool(const std::string&)>&
   return changed.size();
 }
 
-void Ide::UseCodePageOf(const std::function<bool(const std::string& fileName)>& which) {
+void Ide::UseCodePageOf(std::string_view fileName) {
   if (ended_ || !vbe_) return;
   for (const auto& project : vbe_->VBProjects()->Items()) {
-    if (!which(project->Model().FileName())) continue;
+    if (project->Model().FileName() != fileName) continue;
     platform::SetDetectedCodePage(project->Model().CodePage().Number());
     return;
   }

@@ -27,7 +27,6 @@
 // freed once their last holder lets go. The destructor ends an IDE that is still running.
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -71,14 +70,14 @@ class Ide {
   // Closes and opens again, as VB6 does on a close and re-open, every project whose project file
   // changed on disk since it was read and that holds no unsaved change: ItemRemoved for the old
   // project, ItemAdded for the new one. Returns how many were reopened; a project that cannot be
-  // opened again is recorded in Problems() and stays closed. With `only`, just the projects whose
-  // file name it accepts.
-  size_t ReopenChangedProjects(const std::function<bool(const std::string& fileName)>& only = {});
+  // opened again is recorded in Problems() and stays closed. Given a project file name, just that
+  // project.
+  size_t ReopenChangedProjects(std::string_view only = {});
 
-  // Makes the code page of the project whose file name `which` accepts the process's current
-  // one, for what reads a project's files in the current code page (a DHTML page's HTML): with
-  // several projects open (a group), the one a host is using.
-  void UseCodePageOf(const std::function<bool(const std::string& fileName)>& which);
+  // Makes the code page of the project of that file name the process's current one, for what
+  // reads a project's files in the current code page (a DHTML page's HTML): with several projects
+  // open (a group), the one a host is using.
+  void UseCodePageOf(std::string_view fileName);
 
   // Ends the IDE (see above). Ending twice does nothing.
   void End();
