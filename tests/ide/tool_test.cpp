@@ -37,26 +37,10 @@ class Tool : public ::testing::Test {
  protected:
   // A project with a module (two procedures, one a Property Get with a member attribute), a
   // form and a component whose file is missing.
-  std::string Small() {
-    const fs::path dir = home_.path() / "small";
-    fs::create_directories(dir);
-    WriteBytes(dir / "Small.vbp",
-               "Type=Exe\r\nModule=Util; Util.bas\r\nForm=Main.frm\r\nClass=CGone; CGone.cls\r\n");
-    WriteBytes(dir / "Util.bas",
-               "Attribute VB_Name = \"Util\"\r\nOption Explicit\r\n\r\n"
-               "' Says hello.\r\nPublic Sub Hello()\r\n  Debug.Print \"hi\"\r\nEnd Sub\r\n\r\n"
-               "Public Property Get Answer() As Long\r\n"
-               "Attribute Answer.VB_Description = \"The answer\"\r\n"
-               "  Answer = 42\r\nEnd Property\r\n");
-    WriteBytes(dir / "Main.frm",
-               "VERSION 5.00\r\nBegin VB.Form Main \r\n   Caption         =   \"Main\"\r\nEnd\r\n"
-               "Attribute VB_Name = \"Main\"\r\nAttribute VB_GlobalNameSpace = False\r\n"
-               "Attribute VB_Creatable = False\r\nAttribute VB_PredeclaredId = True\r\n"
-               "Attribute VB_Exposed = False\r\nPrivate Sub Form_Load()\r\nEnd Sub\r\n");
-    return (dir / "Small.vbp").string();
-  }
+  std::string Small() { return small_.Path("Small.vbp"); }
 
   qxtest::TempHome home_;
+  idetest::FixtureCopy small_{"small"};
 };
 
 TEST_F(Tool, DumpShowsEachComponentItsCodeAndProceduresAndFailsClearly) {
