@@ -2,11 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
-#include "automation/error.h"
 #include "fixture_copy.h"
 #include "ide/model/component_file.h"
 #include "module_text.h"

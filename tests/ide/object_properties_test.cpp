@@ -21,7 +21,6 @@
 namespace {
 
 using automation::Variant;
-using automation::VarType;
 using ide::form::FontAttribute;
 using ide::form::ObjectProperties;
 using idetest::FixtureCopy;

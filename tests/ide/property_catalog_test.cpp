@@ -2,12 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <initializer_list>
 #include <optional>
 #include <set>
 #include <string>
-#include <vector>
 
 #include "automation/casefold.h"
 #include "automation/variant.h"

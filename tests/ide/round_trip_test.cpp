@@ -5,11 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <map>
-#include <set>
 #include <string>
 
-#include "automation/error.h"
 #include "bench/generator/project_generator.h"
 #include "fixture_copy.h"
 #include "ide/model/project.h"

@@ -13,7 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using idetest::ReadBytes;
-using idetest::WriteBytes;
 
 struct Outcome {
   int status;

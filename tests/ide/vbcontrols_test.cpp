@@ -22,7 +22,6 @@ namespace {
 using automation::Args;
 using automation::Dispatch;
 using automation::MemberKind;
-using automation::ObjectRef;
 using automation::Variant;
 using idetest::FixtureCopy;
 using idetest::ReadBytes;
