@@ -168,11 +168,14 @@ TEST_F(VbControls, LiveControlsAnswerTheirTypesPropertiesWithDefaults) {
   EXPECT_EQ(ErrorOf([&] { text.Call("AddItem", "x"); }), 438);
 
   EXPECT_EQ(Live("Option1", 2).Get("Index").ToLong(), 2);
-  // A write goes to the model and marks the form changed (what it saves is the model's).
+  // A write goes to the model and marks the form changed (what it saves is the model's), also
+  // after it was marked saved.
+  form_.Put("IsDirty", false);
   const Dispatch label = Live("lblNote");
   label.Put("Caption", "Remark");
   EXPECT_EQ(label.Get("Caption").ToString(), "Remark");
   EXPECT_TRUE(form_.Get("IsDirty").ToBool());
+  form_.Put("IsDirty", false);
 
   // A control of another library: what its file stores and the extender's properties (whose
   // rules are the model's), and nothing else.
@@ -181,6 +184,7 @@ TEST_F(VbControls, LiveControlsAnswerTheirTypesPropertiesWithDefaults) {
   EXPECT_EQ(bar.Get("TabIndex").ToLong(), 6);
   bar.Put("ToolTipText", "Progress");
   EXPECT_EQ(Property(Control("barProgress"), "ToolTipText").Get("Value").ToString(), "Progress");
+  EXPECT_TRUE(form_.Get("IsDirty").ToBool());
   EXPECT_EQ(bar.Get("Name").ToString(), "barProgress");
   EXPECT_EQ(ErrorOf([&] { bar.Get("Min"); }), 438);
   EXPECT_EQ(ErrorOf([&] { bar.Call("Refresh"); }), 438);
