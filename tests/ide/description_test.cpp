@@ -89,6 +89,7 @@ TEST(Description, ObjectsGroupsAndPropertiesAreReadInStoredOrder) {
   EXPECT_EQ(d.FindObject("OPTSTATUS", 1)->FindProperty("Caption")->Value(), "\"Closed\"");
   EXPECT_EQ(d.FindObject("optStatus"), nullptr);  // an array element needs its index
   EXPECT_EQ(d.FindObject("mnuRecent", 0)->Parent()->Name(), "mnuOrderRecent");
+  EXPECT_EQ(root.Children().front()->Name(), "fraFilter");
 
   // Groups: the form's Font without a class identifier, the ListView's with StdFont's, and
   // indexed column headers with their own; the other library's entries stay in their order.

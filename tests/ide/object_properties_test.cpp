@@ -362,10 +362,12 @@ TEST_F(ObjectPropertiesTest, AMissingCompanionIsReportedWhenARecordIsRead) {
   Reopen();
   EXPECT_EQ(Object("cmdOk").Get("Caption"), Variant("OK"));
   EXPECT_EQ(ErrorOf([&] { Object("lblLong").Get("Caption"); }), 53);
-  // An edit that needs no record still saves.
-  Object("cmdOk").Set("Caption", Variant("Close"));
+  // An edit that needs no record still saves, in its line, quoted as VB6 quotes.
+  Object("cmdOk").Set("Caption", Variant("&Close \"now\""));
   component_->Save();
-  EXPECT_EQ(ChangedLines(frm_, Frm()).size(), 2u);
+  const std::vector<std::string> expected = {"-      Caption         =   \"OK\"",
+                                             "+      Caption         =   \"&Close \"\"now\"\"\""};
+  EXPECT_EQ(ChangedLines(frm_, Frm()), expected);
 }
 
 // A form file parsed on its own (no companion), for the objects of other libraries on it.

@@ -77,7 +77,9 @@ TEST(DumpProperties, FormsAndControlsAnswerAsTheirPropertiesCollectionsDo) {
                                {"Weight", 400},
                                {"Charset", 0}}));
 
-  EXPECT_EQ(form["controls"].size(), 11u);  // in the order of VBControls (VbControls)
+  ASSERT_EQ(form["controls"].size(), 11u);  // in the order of VBControls (VbControls)
+  EXPECT_EQ(form["controls"][0]["name"], "fraOuter");
+  EXPECT_EQ(form["controls"][10]["name"], "mnuFileOpen");
   const Json& list = ControlOf(form, "lstItems");
   EXPECT_EQ(list["progId"], "VB.ListBox");
   EXPECT_EQ(list["properties"]["List"], (Json{"Apple", "Banana", "Cherry"}));
@@ -86,6 +88,7 @@ TEST(DumpProperties, FormsAndControlsAnswerAsTheirPropertiesCollectionsDo) {
   EXPECT_EQ(ControlOf(form, "mnuFileOpen")["properties"]["Shortcut"], "^O");
   const Json& bar = ControlOf(form, "barProgress");
   EXPECT_EQ(bar["progId"], "MSComctlLib.ProgressBar");
+  EXPECT_EQ(bar["properties"]["Visible"], true);  // the extender's, not stored
   EXPECT_EQ(ControlOf(form, "txtInner")["properties"]["DataFormat"], nullptr);  // an object
 
   // One component by name, also a module (which has no properties).
