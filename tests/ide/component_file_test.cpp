@@ -19,6 +19,7 @@ using ide::ProcKind;
 using idetest::Crlf;
 using idetest::Fixture;
 using idetest::Module;
+using idetest::ReadBytes;
 using idetest::RenderThroughLines;
 
 int LoadError(const std::string& bytes, FileKind kind) {
@@ -240,23 +241,13 @@ TEST(ComponentFile, LinesViewTheFileUntilAnEditGivesThemTextOfTheirOwn) {
 // Headers with keys, blocks and versions we do not know are kept as they are; the code after
 // them is found all the same, and a rename changes only the name.
 TEST(ComponentFile, UnknownHeaderContentIsKeptAndARenameChangesOnlyTheName) {
-  std::string cls = Crlf({"VERSION 1.0 CLASS", "BEGIN", "  MultiUse = -1  'True",
-                          "  FutureSetting = 7  'Unknown", "END", "Attribute VB_Name = \"CFuture\"",
-                          "Attribute VB_Ext_KEY = \"SavedWithClassBuilder6\" ,\"Yes\"",
-                          "Attribute VB_Future = 1", "Option Explicit", "Sub A()", "End Sub"});
+  const std::string cls = ReadBytes(std::string(QX_FIXTURES) + "/ide/components/CFuture.cls");
   auto c = Module(cls, FileKind::kClass);
   EXPECT_EQ(c->Name(), "CFuture");
   EXPECT_EQ(c->Code().Lines(1, 1), "Option Explicit");
   EXPECT_EQ(RenderThroughLines(*c), cls);
 
-  std::string frm =
-      Crlf({"VERSION 6.00", "Object = \"{00000000-0000-0000-0000-000000000001}#1.0#0\"; \"X.OCX\"",
-            "Object = garbage", "Begin VB.Form frmOdd ", "   Caption         =   \"Odd\"",
-            "   Whatever        =   $\"frmOdd.frx\":0000", "   Begin Vendor.Widget wdg ",
-            "      BeginProperty Layout {12345678-0000-0000-0000-000000000000} ",
-            "         Mode            =   3", "         BeginProperty Item(1) ",
-            "         EndProperty", "      EndProperty", "   End", "End",
-            "Attribute VB_Name = \"frmOdd\"", "Private Sub Form_Load()", "End Sub"});
+  const std::string frm = ReadBytes(std::string(QX_FIXTURES) + "/ide/components/frmOdd.frm");
   auto f = Module(frm, FileKind::kForm);
   EXPECT_EQ(f->Name(), "frmOdd");
   const auto widget = f->Description()->Root().Children();
