@@ -248,23 +248,6 @@ TEST(Description, EditsRewriteOnlyTheirLinesInVb6sOrderAndLayout) {
   }
 }
 
-TEST(Description, APropertySetToItsDefaultAndBackGivesTheOriginalBytes) {
-  Loaded orders = Orders();
-  DescriptionNode& root = orders.description().Root();
-  root.RemoveProperty("MaxButton");
-  root.RemoveGroup("Font");
-  orders.object("optStatus", 0).RemoveProperty("Value");
-  EXPECT_NE(orders.file->Render(), orders.bytes);
-  root.SetProperty("MaxButton", FormatBoolean(false));
-  root.SetFont({"Tahoma", 8.25, 0, 400, false, false, false});
-  orders.object("optStatus", 0).SetProperty("Value", FormatBoolean(true));
-  EXPECT_EQ(orders.file->Render(), orders.bytes);
-
-  // Saving clears the description's changes.
-  orders.file->MarkSaved(orders.file->Render());
-  EXPECT_FALSE(orders.file->IsDirty());
-}
-
 // Another library's control writes its object-valued properties among its own entries, in an
 // order we cannot know: a new group goes after them, with StdFont's class identifier.
 TEST(Description, ANewFontGroupOfAnotherLibrarysControlGoesLastWithStdFontsClass) {

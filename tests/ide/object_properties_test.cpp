@@ -130,6 +130,7 @@ TEST_F(ObjectPropertiesTest, WritesAreCoercedOrRefusedWithVbErrors) {
   EXPECT_EQ(form.Get("FillColor"), Variant::Long(0xFF));
   EXPECT_TRUE(component_->IsDirty());
   component_->Save();
+  EXPECT_FALSE(component_->IsDirty());
   // Two new lines; where VB6 writes them is the description's (Description tests).
   const std::vector<std::string> expected = {"line count 77 -> 79"};
   EXPECT_EQ(ChangedLines(frm_, Frm()), expected);
