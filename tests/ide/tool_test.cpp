@@ -98,21 +98,6 @@ TEST_F(Tool, ResaveLeavesEveryFixtureFileAsItWas) {
   EXPECT_EQ(idetest::Snapshot(root), before);
 }
 
-// A wrong code page only shows text wrongly: the Japanese project resaved as Cyrillic, Chinese
-// and Western keeps every byte of every file it can find.
-TEST_F(Tool, ResaveInAWrongCodePageKeepsEveryByte) {
-  const fs::path root = home_.path() / "sjis";
-  fs::copy(fs::path(QX_FIXTURES) / "codepage" / "sjis", root, fs::copy_options::recursive);
-  const auto before = idetest::Snapshot(root);
-  for (int wrong : {1251, 936, 1252}) {
-    platform::SetCurrentCodePage(wrong);
-    const Outcome run = Resave((root / "顧客管理.vbp").string());
-    platform::ClearCurrentCodePage();
-    EXPECT_EQ(run.out.find("changed "), std::string::npos) << wrong << "\n" << run.out;
-    EXPECT_EQ(idetest::Snapshot(root), before) << "in " << wrong;
-  }
-}
-
 TEST_F(Tool, ResaveReportsAReadOnlyFileAndLeavesIt) {
   const std::string vbp = Small();
   const fs::path util = fs::path(vbp).parent_path() / "Util.bas";
