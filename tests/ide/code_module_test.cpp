@@ -3,12 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <limits>
 #include <string>
 #include <vector>
 
-#include "automation/error.h"
 #include "ide/code/code_module.h"
 #include "module_text.h"
 #include "platform/codepage.h"

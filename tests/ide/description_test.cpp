@@ -89,6 +89,7 @@ TEST(Description, ObjectsGroupsAndPropertiesAreReadInStoredOrder) {
   EXPECT_EQ(d.FindObject("OPTSTATUS", 1)->FindProperty("Caption")->Value(), "\"Closed\"");
   EXPECT_EQ(d.FindObject("optStatus"), nullptr);  // an array element needs its index
   EXPECT_EQ(d.FindObject("mnuRecent", 0)->Parent()->Name(), "mnuOrderRecent");
+  EXPECT_EQ(root.Children().front()->Name(), "fraFilter");
 
   // Groups: the form's Font without a class identifier, the ListView's with StdFont's, and
   // indexed column headers with their own; the other library's entries stay in their order.
@@ -245,23 +246,6 @@ TEST(Description, EditsRewriteOnlyTheirLinesInVb6sOrderAndLayout) {
     c.edit(orders);
     EXPECT_EQ(orders.file->Render(), Replaced(orders.bytes, c.from, c.to));
   }
-}
-
-TEST(Description, APropertySetToItsDefaultAndBackGivesTheOriginalBytes) {
-  Loaded orders = Orders();
-  DescriptionNode& root = orders.description().Root();
-  root.RemoveProperty("MaxButton");
-  root.RemoveGroup("Font");
-  orders.object("optStatus", 0).RemoveProperty("Value");
-  EXPECT_NE(orders.file->Render(), orders.bytes);
-  root.SetProperty("MaxButton", FormatBoolean(false));
-  root.SetFont({"Tahoma", 8.25, 0, 400, false, false, false});
-  orders.object("optStatus", 0).SetProperty("Value", FormatBoolean(true));
-  EXPECT_EQ(orders.file->Render(), orders.bytes);
-
-  // Saving clears the description's changes.
-  orders.file->MarkSaved(orders.file->Render());
-  EXPECT_FALSE(orders.file->IsDirty());
 }
 
 // Another library's control writes its object-valued properties among its own entries, in an

@@ -114,9 +114,6 @@ TEST(HostileFiles, FifosAndDevicesAreErrorsOfTheirComponent) {
   EXPECT_NE(err3.str().find("FIFO"), std::string::npos) << err3.str();
 }
 
-// Removes the fault hook when the test ends, also when it fails.
-using qxtest::FaultHook;
-
 TEST(HostileFiles, AChangeMadeWhileTheSaveIsWrittenIsNotOverwritten) {
   qxtest::TempDir dir;
   const fs::path file = dir.path() / "Module1.bas";
@@ -124,7 +121,7 @@ TEST(HostileFiles, AChangeMadeWhileTheSaveIsWrittenIsNotOverwritten) {
   const std::string theirs = "Attribute VB_Name = \"Module1\"\r\n' another program's edit\r\n";
   WriteBytes(file, loaded);
   // Another program writes the file while our new bytes are being flushed.
-  FaultHook hook([&](platform::WriteStep step) {
+  qxtest::FaultHook hook([&](platform::WriteStep step) {
     if (step == platform::WriteStep::kFlush) WriteBytes(file, theirs);
     return 0;
   });

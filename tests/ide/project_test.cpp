@@ -6,11 +6,8 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <functional>
-#include <map>
 #include <string>
 
-#include "automation/error.h"
 #include "fixture_copy.h"
 #include "ide/model/project.h"
 #include "platform/codepage.h"

@@ -2,12 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <initializer_list>
 #include <optional>
 #include <set>
 #include <string>
-#include <vector>
 
 #include "automation/casefold.h"
 #include "automation/variant.h"
@@ -63,7 +61,6 @@ TEST(PropertyCatalog, ControlsComeInControlTypeOrder) {
 TEST(PropertyCatalog, PropertiesByNameAndPosition) {
   const ClassInfo& box = Class("VB.TextBox");
   ASSERT_GT(box.Count(), 40);
-  EXPECT_EQ(box.At(0)->name, "Name");
   EXPECT_EQ(box.Find("multiline")->name, "MultiLine");
   EXPECT_EQ(box.Find("MULTILINE"), box.At(box.PositionOf("MultiLine")));
   EXPECT_EQ(box.At(box.Count()), nullptr);

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "fixture_copy.h"
 #include "ide/vbide/ide.h"
@@ -18,7 +17,6 @@ namespace {
 using automation::Args;
 using automation::Dispatch;
 using automation::MemberKind;
-using automation::ObjectRef;
 using idetest::ReadBytes;
 using vbidetest::ErrorOf;
 
