@@ -18,7 +18,6 @@
 
 namespace {
 
-using automation::Dispatch;
 using automation::ObjectRef;
 using json = nlohmann::json;
 
