@@ -219,10 +219,8 @@ TEST_F(IdeProcesses, CodePartsAreSearchedAndReplacedOnTheirOwn) {
 TEST_F(IdeProcesses, ReplaceJsonNamesPlacesThatOnlyThenWrites) {
   const fs::path cls = work() / "Inventory" / "CStockItem.cls";
   const std::vector<std::string> args{"--kind", "ClassModules", "-i", "quantity", "Amount", vbp_};
-  auto replace = [&](std::vector<std::string> options) {
-    options.insert(options.begin(), "replace");
-    options.insert(options.end(), args.begin(), args.end());
-    return Qx(options);
+  const auto replace = [&](const std::vector<std::string>& options) {
+    return Qx(Joined(Joined({"replace"}, options), args));
   };
   const auto json = replace({"--json"});
   ASSERT_EQ(json.status, 0) << json.err;
@@ -368,10 +366,8 @@ TEST_F(IdeProcesses, InteractiveReplaceOnATerminalAsksThereAndALostTerminalWrite
 TEST_F(IdeProcesses, AComponentNamedByAnAbsolutePathIsReportedAndTheRestReplaced) {
   const fs::path shared = work() / "Shared" / "Shared.bas";
   fs::create_directories(shared.parent_path());
-  const std::string module =
-      "Attribute VB_Name = \"Shared\"\r\nOption Explicit\r\n\r\nPublic Function oldValue() As "
-      "Long\r\n    oldValue = 1\r\nEnd Function\r\n";
-  std::ofstream(shared, std::ios::binary) << module;
+  fs::copy_file(fs::path(QX_FIXTURES) / "runs" / "shared" / "common" / "Shared.bas", shared);
+  const std::string module = ReadBytes(shared);
   std::string project = ReadBytes(vbp_);
   const std::string after = "Class=CStockItem; CStockItem.cls\r\n";
   project.insert(project.find(after) + after.size(), "Module=Shared; " + shared.string() + "\r\n");

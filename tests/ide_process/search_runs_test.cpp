@@ -120,22 +120,12 @@ TEST_F(SearchRuns, AFolderOfProjectsKeepsFewIdesAliveAndLeavesOnlyTheWarmOnes) {
 
 TEST_F(SearchRuns, CtrlCEndsTheIdeTheRunStartedAndLeavesNothing) {
   const fs::path folder = Folder(40);
+  const fs::path log = WatchIdeStarts();
   const pid_t qx = StartQx({"search", "running", folder.string()});
-  // Wait for the run's first IDE: a child of qx.
-  pid_t ide = 0;
-  for (int i = 0; i < 3000 && ide == 0; ++i) {
-    for (const auto& entry : fs::directory_iterator("/proc")) {
-      std::ifstream stat(entry.path() / "stat");
-      std::string line;
-      if (!std::getline(stat, line) || line.find("qxvb6") == std::string::npos) continue;
-      std::istringstream fields(line.substr(line.rfind(')') + 1));
-      std::string state;
-      long parent = 0;
-      if (fields >> state >> parent && parent == qx)
-        ide = std::stoi(entry.path().filename().string());
-    }
-    if (ide == 0) std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
+  // Wait for the run's first IDE.
+  long ide = 0;
+  for (int i = 0; i < 3000 && !(std::istringstream(ReadBytes(log)) >> ide); ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
   ASSERT_NE(ide, 0) << "qx started no IDE";
   ::kill(qx, SIGINT);
   int status = 0;
@@ -270,17 +260,12 @@ TEST_F(SearchRuns, PrefilteredAndBatchedRunsPrintWhatFullRunsPrint) {
       EXPECT_EQ(run.err, full.err);
     }
   };
-  for (const std::vector<std::string>& needle : needles) {
-    std::vector<std::string> search{"search", "--json"};
-    search.insert(search.end(), needle.begin(), needle.end());
-    both(search);
-  }
+  for (const std::vector<std::string>& needle : needles)
+    both(qxtest::Joined({"search", "--json"}, needle));
   // A replace's preview, from a few of them.
   for (const size_t n : {0, 4, 5, 6}) {
-    std::vector<std::string> replace{"replace"};
-    replace.insert(replace.end(), needles[n].begin(), needles[n].end() - 1);
-    replace.insert(replace.end(), {"-e", needles[n].back(), "Quux"});
-    both(replace);
+    const std::vector<std::string> options(needles[n].begin(), needles[n].end() - 1);
+    both(qxtest::Joined(qxtest::Joined({"replace"}, options), {"-e", needles[n].back(), "Quux"}));
   }
   both({"search", "-c", "-i", "STOCK"});
   both({"search", "-l", "ZebraQuux"});
