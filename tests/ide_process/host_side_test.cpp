@@ -84,10 +84,7 @@ TEST_F(HostSide, TheCollectionsAnswerFromTheIdeOnceItHasTheProject) {
   EXPECT_EQ(mainWindow.Get("WindowState").ToLong(), 1);
   Collection("Forms").ExecuteObjectCommand("frmMain", 0);
   EXPECT_EQ(mainWindow.Get("WindowState").ToLong(), 0);
-  const auto missing = Caught([&] { Collection("Forms").ExecuteObjectCommand("Nope", 0); });
-  EXPECT_EQ(missing.Number(), 9);
-  EXPECT_NE(missing.Description().find("qxvb60.Forms.ICollection_ExecuteObjectCommand.1"),
-            std::string::npos);
+  EXPECT_EQ(Caught([&] { Collection("Forms").ExecuteObjectCommand("Nope", 0); }).Number(), 9);
 
   // Deactivating leaves the IDE running with the project.
   const long pid = IdePid();

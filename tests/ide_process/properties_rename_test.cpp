@@ -201,11 +201,12 @@ TEST_F(ScanFixture, RenameRenamesAControlArrayWithItsEventProceduresAndPreviewIs
     EXPECT_EQ(File("frmScan.frm"), before);
   }
 
-  // --interactive: a, for each of the two files, writes what --write wrote (the answers
-  // themselves are the interactive replace's cases).
+  // --interactive: q writes nothing; a, for each of the two files, writes what --write wrote.
   Fresh();
   const std::vector<std::string> ask{"rename", "--interactive", vbp_, "frmScan.optSize",
                                      "optChoice"};
+  EXPECT_EQ(QxAnswering("q\n", ask).status, 1);
+  EXPECT_EQ(File("frmScan.frm"), frm_);
   const auto all = QxAnswering("a\na\n", ask);
   EXPECT_EQ(all.status, 0) << all.err;
   EXPECT_EQ(File("frmScan.frm"), expected);
