@@ -7,7 +7,6 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <set>
-#include <sstream>
 #include <string>
 
 #include "ide_process/ide_processes.h"
@@ -48,9 +47,7 @@ class ScanFixture : public IdeProcesses {
   // The places of the JSON matches, as "component control.property" or "component procedure".
   static std::set<std::string> Places(const std::string& out) {
     std::set<std::string> places;
-    std::istringstream in(out);
-    for (std::string line; std::getline(in, line);) {
-      const nlohmann::json record = nlohmann::json::parse(line);
+    for (const nlohmann::json& record : qxtest::JsonLines(out)) {
       if (record["type"] != "match") continue;
       const nlohmann::json& data = record["data"];
       std::string place = data["component"].get<std::string>() + " ";
