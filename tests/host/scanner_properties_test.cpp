@@ -18,7 +18,6 @@
 
 namespace {
 
-using automation::Dispatch;
 using automation::ObjectRef;
 using json = nlohmann::json;
 
@@ -59,33 +58,29 @@ class StandInControl : public automation::Object {
     if (name.find(' ') != std::string::npos) automation::RaiseMessage(380, kInvalidName);
     name_ = std::move(name);
   }
-  std::string Caption() {
-    ++reads["Caption"];
-    if (isList_) automation::RaiseMessage(kUndefinedProperty, "Undefined property.");
-    return caption;
-  }
+  std::string Caption() { return Read("Caption", isList_, caption); }
   void SetCaption(std::string value) { caption = std::move(value); }
   float Left() {
-    ++reads["Left"];
+    Read("Left", false, "");
     return 120;
   }
-  std::string List() {
-    ++reads["List"];
-    if (!isList_) automation::RaiseMessage(kUndefinedProperty, "Undefined property.");
-    return list;
-  }
+  std::string List() { return Read("List", !isList_, list); }
   void SetList(std::string value) { list = std::move(value); }
-  std::string Tag() {
-    ++reads["Tag"];
-    return tag;
-  }
+  std::string Tag() { return Read("Tag", false, tag); }
   void SetTag(std::string value) { tag = std::move(value); }
-  std::string Text() { automation::RaiseMessage(kUndefinedProperty, "Undefined property."); }
+  std::string Text() { return Read("Text", true, ""); }
 
   std::string caption, list, tag;
   std::map<std::string, int> reads;
 
  private:
+  // A read, counted; `refused` as the control's type refuses it.
+  std::string Read(const char* name, bool refused, const std::string& value) {
+    ++reads[name];
+    if (refused) automation::RaiseMessage(kUndefinedProperty, "Undefined property.");
+    return value;
+  }
+
   std::string name_;
   bool isList_;
 };

@@ -19,7 +19,6 @@
 
 namespace {
 
-using automation::Dispatch;
 using automation::ObjectRef;
 using json = nlohmann::json;
 using qxtest::Caught;

@@ -18,7 +18,6 @@
 #include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -53,6 +52,25 @@ inline bool WaitGone(long pid, std::chrono::milliseconds limit) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }
   return true;
+}
+
+// What a replace or rename printed before its summary line.
+inline std::string Diff(const std::string& out) {
+  return out.substr(0, out.rfind('\n', out.size() - 2) + 1);
+}
+
+// Every occurrence of `from` in the text replaced by `to`.
+inline std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+  for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+    text.replace(at, from.size(), to);
+  return text;
+}
+
+// The arguments `head` followed by `tail`.
+inline std::vector<std::string> Joined(std::vector<std::string> head,
+                                       const std::vector<std::string>& tail) {
+  head.insert(head.end(), tail.begin(), tail.end());
+  return head;
 }
 
 class IdeProcesses : public ::testing::Test {
@@ -96,9 +114,10 @@ class IdeProcesses : public ::testing::Test {
     return Start(QX_BIN, args, folder);
   }
 
-  // Runs a program of ours (qx, qxvb6.exe) with the arguments, its output kept in the work folder.
+  // Runs a program of ours (qx, qxvb6.exe) with the arguments, its output kept in the work folder
+  // or, when given, written to the descriptor `out`.
   pid_t Start(const std::string& program, const std::vector<std::string>& args,
-              const std::string& folder = {}) {
+              const std::string& folder = {}, int out = -1) {
     std::vector<std::string> argv{program};
     argv.insert(argv.end(), args.begin(), args.end());
     std::vector<char*> raw;
@@ -108,8 +127,10 @@ class IdeProcesses : public ::testing::Test {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     const std::string n = std::to_string(++runs_);
-    posix_spawn_file_actions_addopen(&actions, 1, (work_.path() / ("out" + n)).c_str(),
-                                     O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    if (out >= 0) posix_spawn_file_actions_adddup2(&actions, out, 1);
+    if (out < 0)
+      posix_spawn_file_actions_addopen(&actions, 1, (work_.path() / ("out" + n)).c_str(),
+                                       O_WRONLY | O_CREAT | O_TRUNC, 0644);
     posix_spawn_file_actions_addopen(&actions, 2, (work_.path() / ("err" + n)).c_str(),
                                      O_WRONLY | O_CREAT | O_TRUNC, 0644);
     if (!folder.empty()) posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());

@@ -10,7 +10,6 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <string>
 
 #include "ide_process/ide_processes.h"
@@ -19,48 +18,32 @@
 namespace {
 
 namespace fs = std::filesystem;
+using qxtest::Diff;
 using qxtest::IdeProcesses;
+using qxtest::Joined;
 using qxtest::Occurrences;
 using qxtest::ReadBytes;
+using qxtest::Replaced;
 using qxtest::Snapshot;
 
 // The verb with the rest of its arguments, narrowed to the kinds whose components qx can open.
 std::vector<std::string> InCode(const std::string& verb, const std::vector<std::string>& rest) {
-  std::vector<std::string> args{verb, "--kind", "Modules,ClassModules"};
-  args.insert(args.end(), rest.begin(), rest.end());
-  return args;
+  return Joined({verb, "--kind", "Modules,ClassModules"}, rest);
 }
 
-TEST_F(IdeProcesses, SearchFindsWhatACountOfTheFilesFindsAndEndsTheIdeItStarted) {
+// A search finds what a count of the files finds. By default a run keeps the IDE it started warm
+// for the next run, which then answers from it; --no-keep ends it; a setting that is no number
+// stops the run before anything starts.
+TEST_F(IdeProcesses, SearchFindsWhatACountFindsAndKeepsItsIdeWarmUnlessToldNot) {
   const fs::path folder = work() / "Inventory";
   const size_t expected = Occurrences(ReadBytes(folder / "CStockItem.cls"), "oldValue") +
                           Occurrences(ReadBytes(folder / "modGlobals.bas"), "oldValue");
-  ASSERT_GT(expected, 0u);
-
-  const auto count = Qx(InCode("search", {"--json", "oldValue", vbp_}));
-  ASSERT_EQ(count.status, 0) << count.err;
-  // One "match" message a line, with one submatch for each match in it, as ripgrep prints.
-  EXPECT_EQ(Occurrences(count.out, R"({"match":{"text":"oldValue"})"), expected) << count.out;
-  EXPECT_NE(count.out.find("\"procedure\":\"Value.Let\""), std::string::npos) << count.out;
-  EXPECT_EQ(Qx({"ide", "list"}).out, "") << "the run ended the IDE it started";
-
-  const auto none = Qx(InCode("search", {"NoSuchWordAnywhere", vbp_}));
-  EXPECT_EQ(none.status, 1) << none.err;
-  EXPECT_EQ(none.out.find("NoSuchWordAnywhere"), std::string::npos);
-
-  // An IDE that was running before the run stays.
-  const auto start = Qx({"ide", "start", vbp_});
-  ASSERT_EQ(start.status, 0) << start.err;
-  ASSERT_EQ(Qx(InCode("search", {"-q", "oldValue", vbp_})).status, 0);
-  EXPECT_NE(Qx({"ide", "list"}).out.find(vbp_), std::string::npos);
-}
-
-// By default a run keeps the IDE it started warm for the next run, which then answers from it;
-// --no-keep ends it; a setting that is no number stops the run before anything starts.
-TEST_F(IdeProcesses, SearchKeepsItsIdeWarmUnlessToldNot) {
   ::unsetenv("QX_KEEP_IDES");
   const auto first = Qx(InCode("search", {"--json", "oldValue", vbp_}));
   ASSERT_EQ(first.status, 0) << first.err;
+  // One "match" message a line, with one submatch for each match in it, as ripgrep prints.
+  EXPECT_EQ(Occurrences(first.out, R"({"match":{"text":"oldValue"})"), expected) << first.out;
+  EXPECT_NE(first.out.find("\"procedure\":\"Value.Let\""), std::string::npos) << first.out;
   EXPECT_NE(first.out.find("\"ides_kept\":1"), std::string::npos) << first.out;
   const auto list = Qx({"ide", "list"});
   ASSERT_NE(list.out.find(vbp_), std::string::npos) << list.out;
@@ -82,48 +65,11 @@ TEST_F(IdeProcesses, SearchKeepsItsIdeWarmUnlessToldNot) {
             "not \"few\"\n");
 }
 
-TEST_F(IdeProcesses, ReplaceWritesExactlyWhatItsPreviewShowed) {
-  const fs::path folder = work() / "Inventory";
-  const auto before = Snapshot(folder);
-
-  const auto preview = Qx(InCode("replace", {"old(Value)", "previous$1", vbp_}));
-  ASSERT_EQ(preview.status, 0) << preview.err;
-  EXPECT_EQ(Snapshot(folder), before) << "a preview writes nothing";
-  EXPECT_NE(preview.out.find("+    Dim previousValue As Long"), std::string::npos) << preview.out;
-  EXPECT_EQ(Qx({"ide", "list"}).out, "") << "the preview's IDE has ended";
-
-  const auto write = Qx(InCode("replace", {"--write", "old(Value)", "previous$1", vbp_}));
-  ASSERT_EQ(write.status, 0) << write.err;
-  // The same diff, then a summary line that says whether it was written.
-  const auto diff = [](const std::string& out) {
-    return out.substr(0, out.rfind('\n', out.size() - 2) + 1);
-  };
-  EXPECT_EQ(diff(preview.out), diff(write.out));
-  EXPECT_NE(diff(write.out), "");
-
-  const auto after = Snapshot(folder);
-  for (const auto& [file, bytes] : before) {
-    // Opening the project in the IDE marks its windows closed in the window-state file, as the
-    // driver's start-up does for every project it opens.
-    if (file == "CStockItem.cls" || file == "Inventory.vbw") continue;
-    EXPECT_EQ(after.at(file), bytes) << file << " changed";
-  }
-  EXPECT_EQ(Occurrences(after.at("CStockItem.cls"), "oldValue"), 0u);
-  EXPECT_EQ(Occurrences(after.at("CStockItem.cls"), "previousValue"),
-            Occurrences(before.at("CStockItem.cls"), "oldValue"));
-
-  const auto again = Qx(InCode("replace", {"--write", "old(Value)", "previous$1", vbp_}));
-  EXPECT_EQ(again.status, 1) << "nothing left to replace";
-}
-
 // The project's code page is taken before anything of it is read, in every project of a folder
 // run: the preview then finds the very files the write changes, in every code page and in a folder
 // that mixes them (the last project's code page is not the next one's).
 TEST_F(IdeProcesses, PreviewAndWriteShowTheSameFilesInEveryCodePage) {
   fs::copy(fs::path(QX_FIXTURES) / "codepage", work() / "cp", fs::copy_options::recursive);
-  const auto diff = [](const std::string& out) {
-    return out.substr(0, out.rfind('\n', out.size() - 2) + 1);
-  };
   const auto summary = [](const std::string& out) {
     const std::string last = out.substr(out.rfind('\n', out.size() - 2) + 1);
     return last.substr(0, last.find(';'));
@@ -132,16 +78,13 @@ TEST_F(IdeProcesses, PreviewAndWriteShowTheSameFilesInEveryCodePage) {
     SCOPED_TRACE(path);
     const auto before = Snapshot(work() / "cp");
     const std::vector<std::string> args{"-F", "Option Explicit", "Option  Explicit", path};
-    std::vector<std::string> shown{"replace"}, written{"replace", "--write"};
-    shown.insert(shown.end(), args.begin(), args.end());
-    written.insert(written.end(), args.begin(), args.end());
-    const auto preview = Qx(shown, work().string());
+    const auto preview = Qx(Joined({"replace"}, args), work().string());
     ASSERT_EQ(preview.status, 0) << preview.err;
     EXPECT_EQ(preview.err, "");
     EXPECT_EQ(Snapshot(work() / "cp"), before);
-    const auto write = Qx(written, work().string());
+    const auto write = Qx(Joined({"replace", "--write"}, args), work().string());
     ASSERT_EQ(write.status, 0) << write.err;
-    EXPECT_EQ(diff(write.out), diff(preview.out));
+    EXPECT_EQ(Diff(write.out), Diff(preview.out));
     EXPECT_EQ(summary(write.out), summary(preview.out));
     // Every file the write changed is one the preview showed.
     for (const auto& [file, bytes] : Snapshot(work() / "cp")) {
@@ -169,8 +112,7 @@ TEST_F(IdeProcesses, ARenamedModulesProjectFileLineIsInThePreview) {
   const auto write = Qx({"replace", "--write", "--in", "names", "^modGlobals$", "modShared", vbp_});
   ASSERT_EQ(write.status, 0) << write.err;
   EXPECT_EQ(ReadBytes(folder / "Inventory.vbp"),
-            vbp.substr(0, vbp.find("Module=modGlobals")) + "Module=modShared" +
-                vbp.substr(vbp.find("Module=modGlobals") + 17));
+            Replaced(vbp, "Module=modGlobals", "Module=modShared"));
 }
 
 // Nothing is skipped without a word: a read-only component asked to change is an error naming
@@ -224,12 +166,7 @@ TEST_F(IdeProcesses, AWarmIdeKeepsNothingOfAFailedWriteAndFollowsItsProjectFile)
   EXPECT_NE(search.out.find("CStockItem.cls:3\n"), std::string::npos) << search.out << search.err;
   const auto write = Qx(InCode("replace", {"--write", "NewDescription", "NewText", vbp_}));
   EXPECT_EQ(write.status, 0) << write.out << write.err;
-  std::string expected = cls;
-  for (size_t at = expected.find("NewDescription"); at != std::string::npos;
-       at = expected.find("NewDescription", at)) {
-    expected.replace(at, 14, "NewText");
-  }
-  EXPECT_EQ(ReadBytes(folder / "CStockItem.cls"), expected);
+  EXPECT_EQ(ReadBytes(folder / "CStockItem.cls"), Replaced(cls, "NewDescription", "NewText"));
 
   // The class leaves the project: the next run no longer finds it.
   std::string project = ReadBytes(folder / "Inventory.vbp");
@@ -275,10 +212,8 @@ TEST_F(IdeProcesses, CodePartsAreSearchedAndReplacedOnTheirOwn) {
 TEST_F(IdeProcesses, ReplaceJsonNamesPlacesThatOnlyThenWrites) {
   const fs::path cls = work() / "Inventory" / "CStockItem.cls";
   const std::vector<std::string> args{"--kind", "ClassModules", "-i", "quantity", "Amount", vbp_};
-  auto replace = [&](std::vector<std::string> options) {
-    options.insert(options.begin(), "replace");
-    options.insert(options.end(), args.begin(), args.end());
-    return Qx(options);
+  const auto replace = [&](const std::vector<std::string>& options) {
+    return Qx(Joined(Joined({"replace"}, options), args));
   };
   const auto json = replace({"--json"});
   ASSERT_EQ(json.status, 0) << json.err;
@@ -424,10 +359,8 @@ TEST_F(IdeProcesses, InteractiveReplaceOnATerminalAsksThereAndALostTerminalWrite
 TEST_F(IdeProcesses, AComponentNamedByAnAbsolutePathIsReportedAndTheRestReplaced) {
   const fs::path shared = work() / "Shared" / "Shared.bas";
   fs::create_directories(shared.parent_path());
-  const std::string module =
-      "Attribute VB_Name = \"Shared\"\r\nOption Explicit\r\n\r\nPublic Function oldValue() As "
-      "Long\r\n    oldValue = 1\r\nEnd Function\r\n";
-  std::ofstream(shared, std::ios::binary) << module;
+  fs::copy_file(fs::path(QX_FIXTURES) / "runs" / "shared" / "common" / "Shared.bas", shared);
+  const std::string module = ReadBytes(shared);
   std::string project = ReadBytes(vbp_);
   const std::string after = "Class=CStockItem; CStockItem.cls\r\n";
   project.insert(project.find(after) + after.size(), "Module=Shared; " + shared.string() + "\r\n");
