@@ -23,6 +23,7 @@ TEST(AttributeLine, ReadsNameMemberAndWhereTheValueStarts) {
 TEST(AttributeLine, OtherLinesAreNotAttributes) {
   EXPECT_FALSE(ParseAttributeLine("Attributes = 1"));
   EXPECT_FALSE(ParseAttributeLine("Attribute VB_Name"));
+  EXPECT_FALSE(ParseAttributeLine("Attribute VB_Name \"X\""));
   EXPECT_FALSE(ParseAttributeLine("Attribute"));
   EXPECT_FALSE(ParseAttributeLine("Attribute = 1"));
   EXPECT_FALSE(ParseAttributeLine("' Attribute VB_Name = \"X\""));

@@ -52,6 +52,10 @@ class VbControls : public vbidetest::IdeOnCopy {
     Open("controls", "Controls.vbp");
     FindForm();
   }
+  void Start() {
+    Restart();
+    FindForm();
+  }
   void FindForm() {
     form_ = Component("frmControls");
     controls_ = Dispatch(Dispatch(form_.Get("Designer").ToObject()).Get("VBControls").ToObject());
@@ -162,6 +166,7 @@ TEST_F(VbControls, LiveControlsAnswerTheirTypesPropertiesWithDefaults) {
   EXPECT_EQ(text.Get("Index").ToLong(), -1);
   // The form's font, since the box has none of its own.
   EXPECT_EQ(text.Get("FontName").ToString(), "Tahoma");
+  EXPECT_FLOAT_EQ(text.Get("FontSize").ToSingle(), 9.0f);
   EXPECT_EQ(ErrorOf([&] { text.Get("Caption"); }), 438);
   EXPECT_EQ(ErrorOf([&] { text.Put("Caption", "x"); }), 438);
   EXPECT_EQ(ErrorOf([&] { text.Get("ListCount"); }), 438);
@@ -198,8 +203,8 @@ TEST_F(VbControls, LiveControlsAnswerTheirTypesPropertiesWithDefaults) {
 }
 
 // The list's own rules are the model's (ObjectPropertiesTest): the live control's members reach
-// them.
-TEST_F(VbControls, TheLiveListsMembersReachTheModel) {
+// them, and what they write outlives an IDE that ends while its controls are held.
+TEST_F(VbControls, TheLiveListsMembersReachTheModelAndTheFile) {
   const Dispatch list = Live("lstItems");
   ASSERT_EQ(list.Get("ListCount").ToLong(), 3);
   EXPECT_EQ(list.GetAt("List", Variant::Long(2)).ToString(), "Cherry");
@@ -219,8 +224,12 @@ TEST_F(VbControls, TheLiveListsMembersReachTheModel) {
               list.object()->Invoke("", "List", MemberKind::Put, past);
             }),
             381);  // the model's refusal comes back
-  list.Call("Clear");
-  EXPECT_EQ(list.Get("ListCount").ToLong(), 0);
+  Save();
+  Start();
+  const Dispatch again = Live("lstItems");
+  EXPECT_EQ(again.GetAt("List", Variant::Long(0)).ToString(), "Avocado");
+  again.Call("Clear");
+  EXPECT_EQ(again.Get("ListCount").ToLong(), 0);
 }
 
 TEST_F(VbControls, RemoveItemTakesItsItemDataAlongAndRefusesOutsideTheList) {

@@ -1,6 +1,6 @@
 // The IDE as a process, end to end: qx starts qxvb6.exe through the start-up sequence, finds it
 // again, lists it, reads the project from it and stops it; the failures of the start-up say
-// what the driver says; a killed IDE is replaced by a fresh one.
+// what the driver says; a killed IDE gives 462 and is replaced by a fresh one.
 
 #include <signal.h>
 
@@ -10,7 +10,12 @@
 #include <regex>
 #include <string>
 
+#include "automation/error.h"
+#include "automation/object.h"
+#include "host/host_utility.h"
+#include "host/register.h"
 #include "ide_process/ide_processes.h"
+#include "support/errors.h"
 
 namespace {
 
@@ -96,11 +101,17 @@ TEST_F(IdeProcesses, TwoStartsAtTheSameMomentEndWithOneIde) {
   EXPECT_EQ(std::count(list.out.begin(), list.out.end(), '\n'), 1) << list.out;
 }
 
-TEST_F(IdeProcesses, AKilledIdeIsReplacedByAFreshOneAtTheNextRun) {
+TEST_F(IdeProcesses, AKilledIdeGives462AndIsReplacedByAFreshOneAtTheNextRun) {
   const long pid = PidIn(Qx({"ide", "start", vbp_}).out);
   ASSERT_GT(pid, 0);
+  host::RegisterClasses();
+  automation::ObjectRef dispatcher = host::HostUtility::Instance()->GetRegisteredObject(vbp_);
+  ASSERT_NE(dispatcher, nullptr);
   ::kill(static_cast<pid_t>(pid), SIGKILL);
   ASSERT_TRUE(WaitGone(pid, std::chrono::seconds(10)));
+  EXPECT_EQ(qxtest::ErrorOf([&] { automation::Dispatch(dispatcher).Call("EnumForms"); }),
+            automation::err::kServerUnavailable);
+  dispatcher.reset();
 
   const auto restart = Qx({"ide", "start", vbp_});
   ASSERT_EQ(restart.status, 0) << restart.err;
