@@ -127,10 +127,12 @@ class IdeProcesses : public ::testing::Test {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     const std::string n = std::to_string(++runs_);
-    if (out >= 0) posix_spawn_file_actions_adddup2(&actions, out, 1);
-    if (out < 0)
+    if (out >= 0) {
+      posix_spawn_file_actions_adddup2(&actions, out, 1);
+    } else {
       posix_spawn_file_actions_addopen(&actions, 1, (work_.path() / ("out" + n)).c_str(),
                                        O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    }
     posix_spawn_file_actions_addopen(&actions, 2, (work_.path() / ("err" + n)).c_str(),
                                      O_WRONLY | O_CREAT | O_TRUNC, 0644);
     if (!folder.empty()) posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
