@@ -8,6 +8,7 @@
 #include "automation/error.h"
 #include "contracts/host_classes.h"
 #include "host/object_table.h"
+#include "platform/codepage.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 #include "platform/private_folders.h"
@@ -35,11 +36,6 @@ bool AddInEnabled() {
   }
 }
 
-bool PlainAscii(const std::string& text) {
-  return std::all_of(text.begin(), text.end(),
-                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
 // The group file's text: the first project is the start-up project, as VB writes it.
 std::string GroupText(const std::vector<fs::path>& members) {
   std::string text = "VBGROUP 5.0\r\n";
@@ -61,7 +57,8 @@ void IdeGroups::Before(const std::vector<fs::path>& projects, size_t index, cons
   std::uintmax_t bytes = 0;
   for (judged_ = index; judged_ < projects.size(); ++judged_) {
     const fs::path& project = projects[judged_];
-    if (!PlainAscii(project.string()) || host::ObjectTable::Get().Registered(project.string()))
+    if (!platform::IsAscii(project.string()) ||
+        host::ObjectTable::Get().Registered(project.string()))
       continue;
     std::optional<std::uintmax_t> needs;
     try {

@@ -161,7 +161,7 @@ ProjectDiscovery FindProjects(const std::vector<std::string>& paths) {
         collector.Folder(native);
       } else if (!fs::exists(native)) {
         out.errors.emplace_back(53, "qx", "File not found: " + path);
-      } else if (HasExtension(native, ".vbg")) {
+      } else if (platform::IsGroupFile(native.string())) {
         collector.Group(native);
       } else if (HasExtension(native, ".vbp")) {
         collector.Add(native);

@@ -59,22 +59,6 @@ int Encode1252(char32_t cp) {
   return -1;
 }
 
-// Eight bytes at a time: source files are long, and mostly ASCII.
-bool IsAscii(std::string_view bytes) {
-  constexpr uint64_t kHighBits = 0x8080808080808080ULL;
-  const char* p = bytes.data();
-  std::size_t left = bytes.size();
-  uint64_t any = 0;
-  for (; left >= 8; p += 8, left -= 8) {
-    uint64_t word;
-    std::memcpy(&word, p, sizeof word);
-    any |= word;
-  }
-  for (; left > 0; ++p, --left)
-    any |= static_cast<unsigned char>(*p);
-  return (any & kHighBits) == 0;
-}
-
 // The byte an escape character stands for, when the UTF-8 at text[pos] is one (F4 8F BC..BF xx).
 std::optional<unsigned char> EscapeAt(std::string_view text, std::size_t pos) {
   if (pos + 4 > text.size()) return std::nullopt;
@@ -248,6 +232,22 @@ CodePageState& State() {
 }
 
 }  // namespace
+
+// Eight bytes at a time: source files are long, and mostly ASCII.
+bool IsAscii(std::string_view bytes) {
+  constexpr uint64_t kHighBits = 0x8080808080808080ULL;
+  const char* p = bytes.data();
+  std::size_t left = bytes.size();
+  uint64_t any = 0;
+  for (; left >= 8; p += 8, left -= 8) {
+    uint64_t word;
+    std::memcpy(&word, p, sizeof word);
+    any |= word;
+  }
+  for (; left > 0; ++p, --left)
+    any |= static_cast<unsigned char>(*p);
+  return (any & kHighBits) == 0;
+}
 
 CodePage::CodePage(int number) : number_(number) {
   if (number == kWindows1252) return;

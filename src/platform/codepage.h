@@ -39,6 +39,9 @@ class CodePage {
   bool asciiCompatible_ = true;
 };
 
+// Whether the bytes are all ASCII (below 0x80), as most source text and paths are.
+bool IsAscii(std::string_view bytes);
+
 // Whether qx can read and write this code page (1252 always; others when iconv knows them).
 bool IsKnownCodePage(int number);
 

@@ -96,6 +96,10 @@ bool ProjectLineReader::Next() {
   return true;
 }
 
+bool IsGroupFile(std::string_view path) {
+  return path.size() > 4 && automation::EqualsAsciiNoCase(path.substr(path.size() - 4), ".vbg");
+}
+
 std::vector<GroupMember> ReadGroupMembers(std::string_view bytes, const CodePage& codePage,
                                           std::string_view fileName) {
   std::vector<GroupMember> members;

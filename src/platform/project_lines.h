@@ -83,6 +83,9 @@ struct GroupMember {
   bool startup = false;
 };
 
+// Whether the path names a project group (a .vbg file, in any letter case).
+bool IsGroupFile(std::string_view path);
+
 // The projects of a group file's bytes, in order. Raises as RequireProjectText does for a
 // binary file.
 std::vector<GroupMember> ReadGroupMembers(std::string_view bytes, const CodePage& codePage,

@@ -30,6 +30,7 @@
 #include "ide/vbide/vbprojects.h"
 #include "platform/files.h"
 #include "platform/home.h"
+#include "platform/project_lines.h"
 #include "platform/windows.h"
 
 namespace ide::server {
@@ -197,7 +198,7 @@ int Serve(const ServeOptions& options) {
   std::vector<int32_t> cookies{utility->RegisterObject(ControlName(::getpid()), control)};
   // Started for a group, it registers under the group file's name too, once every project of the
   // group is open (or has failed to): what its starter waits for.
-  if (Ide::IsGroupFile(options.projectFile))
+  if (platform::IsGroupFile(options.projectFile))
     cookies.push_back(utility->RegisterObject(options.projectFile, control));
   // The disk to flush at the end: the (start-up) project's, not a group file's.
   const std::string projectFile = ide->VBProject()->FileName();

@@ -76,7 +76,7 @@ std::unique_ptr<Ide> Ide::Start(std::string_view projectPath, AddInLoading addIn
         }
       });
   if (addIns == AddInLoading::kLoad) ide->LoadAddIns();
-  if (IsGroupFile(projectPath)) {
+  if (platform::IsGroupFile(projectPath)) {
     ide->OpenGroup(projectPath);
   } else if (!projectPath.empty()) {
     ide->project_ = ide->OpenProject(projectPath);
@@ -140,10 +140,6 @@ std::shared_ptr<vbide::VBProject> Ide::OpenProject(std::string_view path) {
   auto project = vbe_->VBProjects()->Add(std::move(model));
   vbe_->Events()->VBProjectsEvents()->Fire("ItemAdded", project);
   return project;
-}
-
-bool Ide::IsGroupFile(std::string_view path) {
-  return path.size() > 4 && automation::EqualsAsciiNoCase(path.substr(path.size() - 4), ".vbg");
 }
 
 void Ide::OpenGroup(std::string_view path) {

@@ -85,8 +85,6 @@ class Ide {
 
   const std::shared_ptr<automation::Process>& Process() const { return process_; }
   const std::shared_ptr<vbide::VBE>& VBE() const { return vbe_; }
-  // Whether the path names a project group (.vbg) rather than a project.
-  static bool IsGroupFile(std::string_view path);
 
   // The project opened at start (of a group: its start-up project, else the first that opened);
   // null when none was given or none could be opened.
